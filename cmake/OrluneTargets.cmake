@@ -1,0 +1,35 @@
+# Flags of our own code. Third-party headers are included as system headers and stay out of them.
+add_library(orlune_flags INTERFACE)
+target_compile_options(orlune_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<BOOL:${ORLUNE_WERROR}>:-Werror>
+    # Clang marks [[no_unique_address]]-like attributes of the standard library of GCC 12 as unknown.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-attributes>)
+target_compile_definitions(orlune_flags INTERFACE
+    # Asio, Beast and JSON are compiled once (src/platform/boost.cpp), not in every file.
+    BOOST_ASIO_SEPARATE_COMPILATION BOOST_BEAST_SEPARATE_COMPILATION
+    BOOST_ASIO_NO_DEPRECATED
+    ORLUNE_VERSION="${PROJECT_VERSION}")
+target_include_directories(orlune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+if(ORLUNE_SANITIZE)
+    target_compile_options(orlune_flags INTERFACE
+        -fsanitize=${ORLUNE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(orlune_flags INTERFACE -fsanitize=${ORLUNE_SANITIZE})
+endif()
+
+# orlune_library(<name> SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
+# One library per floor: what a floor may include is what it links.
+function(orlune_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC orlune_flags ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+# orlune_test(<name> SOURCES <files...> LINK <targets...>)
+function(orlune_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,44 @@
+// The microphone: one input with one tap. Owned by the capture service and used on the main actor;
+// the tap is called on the engine's own audio thread, one buffer at a time. A device that vanishes
+// while running ends in silence, never in an error or a hang.
+#pragma once
+
+#include "platform/AudioFormat.h"
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+
+namespace orlune {
+
+/// Why the engine did not start, in the sound server's own words.
+class AudioEngineError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class AudioEngine {
+  public:
+    using Tap = std::function<void(const AudioPCMBuffer&)>;
+
+    virtual ~AudioEngine() = default;
+
+    /// What the default input delivers by itself. No channels, or a rate of 0, when there is none.
+    virtual AudioFormat inputFormat() = 0;
+
+    /// From the next start on, `tap` receives buffers of exactly `bufferSize` frames in `format`.
+    virtual void installTap(std::uint32_t bufferSize, const AudioFormat& format, Tap tap) = 0;
+    virtual void removeTap() = 0;
+
+    /// Acquires what starting needs, so that `start` is quick.
+    virtual void prepare() = 0;
+    /// Throws `AudioEngineError`.
+    virtual void start() = 0;
+    /// Once it has returned the tap is not called any more. Must not be called from the tap.
+    virtual void stop() = 0;
+    virtual bool isRunning() const = 0;
+};
+
+using AudioEngineFactory = std::function<std::unique_ptr<AudioEngine>()>;
+
+} // namespace orlune

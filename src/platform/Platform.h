@@ -1,0 +1,40 @@
+// What the program asks of a desktop, bundled once where the program is put together and handed
+// down. The referenced facilities outlive everything that receives the bundle.
+#pragma once
+
+#include "platform/Accessibility.h"
+#include "platform/AudioConverter.h"
+#include "platform/AudioEngine.h"
+#include "platform/Clock.h"
+#include "platform/KeyEventPosting.h"
+#include "platform/Log.h"
+#include "platform/MainActor.h"
+#include "platform/Pasteboard.h"
+#include "platform/SecretItems.h"
+#include "platform/UserDefaults.h"
+#include "platform/WebSocket.h"
+
+#include <string>
+
+namespace orlune {
+
+/// Names the program wherever the desktop asks: secrets, log, D-Bus, configuration folder.
+inline constexpr auto bundleIdentifier = "app.orlune.Orlune";
+
+struct Platform {
+    MainActor& mainActor;
+    Executor background; ///< for work that belongs to no thread in particular
+    Clock& clock;
+    AudioEngineFactory makeAudioEngine;
+    AudioConverterFactory makeAudioConverter;
+    WebSocketSession& webSockets;
+    SecretItems& secretItems;
+    Accessibility& accessibility;
+    Pasteboard& pasteboard;
+    KeyEventPosting& keyEvents;
+    UserDefaults& userDefaults;
+    Log& log;
+    std::string speechEndpoint; ///< scheme, host and port of the transcription service
+};
+
+} // namespace orlune

@@ -1,0 +1,64 @@
+// A property that announces each change before it is stored, to its own observers and to those of
+// the object it belongs to. Used on the main actor alone. Subscribing returns a handle; dropping
+// the handle ends the delivery.
+#pragma once
+
+#include <boost/signals2/dummy_mutex.hpp>
+#include <boost/signals2/signal.hpp>
+#include <boost/signals2/signal_type.hpp>
+
+#include <functional>
+#include <utility>
+
+namespace orlune {
+
+template <typename Signature>
+using Signal = typename boost::signals2::signal_type<
+    Signature, boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>>::type;
+
+using Subscription = boost::signals2::scoped_connection;
+
+/// The base of an object with published properties; observers of the whole object hear every
+/// change.
+class ObservableObject {
+  public:
+    /// Called before any published property takes its new value.
+    [[nodiscard]] Subscription onChange(std::function<void()> observer) {
+        return objectWillChange.connect(std::move(observer));
+    }
+
+    Signal<void()> objectWillChange;
+
+  protected:
+    ~ObservableObject() = default;
+};
+
+template <typename Value>
+class Published {
+  public:
+    Published(ObservableObject& owner, Value initial) : owner_(owner), value_(std::move(initial)) {}
+    Published(const Published&) = delete;
+    Published& operator=(const Published&) = delete;
+
+    const Value& get() const { return value_; }
+    operator const Value&() const { return value_; }
+
+    /// Announces, then stores, also when the value is the same as before.
+    void set(Value value) {
+        owner_.objectWillChange();
+        willChange_(value);
+        value_ = std::move(value);
+    }
+
+    /// The observer receives the value that is about to be stored.
+    [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> observer) {
+        return willChange_.connect(std::move(observer));
+    }
+
+  private:
+    ObservableObject& owner_;
+    Signal<void(const Value&)> willChange_;
+    Value value_;
+};
+
+} // namespace orlune

@@ -1,0 +1,60 @@
+// Generic-password items in the desktop's own secret store. Calls are synchronous and bounded: a
+// store that is locked, missing or asking the user for a password answers within the bound with a
+// status, never with a frozen program. Used on the main actor.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orlune {
+
+/// Which item: the application's bundle identifier and the name of the secret.
+struct SecretItemQuery {
+    std::string service;
+    std::string account;
+};
+
+/// When an item can be read. There is one value: once the user has unlocked the store after logging
+/// in, on this machine only; the item is never synchronised.
+enum class SecretAccessibility { afterFirstUnlockThisDeviceOnly };
+
+struct SecretStatus {
+    enum class Code {
+        success,
+        itemNotFound,
+        duplicateItem,
+        notAvailable,          ///< no session bus or no provider of secrets
+        noDefaultStore,        ///< a provider without a default collection
+        interactionNotAllowed, ///< locked, and nobody there to unlock it
+        timedOut,              ///< no answer within the bound, an unlock prompt perhaps
+        userCanceled,          ///< the unlock prompt was dismissed
+        refused,               ///< anything else the provider answered
+    };
+
+    Code code = Code::success;
+    std::string message; ///< for a person; empty on success
+
+    bool isSuccess() const { return code == Code::success; }
+};
+
+class SecretItems {
+  public:
+    struct Match {
+        SecretStatus status;
+        std::optional<std::string> data; ///< the item's bytes, present on success
+    };
+
+    virtual ~SecretItems() = default;
+
+    /// The data of at most one matching item.
+    virtual Match copyMatching(const SecretItemQuery& query) = 0;
+    /// Adds an item that is not there yet. An add that was reported as failed does not happen
+    /// later.
+    virtual SecretStatus add(const SecretItemQuery& query, std::string_view data,
+                             SecretAccessibility accessibility) = 0;
+    /// Removes every matching item.
+    virtual SecretStatus remove(const SecretItemQuery& query) = 0;
+};
+
+} // namespace orlune

@@ -1,0 +1,2 @@
+#include "platform/memory/ManualClock.h"
+#include "platform/memory/TurnQueue.h"
