@@ -1,7 +1,8 @@
 // An unbounded queue from any number of producers to one consumer. Producing takes no lock, never
 // waits and allocates one node for the element, so it is safe on an audio thread. The consumer is
 // woken only when it really sleeps. Elements come out in the order in which they were yielded;
-// after `finish()` the elements already queued are delivered, then the end.
+// after `finish()` the elements already queued are delivered, then the end. A stream that somebody
+// waits on must be finished, or its consumer cancelled, before it is let go.
 #pragma once
 
 #include "platform/Continuation.h"

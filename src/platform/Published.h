@@ -51,13 +51,13 @@ class Published {
     }
 
     /// The observer receives the value that is about to be stored.
-    [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> observer) {
+    [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> observer) const {
         return willChange_.connect(std::move(observer));
     }
 
   private:
     ObservableObject& owner_;
-    Signal<void(const Value&)> willChange_;
+    mutable Signal<void(const Value&)> willChange_;
     Value value_;
 };
 

@@ -68,14 +68,16 @@ Task Task::startBody(const Executor& executor, Body body) {
     auto held = std::make_shared<Body>(std::move(body));
     asio::post(executor, [task, held = std::move(held)]() mutable {
         auto state = task.state_;
+        // A task that is unwound because its executor ends has ended too: whoever waits must know.
+        std::shared_ptr<void> ending(nullptr, [state](void*) { state->finish(); });
         asio::co_spawn(state->executor, run(std::move(task), std::move(held)),
-                       asio::bind_cancellation_slot(state->signal.slot(),
-                                                    [state](const std::exception_ptr& error) {
-                                                        if (error) {
-                                                            reportEscaped(error, state->cancelled);
-                                                        }
-                                                        state->finish();
-                                                    }));
+                       asio::bind_cancellation_slot(
+                           state->signal.slot(),
+                           [state, ending = std::move(ending)](const std::exception_ptr& error) {
+                               if (error) {
+                                   reportEscaped(error, state->cancelled);
+                               }
+                           }));
         if (state->cancelled) {
             state->signal.emit(asio::cancellation_type::terminal);
         }
