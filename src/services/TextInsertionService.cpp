@@ -1,0 +1,51 @@
+#include "services/TextInsertionService.h"
+
+#include <cstdint>
+
+namespace orlune {
+
+namespace {
+
+/// The V key, by its place on an ANSI keyboard; the platform finds it in the user's layout.
+constexpr std::uint16_t pasteKey = 9;
+
+} // namespace
+
+const char* TextInsertionService::InsertionError::what() const noexcept {
+    switch (errorCase_) {
+    case Case::accessibilityPermission:
+        return "Allow Accessibility access, then try again";
+    case Case::eventCreation:
+        break;
+    }
+    return "Couldn't paste into the active application";
+}
+
+void TextInsertionService::insert(const std::string& text) const {
+    using Case = InsertionError::Case;
+    if (!accessibility_->isProcessTrusted()) {
+        accessibility_->isProcessTrustedWithOptions(/*prompt=*/true);
+        throw InsertionError(Case::accessibilityPermission);
+    }
+    pasteboard_->clearContents();
+    if (!pasteboard_->setString(text)) {
+        // The key press would paste what somebody else holds.
+        throw InsertionError(Case::eventCreation);
+    }
+    const auto source = keyEvents_->createSource(EventSourceState::hidSystemState);
+    if (!source) {
+        throw InsertionError(Case::eventCreation);
+    }
+    auto keyDown = keyEvents_->createKeyboardEvent(*source, pasteKey, /*isKeyDown=*/true);
+    auto keyUp = keyEvents_->createKeyboardEvent(*source, pasteKey, /*isKeyDown=*/false);
+    if (!keyDown || !keyUp) {
+        throw InsertionError(Case::eventCreation);
+    }
+    // Command alone, whatever the user still holds.
+    keyDown->flags = ModifierFlags::command;
+    keyUp->flags = ModifierFlags::command;
+    keyEvents_->post(EventTapLocation::hidEventTap, *keyDown);
+    keyEvents_->post(EventTapLocation::hidEventTap, *keyUp);
+}
+
+} // namespace orlune
