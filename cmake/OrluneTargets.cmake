@@ -17,6 +17,16 @@ if(ORLUNE_SANITIZE)
     target_link_options(orlune_flags INTERFACE -fsanitize=${ORLUNE_SANITIZE})
 endif()
 
+if(ORLUNE_HARDEN)
+    include(CheckPIESupported)
+    check_pie_supported()
+    target_compile_options(orlune_flags INTERFACE
+        -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    target_compile_definitions(orlune_flags INTERFACE _GLIBCXX_ASSERTIONS)
+    target_link_options(orlune_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
+
 # orlune_library(<name> SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
 # One library per floor: what a floor may include is what it links.
 function(orlune_library name)
