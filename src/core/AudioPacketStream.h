@@ -1,0 +1,26 @@
+// The queue that carries the sound of one dictation from the audio thread to the task that sends
+// it. The session controller makes one for each dictation and finishes it; letting it go does not
+// finish it. Any thread may use the continuation, one task reads the stream. Nothing is ever
+// dropped.
+#pragma once
+
+#include "platform/AsyncStream.h"
+
+#include <string>
+
+namespace orlune {
+
+/// The samples of one converted buffer: 16-bit signed integers in the machine's byte order, one
+/// channel, 16000 a second, no header. Kept as the bytes of a WebSocket message, so that a packet
+/// moves from the audio thread into the connection without being copied.
+using AudioPacket = std::string;
+
+class AudioPacketStream {
+  public:
+    AudioPacketStream() : continuation(stream.continuation()) {}
+
+    AsyncStream<AudioPacket> stream;
+    AsyncStream<AudioPacket>::Continuation continuation;
+};
+
+} // namespace orlune

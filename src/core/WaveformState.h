@@ -1,0 +1,34 @@
+// Turns the levels of the microphone into the few quantities that the waveform views animate. Owned
+// by the session controller, which pushes every level while it listens and resets the frame between
+// dictations. Used on the main actor alone. It knows no time: it moves once for each pushed level.
+#pragma once
+
+#include "platform/Published.h"
+
+namespace orlune {
+
+class WaveformState : public ObservableObject {
+  public:
+    struct Frame {
+        double level = 0;         ///< 0 to 1, follows the input quickly
+        double calmLevel = 0;     ///< 0 to 1, follows `level` slowly
+        double voiceActivity = 0; ///< 0 in silence, 1 while speaking
+        double speechPulse = 0;   ///< 0 to 1, jumps at the onset of a syllable
+        double motionPhase = 0;   ///< radians, 0 to slightly above 8π, runs while somebody speaks
+
+        bool operator==(const Frame&) const = default;
+    };
+
+    const Published<Frame>& frame() const { return frame_; }
+
+    /// Moves the frame on by one level from 0 to 1, and publishes it once.
+    void push(double input);
+
+    /// All fields become 0.
+    void reset() { frame_.set(Frame{}); }
+
+  private:
+    Published<Frame> frame_{*this, Frame{}};
+};
+
+} // namespace orlune
