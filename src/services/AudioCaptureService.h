@@ -1,0 +1,68 @@
+// The default microphone as packets for the transcription, with a loudness for the waveform. Owned
+// by the session controller, which prepares, starts and stops it on the main actor. Both callbacks
+// run on the engine's audio thread, one buffer at a time, and must return quickly. Failures are
+// thrown: CaptureError by `prepare`, the engine's own error by `start`.
+#pragma once
+
+#include "core/AudioPacketStream.h"
+#include "platform/AudioConverter.h"
+#include "platform/AudioEngine.h"
+
+#include <exception>
+#include <functional>
+#include <memory>
+
+namespace orlune {
+
+class AudioCaptureService {
+  public:
+    /// Why no capture could be prepared; `what()` is the text for the user.
+    class CaptureError : public std::exception {
+      public:
+        enum class Case { noInput, conversionFailed };
+
+        explicit CaptureError(Case kind) : kind_(kind) {}
+        Case kind() const { return kind_; }
+        const char* what() const noexcept override;
+
+        bool operator==(const CaptureError& other) const { return kind_ == other.kind_; }
+
+      private:
+        Case kind_;
+    };
+
+    /// Receives the smoothed loudness of one buffer, from 0 to 1.
+    using LevelCallback = std::function<void(double level)>;
+    /// Receives the samples of one buffer; never an empty packet.
+    using AudioDataCallback = std::function<void(AudioPacket packet)>;
+
+    /// The one engine that is made here is used for every dictation.
+    AudioCaptureService(const AudioEngineFactory& makeEngine, AudioConverterFactory makeConverter);
+    ~AudioCaptureService();
+    AudioCaptureService(const AudioCaptureService&) = delete;
+    AudioCaptureService& operator=(const AudioCaptureService&) = delete;
+
+    /// Installs the tap, in the place of one that is still there, and prepares the engine without
+    /// starting it. Returns the format of the packets. Nothing is installed when it throws.
+    AudioFormat prepare(LevelCallback level, AudioDataCallback audioData);
+
+    /// Starts a prepared engine; does nothing when there is none. Throws AudioEngineError, after
+    /// which the tap stays until `stop`.
+    void start();
+
+    /// Once it has returned no callback is called any more. Harmless at any time.
+    void stop();
+
+    bool isPrepared() const { return isPrepared_; }
+
+  private:
+    class TapHandler;
+
+    static float rms(const AudioPCMBuffer& buffer);
+
+    std::unique_ptr<AudioEngine> engine_;
+    AudioConverterFactory makeConverter_;
+    bool isPrepared_ = false;
+};
+
+} // namespace orlune
