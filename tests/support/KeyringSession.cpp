@@ -1,0 +1,206 @@
+#include "tests/support/KeyringSession.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace orlune::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto startDeadline = 10s;
+
+template <typename Condition>
+void waitFor(const char* what, Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + startDeadline;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            throw std::runtime_error(std::string("waited in vain for ") + what);
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+}
+
+std::vector<char*> pointers(const std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (const auto& text : texts) {
+        result.push_back(const_cast<char*>(text.c_str()));
+    }
+    result.push_back(nullptr);
+    return result;
+}
+
+std::string outputOf(const std::vector<std::string>& arguments,
+                     const std::vector<std::string>& environment) {
+    std::string command = "env -i";
+    for (const auto* words : {&environment, &arguments}) {
+        for (const auto& word : *words) {
+            command += " '" + word + "'";
+        }
+    }
+    std::string output;
+    if (FILE* stream = ::popen((command + " 2>&1").c_str(), "r")) {
+        char buffer[4096];
+        while (const auto count = std::fread(buffer, 1, sizeof buffer, stream)) {
+            output.append(buffer, count);
+        }
+        ::pclose(stream);
+    }
+    return output;
+}
+
+bool accepts(const std::filesystem::path& socketPath) {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    socketPath.native().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isAccepted =
+        ::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    ::close(descriptor);
+    return isAccepted;
+}
+
+} // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& environment, std::string_view input) {
+    int ends[2] = {};
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe");
+    }
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, ends[0], 0);
+    // What it says would stand between the lines of the test's own report.
+    ::posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    const int error = ::posix_spawnp(&process_, arguments[0].c_str(), &actions, nullptr,
+                                     pointers(arguments).data(), pointers(environment).data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[0]);
+    [[maybe_unused]] const auto written = ::write(ends[1], input.data(), input.size());
+    ::close(ends[1]);
+    if (error != 0) {
+        process_ = -1;
+        throw std::runtime_error("cannot start " + arguments[0]);
+    }
+}
+
+ChildProcess::ChildProcess(ChildProcess&& other) noexcept
+    : process_(std::exchange(other.process_, -1)) {}
+
+ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
+    std::swap(process_, other.process_);
+    return *this;
+}
+
+ChildProcess::~ChildProcess() {
+    kill();
+}
+
+void ChildProcess::signal(int number) const {
+    if (process_ > 0) {
+        ::kill(process_, number);
+    }
+}
+
+bool ChildProcess::isRunning() {
+    if (process_ > 0 && ::waitpid(process_, nullptr, WNOHANG) == process_) {
+        process_ = -1;
+    }
+    return process_ > 0;
+}
+
+void ChildProcess::kill() {
+    if (process_ > 0) {
+        ::kill(process_, SIGKILL);
+        ::waitpid(std::exchange(process_, -1), nullptr, 0);
+    }
+}
+
+KeyringSession::KeyringSession() {
+    const auto socket = folder_.path() / "bus";
+    const auto configuration = folder_.path() / "bus.conf";
+    // Without a service folder nothing is started on demand: neither a provider nor a prompter.
+    write(configuration, "<busconfig><type>session</type><listen>unix:path=" + socket.string()
+                             + "</listen><policy context='default'>"
+                               "<allow send_destination='*' eavesdrop='true'/>"
+                               "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+    address_ = "unix:path=" + socket.string();
+    for (const auto* name : {"home", "data", "runtime"}) {
+        std::filesystem::create_directory(folder_.path() / name);
+        std::filesystem::permissions(folder_.path() / name, std::filesystem::perms::owner_all);
+    }
+    // The bus ends with us even when a test crashes, and with the bus the keyring.
+    bus_ = ChildProcess({"setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork", "--nopidfile",
+                         "--config-file=" + configuration.string()},
+                        environment());
+    waitFor("the bus", [&] { return accepts(socket); });
+}
+
+void KeyringSession::startKeyring(std::optional<std::string_view> password) {
+    std::vector<std::string> arguments = {"gnome-keyring-daemon", "--foreground",
+                                          "--components=secrets"};
+    if (password) {
+        arguments.emplace_back("--unlock");
+    }
+    keyring_ = ChildProcess(arguments, environment(), password.value_or(""));
+    waitFor("the keyring", [&] { return hasOwner(); });
+}
+
+void KeyringSession::stopKeyring() {
+    keyring_.kill();
+    waitFor("the end of the keyring", [&] { return !hasOwner(); });
+}
+
+void KeyringSession::freezeKeyring() const {
+    keyring_.signal(SIGSTOP);
+}
+
+void KeyringSession::thawKeyring() const {
+    keyring_.signal(SIGCONT);
+}
+
+int KeyringSession::countItems(std::string_view account) const {
+    const auto output = outputOf(
+        {"secret-tool", "search", "--all", "account", std::string(account)}, environment());
+    int count = 0;
+    for (auto position = output.find("label = "); position != std::string::npos;
+         position = output.find("label = ", position + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+std::vector<std::string> KeyringSession::environment() const {
+    const auto folder = folder_.path().string();
+    const char* path = ::getenv("PATH");
+    return {"PATH=" + std::string(path ? path : "/usr/bin:/bin"),
+            "LC_ALL=C.UTF-8",
+            "HOME=" + folder + "/home",
+            "XDG_DATA_HOME=" + folder + "/data",
+            "XDG_RUNTIME_DIR=" + folder + "/runtime",
+            "DBUS_SESSION_BUS_ADDRESS=" + address_};
+}
+
+bool KeyringSession::hasOwner() const {
+    const auto output =
+        outputOf({"dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus",
+                  "/org/freedesktop/DBus", "org.freedesktop.DBus.NameHasOwner",
+                  "string:org.freedesktop.secrets"},
+                 environment());
+    return output.find("boolean true") != std::string::npos;
+}
+
+} // namespace orlune::test

@@ -1,0 +1,57 @@
+// A provider of secrets that does what no real one can be made to do on demand: a prompt that
+// stands until the test answers it, an add that is answered late, a refusal. It holds one
+// collection and at most one item. Its operations are safe from any thread; it answers on GLib's
+// own D-Bus thread.
+#pragma once
+
+#include "platform/linux/GlibHandles.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace orlune::test {
+
+class ScriptedSecretService {
+  public:
+    explicit ScriptedSecretService(const std::string& busAddress);
+    ~ScriptedSecretService();
+
+    void lock();
+    /// The answer of a person at the prompt, who needs a moment to read it.
+    void answerPrompt(bool isUnlocked);
+    void waitForPrompt();
+    int promptCount() const;
+
+    /// Adds are refused with this text from now on.
+    void refuseAdds(std::string text);
+    /// Adds are done at once and answered only when released.
+    void holdAnswersToAdds();
+    void releaseAnswersToAdds();
+
+    bool hasItem() const;
+    int addCount() const;
+
+  private:
+    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message,
+                                gboolean isIncoming, gpointer self);
+    GVariant* answer(GDBusMessage* message);
+    GVariant* properties(const std::string& path) const;
+    void reply(GDBusMessage* message, GVariant* body);
+    void send(GDBusMessage* message);
+
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    GlibObject<GDBusConnection> connection_;
+    bool isLocked_ = false;
+    bool isPromptStanding_ = false;
+    bool isHolding_ = false;
+    int promptCount_ = 0;
+    int addCount_ = 0;
+    std::string refusal_;
+    std::vector<std::string> items_; ///< the data
+    std::vector<GlibObject<GDBusMessage>> held_;
+};
+
+} // namespace orlune::test
