@@ -1,2 +1,33 @@
-#include "platform/memory/ManualClock.h"
-#include "platform/memory/TurnQueue.h"
+#include "platform/memory/MemoryPlatform.h"
+
+#include <algorithm>
+
+namespace orlune {
+
+Platform MemoryPlatform::bundle() {
+    return Platform{queue,
+                    queue.executor(),
+                    clock,
+                    audioEngine.factory(),
+                    audioConverter.factory(),
+                    webSockets,
+                    secretItems,
+                    accessibility,
+                    pasteboard,
+                    keyEvents,
+                    userDefaults,
+                    log,
+                    "wss://speech.example"};
+}
+
+void MemoryPlatform::advance(Clock::Duration duration) {
+    queue.runUntilIdle();
+    const auto end = clock.now() + duration;
+    while (clock.now() < end) {
+        const auto next = std::min(end, clock.nextWake().value_or(end));
+        clock.advance(next - clock.now());
+        queue.runUntilIdle();
+    }
+}
+
+} // namespace orlune

@@ -1,0 +1,44 @@
+// A whole platform in memory: every facility by hand, one queue and one clock for all of it. What
+// happened to sockets, pasteboard, keys and trust stands in one order in `events`. What was made
+// from `bundle()` ends before it.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/memory/ManualClock.h"
+#include "platform/memory/MemoryAccessibility.h"
+#include "platform/memory/MemoryAudioConverter.h"
+#include "platform/memory/MemoryAudioEngine.h"
+#include "platform/memory/MemoryKeyEventPosting.h"
+#include "platform/memory/MemoryLog.h"
+#include "platform/memory/MemoryPasteboard.h"
+#include "platform/memory/MemorySecretItems.h"
+#include "platform/memory/MemoryUserDefaults.h"
+#include "platform/memory/MemoryWebSocket.h"
+#include "platform/memory/TurnQueue.h"
+
+namespace orlune {
+
+struct MemoryPlatform {
+    /// The facilities as everybody above sees them.
+    Platform bundle();
+
+    /// Turns the clock in steps, so that everybody who sleeps wakes at his own time, and runs what
+    /// that queues.
+    void advance(Clock::Duration duration);
+    void runUntilIdle() { queue.runUntilIdle(); }
+
+    MemoryEvents events = makeMemoryEvents();
+    ManualClock clock; // before the queue: what is dropped with the queue may still look at it
+    MemoryLog log;
+    MemoryUserDefaults userDefaults;
+    MemorySecretItems secretItems;
+    MemoryAudioEngine audioEngine;
+    MemoryAudioConverter audioConverter;
+    MemoryAccessibility accessibility{events};
+    MemoryPasteboard pasteboard{events};
+    MemoryKeyEventPosting keyEvents{events};
+    MemoryWebSocketSession webSockets{events};
+    TurnQueue queue;
+};
+
+} // namespace orlune
