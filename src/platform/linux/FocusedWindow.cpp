@@ -1,0 +1,106 @@
+#include "platform/linux/FocusedWindow.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+#include <memory>
+#include <optional>
+
+namespace orlune {
+
+namespace {
+
+struct XFreeDeleter {
+    void operator()(void* memory) const { XFree(memory); }
+};
+
+template <typename Value>
+using XOwned = std::unique_ptr<Value, XFreeDeleter>;
+
+/// The first 32-bit item of a property; Xlib hands such items out as longs.
+std::optional<unsigned long> propertyItem(Display* display, Window window, const char* name,
+                                          Atom wantedType) {
+    const Atom property = XInternAtom(display, name, /*only_if_exists=*/True);
+    if (property == None) {
+        return std::nullopt;
+    }
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* bytes = nullptr;
+    const int status = XGetWindowProperty(display, window, property, 0, 1, /*delete=*/False,
+                                          wantedType, &type, &format, &count, &rest, &bytes);
+    const XOwned<unsigned char> owned(bytes);
+    if (status != Success || format != 32 || count == 0) {
+        return std::nullopt;
+    }
+    return *reinterpret_cast<unsigned long*>(bytes);
+}
+
+std::optional<WindowClass> classOf(Display* display, Window window) {
+    XClassHint hint{};
+    if (!XGetClassHint(display, window, &hint)) {
+        return std::nullopt;
+    }
+    const XOwned<char> instanceName(hint.res_name);
+    const XOwned<char> className(hint.res_class);
+    return WindowClass{.instanceName = instanceName ? instanceName.get() : "",
+                       .className = className ? className.get() : ""};
+}
+
+std::optional<Window> parentOf(Display* display, Window window) {
+    Window root = None;
+    Window parent = None;
+    Window* children = nullptr;
+    unsigned int count = 0;
+    const auto found = XQueryTree(display, window, &root, &parent, &children, &count);
+    const XOwned<Window> owned(children);
+    if (!found || parent == None || parent == root) {
+        return std::nullopt;
+    }
+    return parent;
+}
+
+std::optional<Window> focus(Display* display) {
+    Window window = None;
+    int revertTo = 0;
+    XGetInputFocus(display, &window, &revertTo);
+    if (window == PointerRoot) {
+        // The keyboard follows the pointer.
+        Window root = None;
+        int ignored = 0;
+        unsigned int mask = 0;
+        XQueryPointer(display, DefaultRootWindow(display), &root, &window, &ignored, &ignored,
+                      &ignored, &ignored, &mask);
+    }
+    return window == None ? std::nullopt : std::optional(window);
+}
+
+} // namespace
+
+WindowClass classOfFocusedWindow(Display* display) {
+    const auto active =
+        propertyItem(display, DefaultRootWindow(display), "_NET_ACTIVE_WINDOW", XA_WINDOW);
+    if (active && *active != None) {
+        if (auto found = classOf(display, *active)) {
+            return *found;
+        }
+    }
+    // The focus may be on a child without a name. Without a window manager nothing carries
+    // WM_STATE: then the outermost window that has a class counts.
+    WindowClass outermost;
+    for (auto window = focus(display); window; window = parentOf(display, *window)) {
+        auto found = classOf(display, *window);
+        if (found) {
+            outermost = *found;
+        }
+        if (propertyItem(display, *window, "WM_STATE", AnyPropertyType)) {
+            return found.value_or(WindowClass{});
+        }
+    }
+    return outermost;
+}
+
+} // namespace orlune

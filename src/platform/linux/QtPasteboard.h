@@ -1,0 +1,33 @@
+// The desktop's clipboard through Qt, plain text alone, held for as long as the program runs. Main
+// thread, with a QGuiApplication; other programs are served by its loop. A clipboard that somebody
+// else keeps is a refusal.
+#pragma once
+
+#include "platform/Pasteboard.h"
+
+#include <memory>
+#include <string>
+
+class QTimer;
+
+namespace orlune {
+
+class QtPasteboard final : public Pasteboard {
+  public:
+    QtPasteboard();
+    ~QtPasteboard() override;
+
+    /// Takes effect in the next turn of the loop, unless a text is set before: clipboard managers
+    /// refill an empty clipboard, and would do so over the text that follows.
+    void clearContents() override;
+    bool setString(const std::string& text) override;
+
+    /// Offers the text set last as the primary selection too, where terminals look. False when
+    /// there is none or somebody else keeps the selection.
+    bool ownPrimarySelection();
+
+  private:
+    std::unique_ptr<QTimer> clearing_;
+};
+
+} // namespace orlune

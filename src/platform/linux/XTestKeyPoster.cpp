@@ -1,0 +1,283 @@
+#include "platform/linux/XTestKeyPoster.h"
+
+#include "platform/linux/DelayedKeyReleases.h"
+#include "platform/linux/FocusedWindow.h"
+#include "platform/linux/VirtualKeyCodes.h"
+#include "platform/linux/XConnection.h"
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+using Keycode = XTestKeyPoster::Keycode;
+
+constexpr std::uint16_t virtualV = 9;
+constexpr std::uint16_t virtualInsert = 114;
+
+constexpr auto chordFlags = ModifierFlags::shift | ModifierFlags::control | ModifierFlags::option
+                            | ModifierFlags::command | ModifierFlags::function;
+
+struct ModifierSymbols {
+    ModifierFlags flag;
+    KeySym left;
+    KeySym right;
+};
+
+constexpr ModifierSymbols shiftSymbols{ModifierFlags::shift, XK_Shift_L, XK_Shift_R};
+constexpr ModifierSymbols controlSymbols{ModifierFlags::control, XK_Control_L, XK_Control_R};
+constexpr std::array modifierSymbols = {
+    controlSymbols,
+    ModifierSymbols{ModifierFlags::option, XK_Alt_L, XK_Alt_R},
+    shiftSymbols,
+    ModifierSymbols{ModifierFlags::command, XK_Super_L, XK_Super_R},
+};
+
+std::optional<Keycode> modifierKey(const KeyboardLayout& layout, const ModifierSymbols& symbols) {
+    const auto left = layout.keycodeOf(symbols.left);
+    return left ? left : layout.keycodeOf(symbols.right);
+}
+
+std::optional<Keycode> keyInPlace(std::uint16_t virtualKey) {
+    const auto keycode = keycodeForVirtualKey(virtualKey);
+    if (!keycode || *keycode > std::numeric_limits<Keycode>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<Keycode>(*keycode);
+}
+
+/// Alt and its like, which open a menu when they are tapped alone.
+bool opensMenus(const KeyboardLayout& layout, Keycode key) {
+    constexpr std::array<KeySym, 6> symbols = {XK_Alt_L,  XK_Alt_R,   XK_Meta_L,
+                                               XK_Meta_R, XK_Super_L, XK_Super_R};
+    return std::ranges::find(symbols, layout.symbolOf(key)) != symbols.end();
+}
+
+bool holds(const std::vector<Keycode>& keys, Keycode key) {
+    return std::ranges::find(keys, key) != keys.end();
+}
+
+template <typename... Arguments>
+void call(const std::function<void(Arguments...)>& hook,
+          const std::type_identity_t<Arguments>&... arguments) {
+    if (hook) {
+        hook(arguments...);
+    }
+}
+
+/// Sends keys over one connection. Synchronised, each is carried out before the next is sent.
+class Keystrokes {
+  public:
+    Keystrokes(XConnection& connection, bool synchronised)
+        : connection_(connection), synchronised_(synchronised) {}
+
+    void press(Keycode key) { send(key, /*isDown=*/True); }
+    void release(Keycode key) { send(key, /*isDown=*/False); }
+
+  private:
+    void send(Keycode key, Bool isDown) {
+        if (!connection_.isAlive()) {
+            return;
+        }
+        XTestFakeKeyEvent(connection_.display(), key, isDown, CurrentTime);
+        if (synchronised_) {
+            connection_.roundTrip();
+        } else {
+            XFlush(connection_.display());
+        }
+    }
+
+    XConnection& connection_;
+    bool synchronised_;
+};
+
+} // namespace
+
+XTestKeyPoster::XTestKeyPoster(std::vector<std::string> terminals, Hooks hooks,
+                               std::string displayName)
+    : terminals_(std::move(terminals)), hooks_(std::move(hooks)),
+      displayName_(std::move(displayName)) {}
+
+XTestKeyPoster::~XTestKeyPoster() {
+    if (!connection_ || !releases_) {
+        return;
+    }
+    // A delayed release dies with its connection, so what is still under way is done here.
+    auto keys = releases_->underWay();
+    for (const auto& [virtualKey, chord] : down_) {
+        keys.push_back(chord.key);
+        keys.insert(keys.end(), chord.modifiers.begin(), chord.modifiers.end());
+    }
+    letGo(keys);
+}
+
+bool XTestKeyPoster::connect() {
+    if (connection_ && connection_->isAlive() && releases_ && releases_->connection().isAlive()) {
+        return true;
+    }
+    if (releases_) {
+        releases_->underWay(); // announces the end of what was lost with the connection
+    }
+    connection_ = XConnection::open(displayName_);
+    releases_ = DelayedKeyReleases::open(displayName_, [this] {
+        if (down_.empty()) {
+            call(hooks_.didPost);
+        }
+    });
+    int ignored = 0;
+    if (!connection_ || !releases_
+        || !XTestQueryExtension(connection_->display(), &ignored, &ignored, &ignored, &ignored)) {
+        connection_.reset();
+        releases_.reset();
+        return false;
+    }
+    // A program that grabs the whole server must not hold up the main thread.
+    XTestGrabControl(connection_->display(), /*impervious=*/True);
+    XTestGrabControl(releases_->connection().display(), /*impervious=*/True);
+    XFlush(releases_->connection().display());
+    return connection_->roundTrip();
+}
+
+std::optional<EventSource> XTestKeyPoster::createSource(EventSourceState state) {
+    if (!connect() || !connection_->roundTrip()) {
+        return std::nullopt;
+    }
+    return EventSource{.state = state};
+}
+
+std::optional<KeyboardEvent>
+XTestKeyPoster::createKeyboardEvent(const EventSource&, std::uint16_t virtualKey, bool isKeyDown) {
+    if (!keyInPlace(virtualKey)) {
+        return std::nullopt;
+    }
+    return KeyboardEvent{
+        .virtualKey = virtualKey, .isKeyDown = isKeyDown, .flags = ModifierFlags::none};
+}
+
+void XTestKeyPoster::post(EventTapLocation, const KeyboardEvent& event) {
+    if (!connect()) {
+        return;
+    }
+    if (event.isKeyDown) {
+        press(event);
+    } else {
+        release(event);
+    }
+}
+
+std::optional<XTestKeyPoster::Chord>
+XTestKeyPoster::pasteChord(const KeyboardLayout& layout) const {
+    const auto control = modifierKey(layout, controlSymbols);
+    const auto v = layout.keycodeOf(XK_v);
+    if (control && v && !terminals_.include(classOfFocusedWindow(connection_->display()))) {
+        return Chord{.modifiers = {*control}, .key = *v};
+    }
+    const auto shift = modifierKey(layout, shiftSymbols);
+    const auto named = layout.keycodeOf(XK_Insert);
+    const auto insert = named ? named : keyInPlace(virtualInsert);
+    if (!shift || !insert || (hooks_.ownPrimarySelection && !hooks_.ownPrimarySelection())) {
+        return std::nullopt;
+    }
+    return Chord{.modifiers = {*shift}, .key = *insert};
+}
+
+std::optional<XTestKeyPoster::Chord>
+XTestKeyPoster::plainChord(const KeyboardEvent& event, const KeyboardLayout& layout) const {
+    const auto key = keyInPlace(event.virtualKey);
+    if (!key) {
+        return std::nullopt;
+    }
+    Chord chord{.modifiers = {}, .key = *key};
+    for (const auto& symbols : modifierSymbols) {
+        const auto modifier = modifierKey(layout, symbols);
+        if (contains(event.flags, symbols.flag) && modifier && *modifier != *key) {
+            chord.modifiers.push_back(*modifier);
+        }
+    }
+    return chord;
+}
+
+void XTestKeyPoster::press(const KeyboardEvent& event) {
+    const auto layout = KeyboardLayout::read(connection_->display());
+    if (!layout || down_.contains(event.virtualKey)) {
+        return;
+    }
+    const bool isPaste =
+        event.virtualKey == virtualV && (event.flags & chordFlags) == ModifierFlags::command;
+    auto chord = isPaste ? pasteChord(*layout) : plainChord(event, *layout);
+    if (!chord) {
+        return;
+    }
+
+    auto ours = releases_->underWay();
+    const bool areReleasesUnderWay = !ours.empty();
+    if (down_.empty() && !areReleasesUnderWay) {
+        call(hooks_.willPost);
+    }
+    for (const auto& [virtualKey, pressed] : down_) {
+        ours.push_back(pressed.key);
+        std::erase_if(chord->modifiers, [&](Keycode key) { return key == pressed.key; });
+    }
+    // Behind releases that the server has yet to do, the keys queue up; nobody waits for them.
+    Keystrokes keys(areReleasesUnderWay ? releases_->connection() : *connection_,
+                    /*synchronised=*/!areReleasesUnderWay);
+
+    auto held = layout->heldModifiers();
+    std::erase_if(held, [&](Keycode key) { return holds(ours, key); });
+    const auto menuKeys =
+        std::ranges::stable_partition(held, [&](Keycode key) { return !opensMenus(*layout, key); });
+    // The quiet ones first: with Shift down, another modifier may switch the layout.
+    for (const auto key : std::vector(held.begin(), menuKeys.begin())) {
+        keys.release(key);
+    }
+    if (layout->isDown(chord->key) && !holds(ours, chord->key)) {
+        keys.release(chord->key);
+    }
+    const auto control = modifierKey(*layout, controlSymbols);
+    if (!menuKeys.empty() && control) {
+        keys.press(*control); // so that Alt is not tapped alone
+    }
+    for (const auto key : menuKeys) {
+        keys.release(key);
+    }
+    if (!menuKeys.empty() && control && !holds(chord->modifiers, *control)) {
+        keys.release(*control);
+    }
+    for (const auto key : chord->modifiers) {
+        keys.press(key);
+    }
+    keys.press(chord->key);
+    down_.emplace(event.virtualKey, std::move(*chord));
+    if (!held.empty()) {
+        call(hooks_.onModifiersReleased, held);
+    }
+}
+
+void XTestKeyPoster::release(const KeyboardEvent& event) {
+    const auto pressed = down_.extract(event.virtualKey);
+    if (pressed.empty()) {
+        return;
+    }
+    const auto& chord = pressed.mapped();
+    std::vector<Keycode> keys{chord.key};
+    keys.insert(keys.end(), chord.modifiers.rbegin(), chord.modifiers.rend());
+    releases_->schedule(keys);
+}
+
+void XTestKeyPoster::letGo(const std::vector<Keycode>& keys) {
+    Keystrokes strokes(*connection_, /*synchronised=*/true);
+    for (const auto key : keys) {
+        strokes.release(key);
+    }
+}
+
+} // namespace orlune
