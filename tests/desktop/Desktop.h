@@ -1,0 +1,107 @@
+// The desktop around a test: other programs, the keyboard as hardware, and waiting. Main thread;
+// waiting turns Qt's loop.
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QProcess;
+struct _XDisplay;
+
+namespace orlune::desktop {
+
+/// Turns the loop until the condition holds. False when it does not within 30 s, which is generous
+/// so that a loaded machine fails nothing.
+[[nodiscard]] bool waitUntil(const std::function<bool()>& condition);
+
+/// Another program, ended with the handle.
+class Program {
+  public:
+    explicit Program(const std::vector<std::string>& command);
+    ~Program();
+
+    /// Waits for the end and returns what was written to standard output.
+    std::string output();
+    /// The first line written to standard output; waits for it.
+    std::string firstLine();
+    void kill();
+
+  private:
+    std::unique_ptr<QProcess> process_;
+};
+
+/// Runs a program to its end.
+std::string run(const std::vector<std::string>& command);
+
+/// The keyboard of the X server as the user's hands would use it, and the state it leads to.
+class Keyboard {
+  public:
+    using Keycode = std::uint8_t;
+
+    Keyboard();
+    /// Lets go of everything and puts the locks and the layout back.
+    ~Keyboard();
+
+    /// Through the server's own keyboard device, not through the one synthetic keys come from.
+    void press(Keycode key);
+    void release(Keycode key);
+
+    /// Arguments of setxkbmap, and which of the layouts is active.
+    void useLayout(const std::vector<std::string>& arguments, unsigned int active = 0);
+    /// Caps Lock and Num Lock.
+    void lock(bool caps, bool num);
+
+    /// The keys that are down as programs see it, on whatever device.
+    std::vector<Keycode> down();
+
+  private:
+    struct Devices;
+    std::unique_ptr<Devices> devices_;
+    std::vector<Keycode> pressed_;
+};
+
+/// The class of the window that receives the keys; empty when none does.
+std::string focusedClass();
+/// Claims, as a confused window manager might, that a window that does not exist is active.
+void claimThatAVanishedWindowIsActive();
+
+/// Counts how often other programs fetched text from a selection that is ours. A program that is
+/// handed the text has it before any key that is posted afterwards.
+class FetchCounter final : public QAbstractNativeEventFilter {
+  public:
+    FetchCounter();
+    ~FetchCounter() override;
+
+    int count() const { return count_; }
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+
+  private:
+    int count_ = 0;
+};
+
+/// A window with the keyboard that writes down which keys come.
+class KeyRecorder {
+  public:
+    explicit KeyRecorder(const std::string& className);
+    ~KeyRecorder();
+
+    struct Key {
+        bool isDown;
+        Keyboard::Keycode key;
+        std::uint64_t milliseconds; ///< the server's time
+    };
+    /// All that the server has carried out so far.
+    const std::vector<Key>& keys();
+
+  private:
+    _XDisplay* display_;
+    unsigned long window_;
+    std::vector<Key> keys_;
+};
+
+} // namespace orlune::desktop
