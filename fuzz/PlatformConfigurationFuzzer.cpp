@@ -1,0 +1,59 @@
+// Any file and environment give an endpoint, a key and terminals that can be used. The input is the
+// file, the endpoint, the key and the terminals, separated by NUL.
+#include "platform/linux/PlatformConfiguration.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void expect(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+void checkEndpoint(const std::string& endpoint) {
+    const bool isSecure = endpoint.starts_with("wss://");
+    expect(isSecure || endpoint.starts_with("ws://"));
+    const auto authority = std::string_view(endpoint).substr(isSecure ? 6 : 5);
+    expect(!authority.empty()
+           && authority.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                          "0123456789-.:[]")
+                  == std::string_view::npos);
+    expect(isSecure || authority.starts_with("127.") || authority.starts_with("[")
+           || authority == "localhost" || authority.starts_with("localhost:"));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string_view rest(reinterpret_cast<const char*>(data), size);
+    const auto next = [&rest] {
+        const auto end = std::min(rest.find('\0'), rest.size());
+        const auto part = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        return std::string(part);
+    };
+    const auto file = next();
+    orlune::Environment environment;
+    for (const char* name : {"ORLUNE_ENDPOINT", "ORLUNE_FN_KEY", "ORLUNE_TERMINALS"}) {
+        environment[name] = next();
+    }
+    const auto configuration = orlune::PlatformConfiguration::parse(file, environment);
+    checkEndpoint(configuration.endpoint);
+    expect(!configuration.fnKey.empty());
+    for (const auto& terminal : configuration.terminals) {
+        expect(!terminal.empty());
+    }
+    const auto again = orlune::PlatformConfiguration::parse(
+        std::nullopt,
+        {{"ORLUNE_ENDPOINT", configuration.endpoint}, {"ORLUNE_FN_KEY", configuration.fnKey}});
+    expect(again.problems.empty() && again.endpoint == configuration.endpoint
+           && again.fnKey == configuration.fnKey);
+    return 0;
+}
