@@ -71,6 +71,16 @@ TEST_F(SecretServiceItemsTest, SurvivesARestartOfTheKeyringAndALateStart) {
     EXPECT_EQ(items.copyMatching(query).data, "abc");
 }
 
+TEST_F(SecretServiceItemsTest, TheEndOfTheBusIsNotOurs) {
+    session.startKeyring("password");
+    SecretServiceItems items(options);
+    EXPECT_TRUE(items.add(query, "abc", accessibility).isSuccess());
+    session.restartBus();
+    EXPECT_EQ(items.copyMatching(query).status.code, Code::notAvailable);
+    session.startKeyring("password");
+    EXPECT_EQ(items.copyMatching(query).data, "abc");
+}
+
 TEST_F(SecretServiceItemsTest, EachReasonForHavingNoSecretSaysItself) {
     const auto expectEverywhere = [&](SecretServiceItems& items, Code code, const char* text) {
         const auto read = items.copyMatching(query);

@@ -60,24 +60,33 @@ bool accepts(const std::filesystem::path& socketPath) {
 
 } // namespace
 
-KeyringSession::KeyringSession() {
-    const auto socket = folder_.path() / "bus";
-    const auto configuration = folder_.path() / "bus.conf";
-    // Without a service folder nothing is started on demand: neither a provider nor a prompter.
-    write(configuration, "<busconfig><type>session</type><listen>unix:path=" + socket.string()
-                             + "</listen><policy context='default'>"
-                               "<allow send_destination='*' eavesdrop='true'/>"
-                               "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
-    address_ = "unix:path=" + socket.string();
+KeyringSession::KeyringSession() : address_("unix:path=" + (folder_.path() / "bus").string()) {
     for (const auto* name : {"home", "data", "runtime"}) {
         std::filesystem::create_directory(folder_.path() / name);
         std::filesystem::permissions(folder_.path() / name, std::filesystem::perms::owner_all);
     }
-    // The bus ends with us even when a test crashes, and with the bus the keyring.
+    // Without a service folder nothing is started on demand: neither a provider nor a prompter.
+    write(folder_.path() / "bus.conf",
+          "<busconfig><type>session</type><listen>" + address_
+              + "</listen><policy context='default'>"
+                "<allow send_destination='*' eavesdrop='true'/>"
+                "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+    startBus();
+}
+
+void KeyringSession::startBus() {
+    // It ends with us even when a test crashes, and with it the keyring.
     bus_ = ChildProcess({"setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork", "--nopidfile",
-                         "--config-file=" + configuration.string()},
+                         "--config-file=" + (folder_.path() / "bus.conf").string()},
                         environment());
-    waitFor("the bus", [&] { return accepts(socket); });
+    waitFor("the bus", [&] { return accepts(folder_.path() / "bus"); });
+}
+
+void KeyringSession::restartBus() {
+    bus_.kill();
+    keyring_.kill();
+    std::filesystem::remove(folder_.path() / "bus");
+    startBus();
 }
 
 void KeyringSession::startKeyring(std::optional<std::string_view> password) {

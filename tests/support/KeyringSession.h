@@ -24,6 +24,8 @@ class KeyringSession {
     /// made, or opened if it is the right one; without one there is none.
     void startKeyring(std::optional<std::string_view> password);
     void stopKeyring();
+    /// Ends the bus, the keyring with it, and starts another bus at the same address.
+    void restartBus();
     /// Stops the provider in the middle of whatever it does, and lets it go on.
     void freezeKeyring() const;
     void thawKeyring() const;
@@ -33,6 +35,7 @@ class KeyringSession {
 
   private:
     std::vector<std::string> environment() const;
+    void startBus();
     bool hasOwner() const;
 
     TemporaryFolder folder_;
