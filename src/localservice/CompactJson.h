@@ -1,0 +1,15 @@
+#pragma once
+
+// JSON text as the service writes it: no spaces, numbers in plain decimals ("1.08", never
+// "1.08E0"). A free function, safe on any thread, which cannot fail.
+
+#include <boost/json/value.hpp>
+
+#include <string>
+
+namespace orlune {
+
+/// The value as one line. Members keep their order.
+std::string compactJson(const boost::json::value& value);
+
+} // namespace orlune

@@ -1,0 +1,148 @@
+#include "localservice/PocketSphinxRecogniser.h"
+
+#include <pocketsphinx.h>
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <sphinxbase/cmn.h>
+#include <sphinxbase/err.h>
+#include <stdexcept>
+
+namespace orlune {
+namespace {
+
+constexpr double secondsPerFrame = 0.01;
+
+/// What a voice is expected to sound like before any of it was heard: the mean of its cepstrum. The
+/// mean that comes with the model belongs to audio from the noise remover; this one was measured
+/// without it, over four synthetic voices, and saves every third mistake of a first utterance.
+/// Later utterances of a stream correct it.
+constexpr std::array<float, 13> meanOfVoices = {57.2F, 8.2F,  6.8F,  23.2F, -1.8F, -0.7F, 5.0F,
+                                                -8.5F, -4.4F, -4.6F, 5.8F,  2.0F,  2.8F};
+
+using Configuration = std::unique_ptr<cmd_ln_t, void (*)(cmd_ln_t*)>;
+
+/// The library ends the process over some unreadable models, so what it needs is looked for first.
+void requireFile(const std::filesystem::path& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) {
+        throw std::runtime_error(
+            "The speech model has no file " + path.string()
+            + ". Install the package pocketsphinx-en-us or name another model folder.");
+    }
+}
+
+/// Chosen by measuring sixteen sentences of two synthetic voices. The second search over the whole
+/// utterance ("fwdflat") gains one word in a hundred and makes every final 0.2 s later. Without the
+/// noise remover, which takes the beginning of clean speech for noise, four more words in a hundred
+/// are right. 4000 states are enough.
+Configuration makeConfiguration(const std::filesystem::path& directory) {
+    std::vector<std::string> words = {"orlune-local-service",
+                                      "-hmm",
+                                      (directory / "en-us").string(),
+                                      "-lm",
+                                      (directory / "en-us.lm.bin").string(),
+                                      "-dict",
+                                      (directory / "cmudict-en-us.dict").string(),
+                                      "-fwdflat",
+                                      "no",
+                                      "-bestpath",
+                                      "yes",
+                                      "-maxhmmpf",
+                                      "4000",
+                                      "-remove_noise",
+                                      "no",
+                                      "-remove_silence",
+                                      "no",
+                                      "-dither",
+                                      "no"};
+    std::vector<char*> arguments;
+    for (auto& word : words) {
+        arguments.push_back(word.data());
+    }
+    return {cmd_ln_parse_r(nullptr, ps_args(), static_cast<int>(arguments.size()), arguments.data(),
+                           TRUE),
+            [](cmd_ln_t* configuration) { cmd_ln_free_r(configuration); }};
+}
+
+ps_decoder_t* makeDecoder(const std::filesystem::path& directory) {
+    for (const auto* file :
+         {"en-us.lm.bin", "cmudict-en-us.dict", "en-us/mdef", "en-us/means", "en-us/variances",
+          "en-us/sendump", "en-us/transition_matrices", "en-us/feat.params", "en-us/noisedict"}) {
+        requireFile(directory / file);
+    }
+    // Its log is a thousand lines for every start.
+    static const bool quiet = [] {
+        err_set_logfp(nullptr);
+        return true;
+    }();
+    static_cast<void>(quiet);
+    const auto configuration = makeConfiguration(directory);
+    auto* decoder = configuration ? ps_init(configuration.get()) : nullptr;
+    if (decoder == nullptr) {
+        throw std::runtime_error("The speech model in " + directory.string() + " cannot be read.");
+    }
+    return decoder;
+}
+
+/// Words of the dictionary, not its marks for silence and noise ("<sil>", "[NOISE]", "++UH++").
+bool isSpoken(std::string_view word) {
+    return !word.empty() && word.front() != '<' && word.front() != '[' && word.front() != '+';
+}
+
+} // namespace
+
+PocketSphinxRecogniser::PocketSphinxRecogniser(const std::filesystem::path& modelDirectory)
+    : decoder_(makeDecoder(modelDirectory), [](ps_decoder_t* decoder) { ps_free(decoder); }) {
+    assert(feat_cepsize(ps_get_feat(decoder_.get())) == static_cast<int>(meanOfVoices.size()));
+}
+
+PocketSphinxRecogniser::~PocketSphinxRecogniser() = default;
+
+void PocketSphinxRecogniser::startStream() {
+    cmn_live_set(ps_get_feat(decoder_.get())->cmn_struct, meanOfVoices.data());
+}
+
+void PocketSphinxRecogniser::startUtterance() {
+    ps_start_stream(decoder_.get()); // so that frames are counted from here
+    ps_start_utt(decoder_.get());
+}
+
+void PocketSphinxRecogniser::feed(std::span<const std::int16_t> samples) {
+    ps_process_raw(decoder_.get(), samples.data(), samples.size(), FALSE, FALSE);
+}
+
+std::vector<RecognisedWord> PocketSphinxRecogniser::partial() {
+    return words();
+}
+
+std::vector<RecognisedWord> PocketSphinxRecogniser::endUtterance() {
+    ps_end_utt(decoder_.get());
+    return words();
+}
+
+std::vector<RecognisedWord> PocketSphinxRecogniser::words() const {
+    std::vector<RecognisedWord> result;
+    for (auto* segment = ps_seg_iter(decoder_.get()); segment != nullptr;
+         segment = ps_seg_next(segment)) {
+        std::string text = ps_seg_word(segment);
+        if (!isSpoken(text)) {
+            continue;
+        }
+        // "the(2)" is the second way of saying "the".
+        text = text.substr(0, text.find('('));
+        int first = 0;
+        int last = 0;
+        ps_seg_frames(segment, &first, &last);
+        const auto posterior = ps_seg_prob(segment, nullptr, nullptr, nullptr);
+        const double confidence = logmath_exp(ps_get_logmath(decoder_.get()), posterior);
+        result.push_back({.text = std::move(text),
+                          .start = first * secondsPerFrame,
+                          .end = (last + 1) * secondsPerFrame,
+                          .confidence = std::clamp(confidence, 0.0, 1.0)});
+    }
+    return result;
+}
+
+} // namespace orlune

@@ -1,0 +1,36 @@
+#pragma once
+
+// The recogniser of PocketSphinx with its US English model: about 0.4 s and 100 MB to make, then a
+// tenth of one core while somebody speaks. Owned by the pool that lends it out, used by one thread
+// at a time; instances share nothing. A model that is missing or cannot be read is a
+// std::runtime_error which names the file.
+
+#include "localservice/Recogniser.h"
+
+#include <filesystem>
+
+typedef struct ps_decoder_s ps_decoder_t;
+
+namespace orlune {
+
+class PocketSphinxRecogniser final : public Recogniser {
+  public:
+    /// Where Debian's pocketsphinx-en-us puts the model.
+    static constexpr const char* defaultModelDirectory = "/usr/share/pocketsphinx/model/en-us";
+
+    explicit PocketSphinxRecogniser(const std::filesystem::path& modelDirectory);
+    ~PocketSphinxRecogniser() override;
+
+    void startStream() override;
+    void startUtterance() override;
+    void feed(std::span<const std::int16_t> samples) override;
+    std::vector<RecognisedWord> partial() override;
+    std::vector<RecognisedWord> endUtterance() override;
+
+  private:
+    std::vector<RecognisedWord> words() const;
+
+    std::unique_ptr<ps_decoder_t, void (*)(ps_decoder_t*)> decoder_;
+};
+
+} // namespace orlune
