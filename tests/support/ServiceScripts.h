@@ -1,0 +1,27 @@
+// The ready scripts of tests/localservice/scripts, each a fault of the speech service.
+#pragma once
+
+#include "localservice/Script.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace orlune::test {
+
+/// By the file's name without ending, for example "late-tail-1.5s".
+inline Script serviceScript(const std::string& name) {
+    return Script::load(std::filesystem::path(ORLUNE_SERVICE_SCRIPTS) / (name + ".json"));
+}
+
+inline std::vector<std::string> serviceScriptNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ORLUNE_SERVICE_SCRIPTS)) {
+        names.push_back(entry.path().stem().string());
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+} // namespace orlune::test
