@@ -1,0 +1,89 @@
+// One WebSocket over one TCP connection, plain or TLS, without queues: at most one read, one write
+// and one close at a time. Owned by its connection; everything runs on the strand given. Failures
+// are `WebSocketError` with a text for a person.
+#pragma once
+
+#include "platform/Continuation.h"
+#include "platform/WebSocket.h"
+#include "platform/linux/ProxySettings.h"
+#include "platform/linux/WebSocketAddress.h"
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orlune {
+
+class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
+  public:
+    using Headers = std::vector<WebSocketRequest::Header>;
+    using Socket = boost::asio::ip::tcp::socket;
+
+    static std::shared_ptr<BeastTransport>
+    make(const Executor& strand, boost::asio::ssl::context& trust, WebSocketAddress address);
+    virtual ~BeastTransport() = default;
+
+    /// Resolves, connects (through the proxy, where there is one), and speaks TLS and the opening
+    /// handshake. Has no time limit of its own: `drop()` ends it.
+    Awaitable<void> connect(const ProxySettings& proxies, const Headers& headers);
+    /// One message, whole; returns when the system has taken its last byte.
+    virtual Awaitable<void> write(const WebSocketMessage& message) = 0;
+    virtual Awaitable<WebSocketMessage> read() = 0;
+    /// The closing handshake, behind a write that is under way, and the end of the TCP connection.
+    /// Waits for the peer for as long as it takes: `drop()` ends it.
+    virtual Awaitable<void> close(WebSocketCloseCode code) = 0;
+
+    /// Called once when the peer's close frame is read; what it says comes as a text for a person.
+    /// `read()` itself ends later, when the peer has closed the TCP connection as well.
+    std::function<void(const std::string& text)> onPeerClose;
+
+    /// Ends the TCP connection at once, whatever is under way; that fails in a later turn.
+    void drop();
+
+  protected:
+    BeastTransport(const Executor& strand, WebSocketAddress address);
+
+    virtual Socket& socket() = 0;
+    virtual Awaitable<void> secure() = 0;
+    virtual Awaitable<void> upgrade(const Headers& headers) = 0;
+
+    const WebSocketAddress& address() const { return address_; }
+    /// Throws when the connection was dropped meanwhile.
+    void requireNotDropped() const;
+
+  private:
+    using Endpoints = boost::asio::ip::tcp::resolver::results_type;
+
+    Awaitable<Endpoints> resolve(std::string host, std::uint16_t port);
+    Awaitable<void> connectToAny(std::string host, Endpoints endpoints);
+    Awaitable<void> tunnel(ProxyServer proxy);
+
+    const Executor strand_;
+    const WebSocketAddress address_;
+    boost::asio::ip::tcp::resolver resolver_;
+    boost::asio::steady_timer attemptTimer_;
+    unsigned attempt_ = 0;
+    bool dropped_ = false;
+    struct Lookup {
+        boost::system::error_code error;
+        Endpoints endpoints;
+    };
+    Continuation<Lookup> lookup_;
+};
+
+/// The TLS settings every connection shares: the system's trust store, TLS 1.2 or later, the peer's
+/// certificate always verified.
+std::shared_ptr<boost::asio::ssl::context> makeTrust();
+
+/// What a refused opening handshake says, for a person: the HTTP status, the service's `dg-error`
+/// header and the `err_msg` of its JSON body, each where there is one. No request header's value
+/// is repeated, even if the service echoes it.
+std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
+                        std::string_view body, const BeastTransport::Headers& secrets);
+
+} // namespace orlune

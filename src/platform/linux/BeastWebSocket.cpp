@@ -1,0 +1,41 @@
+#include "platform/linux/BeastWebSocket.h"
+
+#include "platform/linux/BeastConnection.h"
+
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+/// The caller's handle. Its end ends the connection, which then closes on its own time.
+class BeastWebSocketTask final : public WebSocketTask {
+  public:
+    explicit BeastWebSocketTask(std::shared_ptr<BeastConnection> connection)
+        : connection_(std::move(connection)) {}
+    ~BeastWebSocketTask() override { connection_->cancel(WebSocketCloseCode::goingAway); }
+    BeastWebSocketTask(const BeastWebSocketTask&) = delete;
+    BeastWebSocketTask& operator=(const BeastWebSocketTask&) = delete;
+
+    void resume() override { connection_->resume(); }
+    Awaitable<void> send(WebSocketMessage message) override {
+        return BeastConnection::send(connection_, std::move(message));
+    }
+    Awaitable<WebSocketMessage> receive() override { return BeastConnection::receive(connection_); }
+    void cancel(WebSocketCloseCode code) override { connection_->cancel(code); }
+
+  private:
+    const std::shared_ptr<BeastConnection> connection_;
+};
+
+} // namespace
+
+BeastWebSocketSession::BeastWebSocketSession(Executor executor, ProxySettings proxies)
+    : executor_(std::move(executor)), proxies_(std::move(proxies)), trust_(makeTrust()) {}
+
+std::shared_ptr<WebSocketTask> BeastWebSocketSession::webSocketTask(WebSocketRequest request) {
+    return std::make_shared<BeastWebSocketTask>(
+        std::make_shared<BeastConnection>(executor_, trust_, proxies_, std::move(request)));
+}
+
+} // namespace orlune
