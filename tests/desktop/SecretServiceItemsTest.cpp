@@ -152,18 +152,22 @@ TEST_F(SecretServiceItemsTest, AProviderThatHangsIsAnsweredForWithinTheBound) {
 
 class ScriptedSecretServiceTest : public SecretServiceItemsTest {
   protected:
+    // Connected before anything is timed.
+    ScriptedSecretServiceTest() { settled(hasty); }
+
     test::ScriptedSecretService service{session.busAddress()};
     SecretServiceItems patient{{/*hasDisplay=*/true, 5s, 5s}};
-    SecretServiceItems hasty{{/*hasDisplay=*/true, 100ms, 100ms}};
+    SecretServiceItems hasty{{/*hasDisplay=*/true, 300ms, 300ms}};
 };
 
 TEST_F(ScriptedSecretServiceTest, AReadThatTimedOutLeavesItsPromptToTheNext) {
     ASSERT_TRUE(patient.add(query, "abc", accessibility).isSuccess());
     service.lock();
+    EXPECT_EQ(hasty.copyMatching(query).status.code, Code::timedOut);
+    service.waitForPrompt();
     const auto read = hasty.copyMatching(query);
     EXPECT_EQ(read.status.code, Code::timedOut);
     EXPECT_THAT(read.status.message, HasSubstr("waiting to be unlocked"));
-    EXPECT_EQ(hasty.copyMatching(query).status.code, Code::timedOut);
     service.answerPrompt(/*isUnlocked=*/true);
     EXPECT_EQ(settled(hasty).message, "");
     EXPECT_EQ(service.promptCount(), 1) << "nobody is asked twice";
