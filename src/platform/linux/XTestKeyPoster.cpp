@@ -100,6 +100,27 @@ class Keystrokes {
     bool synchronised_;
 };
 
+/// Lets go of what the user holds, so that no program takes it for a tap.
+void releaseHeld(Keystrokes& keys, const KeyboardLayout& layout, std::vector<Keycode> held) {
+    const auto menuKeys =
+        std::ranges::partition(held, [&](Keycode key) { return !opensMenus(layout, key); });
+    // The quiet ones first: with Shift down, another modifier may switch the layout.
+    for (const auto key : std::vector(held.begin(), menuKeys.begin())) {
+        keys.release(key);
+    }
+    // Control in between, or Alt and Super would have been tapped alone.
+    const auto control = modifierKey(layout, controlSymbols);
+    if (!menuKeys.empty() && control) {
+        keys.press(*control);
+    }
+    for (const auto key : menuKeys) {
+        keys.release(key);
+    }
+    if (!menuKeys.empty() && control) {
+        keys.release(*control);
+    }
+}
+
 } // namespace
 
 XTestKeyPoster::XTestKeyPoster(std::vector<std::string> terminals, Hooks hooks,
@@ -233,24 +254,9 @@ void XTestKeyPoster::press(const KeyboardEvent& event) {
 
     auto held = layout->heldModifiers();
     std::erase_if(held, [&](Keycode key) { return holds(ours, key); });
-    const auto menuKeys =
-        std::ranges::stable_partition(held, [&](Keycode key) { return !opensMenus(*layout, key); });
-    // The quiet ones first: with Shift down, another modifier may switch the layout.
-    for (const auto key : std::vector(held.begin(), menuKeys.begin())) {
-        keys.release(key);
-    }
+    releaseHeld(keys, *layout, held);
     if (layout->isDown(chord->key) && !holds(ours, chord->key)) {
         keys.release(chord->key);
-    }
-    const auto control = modifierKey(*layout, controlSymbols);
-    if (!menuKeys.empty() && control) {
-        keys.press(*control); // so that Alt is not tapped alone
-    }
-    for (const auto key : menuKeys) {
-        keys.release(key);
-    }
-    if (!menuKeys.empty() && control && !holds(chord->modifiers, *control)) {
-        keys.release(*control);
     }
     for (const auto key : chord->modifiers) {
         keys.press(key);
