@@ -8,7 +8,7 @@ target_compile_options(orlune_flags INTERFACE
 target_compile_definitions(orlune_flags INTERFACE
     # Asio, Beast and JSON are compiled once (src/platform/boost.cpp), not in every file.
     BOOST_ASIO_SEPARATE_COMPILATION BOOST_BEAST_SEPARATE_COMPILATION
-    BOOST_ASIO_NO_DEPRECATED
+    BOOST_ASIO_NO_DEPRECATED QT_NO_KEYWORDS
     ORLUNE_VERSION="${PROJECT_VERSION}")
 target_include_directories(orlune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 if(ORLUNE_SANITIZE)

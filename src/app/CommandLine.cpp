@@ -1,0 +1,180 @@
+#include "app/CommandLine.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <string_view>
+
+namespace orlune {
+
+namespace {
+
+constexpr std::string_view overview =
+    R"(Usage: orlune COMMAND [OPTIONS]
+
+Speak a prompt and have it typed at the cursor.
+
+Commands:
+  dictate   one dictation in this terminal
+  intent    show goal, requirements and possible gap of a text on standard input
+  key       set, remove or look for the Deepgram API key in the keyring
+
+"orlune COMMAND --help" tells more. "orlune --version" prints the version.
+)";
+
+QStringList listOf(const std::vector<std::string>& arguments, const char* command) {
+    QStringList list{QStringLiteral("orlune ") + QString::fromUtf8(command)};
+    for (std::size_t index = 1; index < arguments.size(); ++index) {
+        list << QString::fromStdString(arguments[index]);
+    }
+    return list;
+}
+
+UsageError usageError(const QString& text, const char* command) {
+    return {"orlune: " + text.toStdString() + "\nTry \"orlune " + command + " --help\".\n"};
+}
+
+/// One command's options and its words, parsed the usual Unix way.
+class Parser {
+  public:
+    Parser(const char* command, const char* description) : command_(command) {
+        parser_.setApplicationDescription(QString::fromUtf8(description));
+    }
+
+    Parser& option(const char* name, const char* description, const char* value = "") {
+        parser_.addOption(
+            {QString::fromUtf8(name), QString::fromUtf8(description), QString::fromUtf8(value)});
+        return *this;
+    }
+    Parser& word(const char* name, const char* description) {
+        parser_.addPositionalArgument(QString::fromUtf8(name), QString::fromUtf8(description));
+        ++wordCount_;
+        return *this;
+    }
+
+    /// The answer when nothing is left to do: help, or what was wrong.
+    std::optional<Command> parse(const std::vector<std::string>& arguments) {
+        const auto help = parser_.addHelpOption();
+        if (!parser_.parse(listOf(arguments, command_))) {
+            return usageError(parser_.errorText(), command_);
+        }
+        if (parser_.isSet(help)) {
+            return Answer{helpText()};
+        }
+        if (parser_.positionalArguments().size() != wordCount_) {
+            return usageError(wordCount_ == 0 ? QStringLiteral("this command takes options only")
+                                              : QStringLiteral("this command takes one word"),
+                              command_);
+        }
+        return std::nullopt;
+    }
+
+    bool has(const char* name) const { return parser_.isSet(QString::fromUtf8(name)); }
+    std::string value(const char* name) const {
+        return parser_.value(QString::fromUtf8(name)).toStdString();
+    }
+    std::string word() const { return parser_.positionalArguments().constFirst().toStdString(); }
+
+  private:
+    std::string helpText() const {
+        QString text = parser_.helpText();
+        // Qt starts the usage line with the path of the running program.
+        text.replace(QRegularExpression(QStringLiteral("^Usage: .*? \\[options\\]")),
+                     QStringLiteral("Usage: orlune %1 [options]").arg(QString::fromUtf8(command_)));
+        return text.toStdString();
+    }
+
+    const char* command_;
+    QCommandLineParser parser_;
+    qsizetype wordCount_ = 0;
+};
+
+Command parseDictate(const std::vector<std::string>& arguments) {
+    Parser parser("dictate",
+                  "One dictation: Enter or the end of standard input ends the recording, Ctrl-C "
+                  "cancels.\nThe text goes to standard output, everything else to standard error.");
+    parser.option("input", "Takes the audio file FILE in the microphone's place.", "FILE")
+        .option("fast", "Feeds the file without waiting.")
+        .option("local", "Uses a speech service on this machine: no key, no network.")
+        .option("insert", "Pastes the text into the focused window.")
+        .option("no-intent-check", "Takes the transcript as it is.")
+        .option("yes", "Confirms the intent check without asking.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    DictateOptions options;
+    if (parser.has("input")) {
+        options.input = parser.value("input");
+    }
+    options.isFast = parser.has("fast");
+    options.isLocal = parser.has("local");
+    options.insertsText = parser.has("insert");
+    options.checksIntent = !parser.has("no-intent-check");
+    options.confirmsAtOnce = parser.has("yes");
+    if (options.isFast && !options.input) {
+        return usageError(QStringLiteral("--fast needs --input"), "dictate");
+    }
+    return options;
+}
+
+Command parseIntent(const std::vector<std::string>& arguments) {
+    Parser parser("intent", "Reads a text from standard input and shows what would be asked for.");
+    parser.option("json", "Prints JSON.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    return IntentOptions{parser.has("json")};
+}
+
+Command parseKey(const std::vector<std::string>& arguments) {
+    Parser parser("key",
+                  "Keeps the Deepgram API key in the desktop's keyring. \"set\" reads it from "
+                  "standard input, without showing it.");
+    parser.word("set|remove|status", "What to do with the key.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    const auto word = parser.word();
+    if (word == "set") {
+        return KeyOptions{KeyOptions::Action::set};
+    }
+    if (word == "remove") {
+        return KeyOptions{KeyOptions::Action::remove};
+    }
+    if (word == "status") {
+        return KeyOptions{KeyOptions::Action::status};
+    }
+    // The word is not repeated: it may be the key itself, typed in the wrong place.
+    return usageError(QStringLiteral("the word must be set, remove or status; the key itself is "
+                                     "never given on the command line"),
+                      "key");
+}
+
+} // namespace
+
+Command parseCommandLine(const std::vector<std::string>& arguments) {
+    const std::string command = arguments.empty() ? std::string() : arguments.front();
+    if (command == "dictate") {
+        return parseDictate(arguments);
+    }
+    if (command == "intent") {
+        return parseIntent(arguments);
+    }
+    if (command == "key") {
+        return parseKey(arguments);
+    }
+    if (command == "--help" || command == "-h" || command == "help") {
+        return Answer{std::string(overview)};
+    }
+    if (command == "--version") {
+        return Answer{"orlune " ORLUNE_VERSION "\n"};
+    }
+    if (command.empty()) {
+        return UsageError{std::string(overview)};
+    }
+    return UsageError{"orlune: there is no command \"" + command + "\"\n\n"
+                      + std::string(overview)};
+}
+
+} // namespace orlune

@@ -1,0 +1,112 @@
+#include "app/LinuxDesktop.h"
+
+#include "platform/linux/BackgroundThread.h"
+#include "platform/linux/BeastWebSocket.h"
+#include "platform/linux/FileUserDefaults.h"
+#include "platform/linux/JournalLog.h"
+#include "platform/linux/ProxySettings.h"
+#include "platform/linux/PulseAudioEngine.h"
+#include "platform/linux/QtMainActor.h"
+#include "platform/linux/QtPasteboard.h"
+#include "platform/linux/SecretServiceItems.h"
+#include "platform/linux/SpeexAudioConverter.h"
+#include "platform/linux/SteadyClock.h"
+#include "platform/linux/X11Accessibility.h"
+#include "platform/linux/XTestKeyPoster.h"
+
+#include <optional>
+
+namespace orlune {
+
+namespace {
+
+/// The replacement, or what stands in its place for as long as the desktop does.
+template <typename Real, typename Interface, typename Make>
+Interface& replacedOr(Interface* replacement, std::unique_ptr<Real>& real, Make make) {
+    if (replacement) {
+        return *replacement;
+    }
+    real = make();
+    return *real;
+}
+
+} // namespace
+
+/// In the order of their making; the last made ends first.
+struct LinuxDesktop::Facilities {
+    Facilities(Replacements replacements, TrustPrompt trustPrompt);
+    ~Facilities();
+
+    const Environment environment = processEnvironment();
+    const std::filesystem::path folder = configurationFolder(environment);
+    const PlatformConfiguration configuration = PlatformConfiguration::load(folder, environment);
+
+    std::unique_ptr<JournalLog> journal;
+    BackgroundThread background;
+    std::optional<QtMainActor> mainActor;
+    SteadyClock clock{background.context()};
+    std::unique_ptr<FileUserDefaults> fileDefaults;
+    std::unique_ptr<SecretServiceItems> keyring;
+    std::unique_ptr<X11Accessibility> x11Accessibility;
+    std::unique_ptr<QtPasteboard> clipboard;
+    std::unique_ptr<XTestKeyPoster> xtest;
+    std::unique_ptr<BeastWebSocketSession> webSockets;
+    std::optional<Platform> platform;
+};
+
+LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trustPrompt) {
+    mainActor.emplace();
+    auto& log =
+        replacedOr(replacements.log, journal, [] { return std::make_unique<JournalLog>(); });
+    const Logger logger(log, "Configuration");
+    for (const auto& problem : configuration.problems) {
+        logger.error(problem);
+    }
+    auto& defaults = replacedOr(replacements.userDefaults, fileDefaults,
+                                [&] { return std::make_unique<FileUserDefaults>(folder, log); });
+    auto& secrets = replacedOr(replacements.secretItems, keyring,
+                               [] { return std::make_unique<SecretServiceItems>(); });
+    auto& accessibility = replacedOr(replacements.accessibility, x11Accessibility, [&] {
+        return std::make_unique<X11Accessibility>(std::move(trustPrompt));
+    });
+    auto& pasteboard = replacedOr(replacements.pasteboard, clipboard,
+                                  [] { return std::make_unique<QtPasteboard>(); });
+    auto& keyEvents = replacedOr(replacements.keyEvents, xtest, [&] {
+        XTestKeyPoster::Hooks hooks;
+        hooks.ownPrimarySelection = [this] {
+            return clipboard && clipboard->ownPrimarySelection();
+        };
+        return std::make_unique<XTestKeyPoster>(configuration.terminals, std::move(hooks));
+    });
+    webSockets = std::make_unique<BeastWebSocketSession>(background.executor(),
+                                                         ProxySettings::fromProcessEnvironment());
+    if (!replacements.makeAudioEngine) {
+        replacements.makeAudioEngine = [] { return std::make_unique<PulseAudioEngine>(); };
+    }
+    const auto& endpoint = replacements.speechEndpoint;
+    platform.emplace(Platform{*mainActor, background.executor(), clock,
+                              std::move(replacements.makeAudioEngine), SpeexAudioConverter::create,
+                              *webSockets, secrets, accessibility, pasteboard, keyEvents, defaults,
+                              log, endpoint.empty() ? configuration.endpoint : endpoint});
+}
+
+/// No work may run, on either thread, once the first facility is gone.
+LinuxDesktop::Facilities::~Facilities() {
+    background.stop();
+    mainActor.reset();
+}
+
+LinuxDesktop::LinuxDesktop(Replacements replacements, TrustPrompt trustPrompt)
+    : facilities_(std::make_unique<Facilities>(std::move(replacements), std::move(trustPrompt))) {}
+
+LinuxDesktop::~LinuxDesktop() = default;
+
+const Platform& LinuxDesktop::platform() const {
+    return *facilities_->platform;
+}
+
+const PlatformConfiguration& LinuxDesktop::configuration() const {
+    return facilities_->configuration;
+}
+
+} // namespace orlune

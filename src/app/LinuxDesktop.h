@@ -1,0 +1,47 @@
+// The composition root's workshop: builds every real facility of a Linux desktop, bundles them and
+// takes them down in the right order. Created on the main thread after the application object;
+// whatever received the bundle ends before it. Facilities may be replaced before they are built.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/linux/ConfigurationFolder.h"
+#include "platform/linux/PlatformConfiguration.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace orlune {
+
+class LinuxDesktop {
+  public:
+    /// What stands in the place of a real facility; a null or empty member means the real one. The
+    /// pointed-to objects outlive the desktop.
+    struct Replacements {
+        Accessibility* accessibility = nullptr;
+        Pasteboard* pasteboard = nullptr;
+        KeyEventPosting* keyEvents = nullptr;
+        SecretItems* secretItems = nullptr;
+        UserDefaults* userDefaults = nullptr;
+        Log* log = nullptr;
+        AudioEngineFactory makeAudioEngine;
+        std::string speechEndpoint;
+    };
+
+    /// Tells the user what keeps text from being pasted and how to allow it; returns at once.
+    using TrustPrompt = std::function<void(const std::string& reason)>;
+
+    LinuxDesktop(Replacements replacements, TrustPrompt trustPrompt);
+    ~LinuxDesktop();
+    LinuxDesktop(const LinuxDesktop&) = delete;
+    LinuxDesktop& operator=(const LinuxDesktop&) = delete;
+
+    const Platform& platform() const;
+    const PlatformConfiguration& configuration() const;
+
+  private:
+    struct Facilities;
+    std::unique_ptr<Facilities> facilities_;
+};
+
+} // namespace orlune

@@ -1,0 +1,59 @@
+#include "app/CommandLine.h"
+#include "app/DictateCommand.h"
+#include "app/IntentCommand.h"
+#include "app/KeyCommand.h"
+#include "platform/linux/SecretServiceItems.h"
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace orlune {
+namespace {
+
+/// Runs what was asked for and returns the exit code.
+class CommandRunner {
+  public:
+    CommandRunner(int& argumentCount, char** arguments)
+        : argumentCount_(argumentCount), arguments_(arguments) {}
+
+    int operator()(const DictateOptions& options) const {
+        return runDictateCommand(options, argumentCount_, arguments_);
+    }
+    int operator()(const IntentOptions& options) const {
+        return runIntentCommand(options, std::cin, std::cout);
+    }
+    int operator()(const KeyOptions& options) const {
+        SecretServiceItems keyring;
+        return runKeyCommand(options, keyring, STDIN_FILENO);
+    }
+    int operator()(const Answer& answer) const {
+        std::fputs(answer.text.c_str(), stdout);
+        return exitDone;
+    }
+    int operator()(const UsageError& error) const {
+        std::fputs(error.text.c_str(), stderr);
+        return exitUsage;
+    }
+
+  private:
+    int& argumentCount_;
+    char** arguments_;
+};
+
+} // namespace
+} // namespace orlune
+
+int main(int argumentCount, char** arguments) {
+    std::setlocale(LC_ALL, "");
+    // A reader that goes away is an error of the write, not the end of the program.
+    std::signal(SIGPIPE, SIG_IGN);
+    // The key and the user's words pass through memory; they do not belong into a core dump.
+    const rlimit noCoreDump{0, 0};
+    setrlimit(RLIMIT_CORE, &noCoreDump);
+    const auto command = orlune::parseCommandLine({arguments + 1, arguments + argumentCount});
+    return std::visit(orlune::CommandRunner(argumentCount, arguments), command);
+}
