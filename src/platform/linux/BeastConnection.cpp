@@ -303,7 +303,7 @@ void BeastConnection::dropAfter(std::chrono::steady_clock::duration limit, bool 
             self->end("The connection timed out");
         }
         if (self->transport_) {
-            self->transport_->drop();
+            self->transport_->reset();
         }
     });
 }

@@ -60,6 +60,12 @@ void BeastTransport::drop() {
     socket().close(ignored);
 }
 
+void BeastTransport::reset() {
+    error_code ignored;
+    socket().set_option(asio::socket_base::linger(true, 0), ignored);
+    drop();
+}
+
 Awaitable<void> BeastTransport::connect(const ProxySettings& proxies, const Headers& headers) {
     requireNotDropped();
     std::optional<ProxyServer> proxy;

@@ -44,6 +44,9 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
 
     /// Ends the TCP connection at once, whatever is under way; that fails in a later turn.
     void drop();
+    /// The same towards a peer that no longer takes part: what the system has not delivered is
+    /// thrown away with the connection, instead of being kept for a peer that does not read.
+    void reset();
 
   protected:
     BeastTransport(const Executor& strand, WebSocketAddress address);

@@ -73,13 +73,15 @@ std::string messageOf(std::string_view body) {
 std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
                         std::string_view body, const BeastTransport::Headers& secrets) {
     std::string text = "The connection was refused (HTTP " + std::to_string(status);
-    if (!errorHeader.empty()) {
-        text += ", " + tidied(withoutSecrets(std::string(errorHeader), secrets));
-    } else if (!reason.empty()) {
+    if (!reason.empty()) {
         text += " " + tidied(withoutSecrets(std::string(reason), secrets));
     }
     text += ")";
-    if (const auto message = messageOf(body); !message.empty()) {
+    const auto message = messageOf(body);
+    if (!errorHeader.empty()) {
+        text += ": " + tidied(withoutSecrets(std::string(errorHeader), secrets));
+    }
+    if (!message.empty() && message != errorHeader) {
         text += ": " + tidied(withoutSecrets(message, secrets));
     }
     return text;

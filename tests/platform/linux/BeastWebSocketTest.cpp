@@ -263,7 +263,7 @@ TEST_F(BeastWebSocketTest, aRefusalSaysWhyAndNeverRepeatsTheKey) {
     const std::pair<const char*, const char*> rows[] = {
         {"HTTP/1.1 401 Unauthorized\r\ndg-error: INVALID_AUTH\r\nContent-Length: 34\r\n\r\n"
          R"({"err_msg":"Invalid credentials."})",
-         "(HTTP 401, INVALID_AUTH): Invalid credentials."},
+         "(HTTP 401 Unauthorized): INVALID_AUTH: Invalid credentials."},
         {"HTTP/1.1 402 Payment Required\r\nTransfer-Encoding: chunked\r\n\r\n"
          "f\r\n{\"err_msg\":\"No \r\nb\r\ncredits.\"} \r\n0\r\n\r\n",
          "(HTTP 402 Payment Required): No credits."},
@@ -271,7 +271,7 @@ TEST_F(BeastWebSocketTest, aRefusalSaysWhyAndNeverRepeatsTheKey) {
         {
             "HTTP/1.1 403 Forbidden\r\ndg-error: key hidden-key\r\nContent-Length: 45\r\n\r\n"
             R"({"err_msg":"No such key:\nToken hidden-key."})",
-            "(HTTP 403, key …): No such key: ….",
+            "(HTTP 403 Forbidden): key …: No such key: ….",
         },
         {"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nhi", "(HTTP 200 OK)"},
         {"HTTP/1.1 302 Found\r\nLocation: ws://127.0.0.1/\r\nContent-Length: 0\r\n\r\n",
