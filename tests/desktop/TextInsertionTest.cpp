@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -260,6 +261,26 @@ TEST_F(TextInsertionDesktopTest, TheTextStaysOnTheClipboardAsPlainText) {
     EXPECT_THAT(targets, testing::Not(HasSubstr("html")));
 }
 
+TEST_F(TextInsertionDesktopTest, AClipboardThatWasTakenThisVeryMomentIsNotPastedAsOurs) {
+    Entry entry;
+    // Without a turn of our loop the toolkit does not know yet, and asks for it in vain.
+    ASSERT_EQ(std::system("printf theirs | xclip -selection clipboard"), 0);
+    EXPECT_THROW(insert("ours"), TextInsertionService::InsertionError);
+    EXPECT_THAT(keyboard.down(), IsEmpty());
+
+    EXPECT_TRUE(waitUntil([this] { return pasteboard.setString("ours"); }));
+    insert("ours");
+    EXPECT_TRUE(waitUntilFetched());
+    EXPECT_EQ(entry.finish(*poster), "ours\n");
+}
+
+TEST_F(TextInsertionDesktopTest, AClearedClipboardIsEmptyInTheNextTurn) {
+    pasteboard.setString("secret");
+    pasteboard.clearContents();
+    EXPECT_TRUE(
+        waitUntil([] { return desktop::run({"xclip", "-selection", "clipboard", "-o"}).empty(); }));
+}
+
 TEST_F(TextInsertionDesktopTest, TheUsersPrimarySelectionIsTakenForTerminalsAlone) {
     const auto select = [] {
         desktop::run({"sh", "-c", "printf selected | xclip -selection primary"});
@@ -320,6 +341,14 @@ TEST_F(TextInsertionDesktopTest, ThreePastesInABurstArriveThreeTimes) {
     EXPECT_THAT(keyboard.down(), IsEmpty());
     EXPECT_TRUE(waitUntilFetched(3));
     EXPECT_EQ(entry.finish(*poster), "hahaha\n");
+}
+
+TEST_F(TextInsertionDesktopTest, APosterThatGoesBetweenDownAndUpLeavesNoKeyDown) {
+    poster->post(EventTapLocation::hidEventTap,
+                 {.virtualKey = virtualV, .isKeyDown = true, .flags = ModifierFlags::command});
+    EXPECT_THAT(keyboard.down(), ElementsAre(keycode::leftControl, keycode::v));
+    poster.reset();
+    EXPECT_THAT(keyboard.down(), IsEmpty());
 }
 
 TEST_F(TextInsertionDesktopTest, APosterThatGoesRightAfterThePasteLeavesNoKeyDown) {

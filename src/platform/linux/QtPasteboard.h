@@ -20,6 +20,8 @@ class QtPasteboard final : public Pasteboard {
     /// Takes effect in the next turn of the loop, unless a text is set before: clipboard managers
     /// refill an empty clipboard, and would do so over the text that follows.
     void clearContents() override;
+    /// Refused also when another program took the clipboard in this very turn of the loop; in the
+    /// next one it is granted.
     bool setString(const std::string& text) override;
 
     /// Offers the text set last as the primary selection too, where terminals look. False when

@@ -129,16 +129,14 @@ XTestKeyPoster::XTestKeyPoster(std::vector<std::string> terminals, Hooks hooks,
       displayName_(std::move(displayName)) {}
 
 XTestKeyPoster::~XTestKeyPoster() {
-    if (!connection_ || !releases_) {
-        return;
+    // Releases that are under way are carried out before their connection closes.
+    if (connection_) {
+        Keystrokes keys(*connection_, /*synchronised=*/true);
+        for (const auto& [virtualKey, chord] : down_) {
+            keys.release(chord.key);
+            std::ranges::for_each(chord.modifiers, [&](Keycode key) { keys.release(key); });
+        }
     }
-    // A delayed release dies with its connection, so what is still under way is done here.
-    auto keys = releases_->underWay();
-    for (const auto& [virtualKey, chord] : down_) {
-        keys.push_back(chord.key);
-        keys.insert(keys.end(), chord.modifiers.begin(), chord.modifiers.end());
-    }
-    letGo(keys);
 }
 
 bool XTestKeyPoster::connect() {
@@ -277,13 +275,6 @@ void XTestKeyPoster::release(const KeyboardEvent& event) {
     std::vector<Keycode> keys{chord.key};
     keys.insert(keys.end(), chord.modifiers.rbegin(), chord.modifiers.rend());
     releases_->schedule(keys);
-}
-
-void XTestKeyPoster::letGo(const std::vector<Keycode>& keys) {
-    Keystrokes strokes(*connection_, /*synchronised=*/true);
-    for (const auto key : keys) {
-        strokes.release(key);
-    }
 }
 
 } // namespace orlune

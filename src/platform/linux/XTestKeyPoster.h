@@ -60,7 +60,6 @@ class XTestKeyPoster final : public KeyEventPosting {
     void release(const KeyboardEvent& event);
     std::optional<Chord> pasteChord(const KeyboardLayout& layout) const;
     std::optional<Chord> plainChord(const KeyboardEvent& event, const KeyboardLayout& layout) const;
-    void letGo(const std::vector<Keycode>& keys);
 
     TerminalWindows terminals_;
     Hooks hooks_;
