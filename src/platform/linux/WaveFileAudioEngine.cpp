@@ -91,6 +91,13 @@ void WaveFileAudioEngine::stop() {
 
 void WaveFileAudioEngine::play(const std::stop_token& stopToken) {
     pthread_setname_np(pthread_self(), "orlune-wave");
+    playBuffers(stopToken);
+    if (onEnd_ && !stopToken.stop_requested()) {
+        onEnd_();
+    }
+}
+
+void WaveFileAudioEngine::playBuffers(const std::stop_token& stopToken) {
     const Tap tap = tap_;
     auto buffer = AudioPCMBuffer::create(format_, bufferSize_);
     if (!tap || !buffer || bufferSize_ == 0) {
@@ -102,7 +109,7 @@ void WaveFileAudioEngine::play(const std::stop_token& stopToken) {
     for (std::int64_t count = 1;; ++count) {
         const auto frames = read(file_.get(), interleaved, *buffer);
         if (frames == 0) {
-            break;
+            return;
         }
         const auto filled = begin
                             + std::chrono::duration_cast<SteadyClock::duration>(
@@ -112,11 +119,8 @@ void WaveFileAudioEngine::play(const std::stop_token& stopToken) {
         }
         tap(*buffer);
         if (frames < bufferSize_) {
-            break;
+            return;
         }
-    }
-    if (onEnd_ && !stopToken.stop_requested()) {
-        onEnd_();
     }
 }
 

@@ -53,6 +53,7 @@ class WaveFileAudioEngine final : public AudioEngine {
                         std::function<void()> onEnd);
 
     void play(const std::stop_token& stopToken);
+    void playBuffers(const std::stop_token& stopToken);
     bool waitUntil(std::chrono::steady_clock::time_point instant, const std::stop_token& stopToken);
 
     File file_;
