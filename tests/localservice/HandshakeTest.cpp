@@ -31,7 +31,8 @@ TEST_P(HandshakeTest, isAnswered) {
     EXPECT_EQ(client.request(request), GetParam().status);
     const auto status = [&](const auto& seen) { return seen.at(0).status == GetParam().status; };
     EXPECT_TRUE(service.waitUntil(status, 5s));
-    for (const auto& [name, value] : service.observations().at(0).headers) {
+    const auto seen = service.observations();
+    for (const auto& [name, value] : seen.at(0).headers) {
         EXPECT_EQ(value.find("key"), std::string::npos) << name;
     }
 }
