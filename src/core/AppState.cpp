@@ -114,7 +114,11 @@ AppState::AppState(const Platform& platform)
                                                                             : "Press Fn to speak");
 }
 
-AppState::~AppState() = default;
+AppState::~AppState() {
+    // A dictation that is still running ends with the state; nobody is told.
+    tearDownCapture();
+    cancelTranscription();
+}
 
 // MARK: Settings
 

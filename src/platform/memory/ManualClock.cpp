@@ -33,6 +33,12 @@ void ManualClock::advance(Duration duration) {
     }
 }
 
+void ManualClock::forgetSleepers() {
+    decltype(sleepers_) forgotten;
+    const std::lock_guard lock(mutex_);
+    forgotten.swap(sleepers_);
+}
+
 std::optional<Clock::Instant> ManualClock::nextWake() const {
     const std::lock_guard lock(mutex_);
     for (const auto& [instant, sleeper] : sleepers_) {

@@ -20,6 +20,9 @@ class ManualClock final : public Clock {
     /// later turns of their executors: see `MemoryPlatform::advance` for turning both together.
     void advance(Duration duration);
 
+    /// Unwinds whoever sleeps, in later turns of their executors.
+    void forgetSleepers();
+
     /// When the next sleeper wakes; none when nobody sleeps.
     std::optional<Instant> nextWake() const;
 

@@ -4,6 +4,15 @@
 
 namespace orlune {
 
+MemoryPlatform::~MemoryPlatform() {
+    do {
+        for (const auto& socket : webSockets.tasks()) {
+            socket->cancel(WebSocketCloseCode::goingAway);
+        }
+        clock.forgetSleepers();
+    } while (queue.runUntilIdle() > 0);
+}
+
 Platform MemoryPlatform::bundle() {
     return Platform{queue,
                     queue.executor(),

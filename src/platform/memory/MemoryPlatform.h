@@ -19,6 +19,13 @@
 namespace orlune {
 
 struct MemoryPlatform {
+    MemoryPlatform() = default;
+    /// Breaks every connection, wakes nobody any more and runs what that ends, so that no work
+    /// outlives the facilities it uses.
+    ~MemoryPlatform();
+    MemoryPlatform(const MemoryPlatform&) = delete;
+    MemoryPlatform& operator=(const MemoryPlatform&) = delete;
+
     /// The facilities as everybody above sees them.
     Platform bundle();
 
@@ -28,7 +35,8 @@ struct MemoryPlatform {
     void runUntilIdle() { queue.runUntilIdle(); }
 
     MemoryEvents events = makeMemoryEvents();
-    ManualClock clock; // before the queue: what is dropped with the queue may still look at it
+    TurnQueue queue; // before whatever resumes work on it
+    ManualClock clock;
     MemoryLog log;
     MemoryUserDefaults userDefaults;
     MemorySecretItems secretItems;
@@ -38,7 +46,6 @@ struct MemoryPlatform {
     MemoryPasteboard pasteboard{events};
     MemoryKeyEventPosting keyEvents{events};
     MemoryWebSocketSession webSockets{events};
-    TurnQueue queue;
 };
 
 } // namespace orlune
