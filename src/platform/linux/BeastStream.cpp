@@ -1,6 +1,7 @@
 // The two kinds of transport: Beast's WebSocket over a TCP socket, plain or under TLS.
 
 #include "platform/linux/BeastTransport.h"
+#include "platform/linux/RefusalText.h"
 
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/ssl/error.hpp>

@@ -83,10 +83,4 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
 /// certificate always verified.
 std::shared_ptr<boost::asio::ssl::context> makeTrust();
 
-/// What a refused opening handshake says, for a person: the HTTP status, the service's `dg-error`
-/// header and the `err_msg` of its JSON body, each where there is one. No request header's value
-/// is repeated, even if the service echoes it.
-std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
-                        std::string_view body, const BeastTransport::Headers& secrets);
-
 } // namespace orlune

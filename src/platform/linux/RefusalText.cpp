@@ -1,4 +1,4 @@
-#include "platform/linux/BeastTransport.h"
+#include "platform/linux/RefusalText.h"
 
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
@@ -8,6 +8,8 @@
 namespace orlune {
 
 namespace {
+
+using Headers = std::vector<WebSocketRequest::Header>;
 
 /// More than a line on the screen is not for a person.
 constexpr std::size_t lengthLimit = 200;
@@ -48,7 +50,7 @@ std::string withoutSecret(std::string text, std::string_view secret) {
 }
 
 /// Hides whole values and what follows a scheme's name in them ("Token …").
-std::string withoutSecrets(std::string text, const BeastTransport::Headers& secrets) {
+std::string withoutSecrets(std::string text, const Headers& secrets) {
     for (const auto& header : secrets) {
         text = withoutSecret(std::move(text), header.value);
         const auto space = header.value.find(' ');
@@ -71,7 +73,7 @@ std::string messageOf(std::string_view body) {
 } // namespace
 
 std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
-                        std::string_view body, const BeastTransport::Headers& secrets) {
+                        std::string_view body, const Headers& secrets) {
     std::string text = "The connection was refused (HTTP " + std::to_string(status);
     if (!reason.empty()) {
         text += " " + tidied(withoutSecrets(std::string(reason), secrets));
