@@ -9,6 +9,7 @@
 #include "platform/memory/MemoryAudioConverter.h"
 #include "platform/memory/MemoryAudioEngine.h"
 #include "platform/memory/MemoryKeyEventPosting.h"
+#include "platform/memory/MemoryKeyEvents.h"
 #include "platform/memory/MemoryLog.h"
 #include "platform/memory/MemoryPasteboard.h"
 #include "platform/memory/MemorySecretItems.h"
@@ -45,6 +46,7 @@ struct MemoryPlatform {
     MemoryAccessibility accessibility{events};
     MemoryPasteboard pasteboard{events};
     MemoryKeyEventPosting keyEvents{events};
+    MemoryKeyEvents keyEventMonitors{events};
     MemoryWebSocketSession webSockets{events};
 };
 

@@ -1,0 +1,45 @@
+// A keyboard played by hand: each event goes to other programs or to our own windows, as the test
+// says. Logs "watch <kind> <mask value>" and "unwatch <kind> <mask value>" with the kind "global"
+// or "local".
+#pragma once
+
+#include "platform/KeyMonitorList.h"
+#include "platform/memory/MemoryEvents.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orlune {
+
+class MemoryKeyEvents final : public KeyEvents {
+  public:
+    explicit MemoryKeyEvents(MemoryEvents log = makeMemoryEvents()) : log_(std::move(log)) {}
+
+    [[nodiscard]] KeyEventMonitor addGlobalMonitor(KeyEventMask mask,
+                                                   GlobalHandler handler) override;
+    [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
+    std::string reasonForUnavailability() override { return reason; }
+
+    /// While another program has the keyboard.
+    void sendElsewhere(const KeyEvent& event) const;
+    /// While one of our windows has it.
+    KeyEventAnswer sendToOwnWindow(const KeyEvent& event) const { return local_.offer(event); }
+
+    const MemoryEvents& log() const { return log_; }
+
+    /// While not empty, other programs' keys are not seen.
+    std::string reason;
+    /// While true, no monitor is installed and no handle given.
+    bool refusesMonitors = false;
+
+  private:
+    KeyEventMonitor add(KeyMonitorList& list, std::string_view kind, KeyEventMask mask,
+                        LocalHandler handler);
+
+    MemoryEvents log_;
+    KeyMonitorList global_;
+    KeyMonitorList local_;
+};
+
+} // namespace orlune
