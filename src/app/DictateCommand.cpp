@@ -10,6 +10,7 @@
 #include "platform/linux/FileUserDefaults.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/WaveFileAudioEngine.h"
+#include "platform/linux/XConnection.h"
 #include "platform/memory/MemorySecretItems.h"
 #include "platform/memory/MemoryUserDefaults.h"
 
@@ -70,8 +71,14 @@ std::unique_ptr<QCoreApplication> makeApplication(bool needsDisplay, int& argume
     if (!needsDisplay) {
         return std::make_unique<QCoreApplication>(argumentCount, arguments);
     }
-    if (!std::getenv("DISPLAY")) {
+    const char* display = std::getenv("DISPLAY");
+    if (!display || !*display) {
         throw std::runtime_error("--insert needs a display, and DISPLAY isn't set");
+    }
+    // Qt would abort the program.
+    if (!XConnection::open(display)) {
+        throw std::runtime_error("--insert needs a display, and " + std::string(display)
+                                 + " can't be opened");
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
     return std::make_unique<QGuiApplication>(argumentCount, arguments);
