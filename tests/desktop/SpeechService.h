@@ -1,0 +1,48 @@
+// The other ends of a dictation as programs beside a test: the speech service over TLS, and a sound
+// server that may be killed. Both throw when they do not come up.
+#pragma once
+
+#include "tests/desktop/OwnProgram.h"
+#include "tests/support/Certificates.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <optional>
+#include <string>
+
+namespace orlune::desktop {
+
+/// `orlune-local-service` with a certificate for localhost, which takes one key alone.
+class SpeechService {
+  public:
+    explicit SpeechService(const std::string& key);
+
+    /// Where a client finds the service, and whom it trusts.
+    OwnProgram::Environment clientEnvironment() const;
+    /// A file with an authority that has nothing to do with the service.
+    std::string strangersAuthority() const { return folder_.path() / "stranger.pem"; }
+
+    std::string visibleToOthers() const { return program_->visibleToOthers(); }
+    /// All it has written so far.
+    std::string outputs() { return program_->standardOutput() + program_->standardError(); }
+
+  private:
+    test::TemporaryFolder folder_;
+    std::optional<OwnProgram> program_;
+    std::string port_;
+};
+
+/// A sound server beside the session's own, whose microphone is `vmic` too.
+class SoundServer {
+  public:
+    SoundServer();
+
+    OwnProgram::Environment clientEnvironment() const;
+    /// As a crash would.
+    void kill() const;
+
+  private:
+    test::TemporaryFolder folder_;
+    std::optional<OwnProgram> program_;
+};
+
+} // namespace orlune::desktop

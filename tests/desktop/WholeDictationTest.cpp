@@ -1,0 +1,181 @@
+// Whole dictations with everything real but the speaker: the program as a process of its own,
+// speech in the session's microphone, the keyring, TLS, the clipboard, other programs' windows.
+#include "tests/desktop/Desktop.h"
+#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/SpeechService.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace orlune {
+namespace {
+
+using desktop::Keyboard;
+using desktop::OwnProgram;
+using desktop::Program;
+using desktop::SpeechService;
+using desktop::waitUntil;
+using test::TemporaryFolder;
+using test::textOf;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// Nothing like a real one; found wherever it should not be.
+const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
+
+/// The recogniser understands this sentence of this voice in any room.
+const std::string sentence = "The weather is nice today and we should go for a walk.";
+constexpr auto firstWords = "weather is nice";
+constexpr auto lastWords = "go for a walk";
+
+std::vector<std::string> orlune(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
+    return arguments;
+}
+
+/// What the sound server says of everybody who listens.
+std::string recordings() {
+    return desktop::run({"pactl", "list", "short", "source-outputs"});
+}
+
+/// The synthetic voice as a file, and into the microphone.
+class Speaker {
+  public:
+    Speaker() { desktop::run({"flite", "-voice", "slt", "-t", sentence, "-o", file()}); }
+    std::string file() const { return folder_.path() / "speech.wav"; }
+    void speak(const OwnProgram::Environment& server = {}) const {
+        OwnProgram player({"paplay", "--device=vmic", file()}, server);
+        EXPECT_EQ(player.exitCode(), 0) << player.standardError();
+    }
+
+  private:
+    TemporaryFolder folder_;
+};
+
+/// The key in the session's keyring for as long as a test runs, put there as a user does.
+class WholeDictation : public testing::Test {
+  protected:
+    WholeDictation() {
+        OwnProgram setting(orlune({"key", "set"}));
+        setting.type(key + "\n");
+        EXPECT_EQ(setting.exitCode(), 0) << setting.standardError();
+        outputs_ += setting.standardOutput() + setting.standardError();
+    }
+    ~WholeDictation() override {
+        EXPECT_EQ(OwnProgram(orlune({"key", "remove"})).exitCode(), 0);
+        EXPECT_THAT(outputs_, Not(HasSubstr(key)));
+    }
+
+    /// `orlune dictate` with further options, once it listens.
+    std::unique_ptr<OwnProgram> listening(const std::vector<std::string>& options,
+                                          OwnProgram::Environment environment = {}) {
+        std::vector<std::string> words{"dictate"};
+        words.insert(words.end(), options.begin(), options.end());
+        environment.merge(OwnProgram::Environment(service_.clientEnvironment()));
+        auto program = std::make_unique<OwnProgram>(orlune(words), environment);
+        EXPECT_TRUE(program->says("Listening\n")) << program->standardError();
+        EXPECT_THAT(program->visibleToOthers(), Not(HasSubstr(key)));
+        EXPECT_THAT(service_.visibleToOthers(), Not(HasSubstr(key)));
+        return program;
+    }
+
+    /// Speaks, waits as a person does until the words are seen, and ends the recording.
+    void speakAndEnd(OwnProgram& program, const OwnProgram::Environment& server = {}) {
+        speaker_.speak(server);
+        EXPECT_TRUE(program.says(lastWords)) << program.standardError();
+        program.type("\n");
+    }
+
+    /// The exit code; whatever was written is kept to be searched for the key.
+    std::optional<int> end(OwnProgram& program) {
+        const auto code = program.exitCode();
+        outputs_ += program.standardOutput() + program.standardError() + service_.outputs();
+        return code;
+    }
+
+    void expectShownAndMeasured(OwnProgram& program) {
+        EXPECT_THAT(program.standardError(),
+                    AllOf(HasSubstr("\nGoal\n  The weather is nice today"),
+                          HasSubstr("\nRequirements\n  - "),
+                          HasSubstr("[Latency]: time_to_first_text_ms="),
+                          HasSubstr("[Latency]: key_release_to_insert_ms=")));
+        EXPECT_EQ(program.standardOutput(), "");
+    }
+
+    Speaker speaker_;
+    SpeechService service_{key};
+    std::string outputs_;
+};
+
+TEST_F(WholeDictation, ArrivesInATerminal) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path() / "typed";
+    const Program terminal({"xterm", "-e", "sh", "-c", "stty -icanon -echo; exec cat > " + file});
+    ASSERT_TRUE(waitUntil(
+        [&] { return std::filesystem::exists(file) && desktop::focusedClass() == "XTerm"; }));
+
+    const auto program = listening({"--insert", "--yes"});
+    EXPECT_THAT(recordings(), Not(testing::IsEmpty()));
+    speakAndEnd(*program);
+    EXPECT_EQ(end(*program), 0) << program->standardError();
+    expectShownAndMeasured(*program);
+    EXPECT_TRUE(waitUntil([&] { return textOf(file).find("walk.") != std::string::npos; }));
+    const auto typed = textOf(file);
+    EXPECT_THAT(typed, AllOf(StartsWith("Goal\nThe weather is nice today"), HasSubstr(lastWords)));
+    EXPECT_EQ(typed.find("walk"), typed.rfind("walk")) << "pasted more than once: " << typed;
+}
+
+TEST_F(WholeDictation, ArrivesInATextField) {
+    constexpr Keyboard::Keycode enter = 36;
+    Program field({"zenity", "--entry"});
+    ASSERT_TRUE(waitUntil([] { return desktop::focusedClass() == "Zenity"; }));
+
+    const auto program = listening({"--insert", "--yes"});
+    speakAndEnd(*program);
+    EXPECT_EQ(end(*program), 0) << program->standardError();
+    expectShownAndMeasured(*program);
+    Keyboard keyboard;
+    keyboard.press(enter);
+    keyboard.release(enter);
+    EXPECT_THAT(field.output(),
+                AllOf(HasSubstr("The weather is nice today"), HasSubstr(lastWords)));
+}
+
+TEST_F(WholeDictation, FailsInWordsWhenTheServiceCannotBeTrusted) {
+    const auto program = listening({}, {{"SSL_CERT_FILE", service_.strangersAuthority()}});
+    program->type("\n");
+    EXPECT_EQ(end(*program), 1);
+    EXPECT_THAT(program->standardError(), HasSubstr("orlune: "));
+    EXPECT_THAT(program->standardError(), HasSubstr("certificate"));
+    EXPECT_EQ(program->standardOutput(), "");
+}
+
+TEST_F(WholeDictation, IsCancelledByAnInterrupt) {
+    const auto program = listening({});
+    ASSERT_THAT(recordings(), Not(testing::IsEmpty()));
+    program->signal(SIGINT);
+    ASSERT_TRUE(program->says("\nCancelled\n")) << program->standardError();
+    EXPECT_TRUE(waitUntil([] { return recordings().empty(); })) << "the microphone is still open";
+    EXPECT_EQ(end(*program), 130);
+    EXPECT_EQ(program->standardOutput(), "");
+}
+
+TEST_F(WholeDictation, KeepsWhatWasHeardWhenTheSoundServerDies) {
+    const desktop::SoundServer sound;
+    const auto program = listening({}, sound.clientEnvironment());
+    speaker_.speak(sound.clientEnvironment());
+    ASSERT_TRUE(program->says(firstWords)) << program->standardError();
+    sound.kill();
+    program->type("\n");
+    EXPECT_EQ(end(*program), 0) << program->standardError();
+    EXPECT_THAT(program->standardOutput(), HasSubstr(firstWords));
+}
+
+} // namespace
+} // namespace orlune
