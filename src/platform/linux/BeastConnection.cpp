@@ -2,7 +2,9 @@
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/strand.hpp>
+#include <boost/asio/use_awaitable.hpp>
 #include <openssl/crypto.h>
 
 #include <algorithm>
@@ -25,6 +27,10 @@ constexpr std::size_t incomingLimit = std::size_t{16} * 1024 * 1024;
 
 std::exception_ptr makeError(const std::string& text) {
     return std::make_exception_ptr(WebSocketError(text));
+}
+
+Awaitable<void> withoutValue(Awaitable<std::monostate> operation) {
+    co_await std::move(operation);
 }
 
 bool isHeaderName(std::string_view name) {
@@ -59,7 +65,7 @@ BeastConnection::BeastConnection(const Executor& executor,
                                  std::shared_ptr<asio::ssl::context> trust, ProxySettings proxies,
                                  WebSocketRequest request)
     : strand_(asio::make_strand(executor)), trust_(std::move(trust)), proxies_(std::move(proxies)),
-      request_(std::move(request)), limit_(strand_) {}
+      request_(std::move(request)), limit_(strand_), room_(strand_) {}
 
 BeastConnection::~BeastConnection() {
     wipeRequest();
@@ -70,6 +76,12 @@ void BeastConnection::wipeRequest() {
         OPENSSL_cleanse(header.value.data(), header.value.size());
     }
     request_.headers.clear();
+}
+
+void BeastConnection::release() {
+    const auto receiver = std::exchange(receiver_, std::nullopt);
+    const auto written = std::exchange(beingWritten_, std::nullopt);
+    const auto outgoing = std::exchange(outgoing_, {});
 }
 
 template <typename Work>
@@ -95,22 +107,25 @@ void BeastConnection::cancel(WebSocketCloseCode code) {
     asio::post(strand_, [self = shared_from_this(), code] { self->stop(code); });
 }
 
-Awaitable<void> BeastConnection::send(std::shared_ptr<BeastConnection> self,
-                                      WebSocketMessage message) {
-    auto wait = withContinuation<std::monostate>(
-        [self, message = std::move(message)](auto written) mutable {
-            asio::post(self->strand_, [self, message = std::move(message), written]() mutable {
-                self->enqueue(std::move(message), std::move(written));
-            });
-        });
-    co_await std::move(wait);
+// What waits in `send` and `receive` holds no reference to the connection, since it may be unwound
+// on another thread, after the connection's own executor has gone.
+
+Awaitable<void> BeastConnection::send(WebSocketMessage message) {
+    return withoutValue(withContinuation<std::monostate>(
+        [self = shared_from_this(), message = std::move(message)](auto written) mutable {
+            const auto& strand = self->strand_;
+            asio::post(strand,
+                       [self = std::move(self), message = std::move(message), written]() mutable {
+                           self->enqueue(std::move(message), std::move(written));
+                       });
+        }));
 }
 
-Awaitable<WebSocketMessage> BeastConnection::receive(std::shared_ptr<BeastConnection> self) {
-    auto wait = withContinuation<WebSocketMessage>([self](auto receiver) {
-        asio::post(self->strand_, [self, receiver] { self->take(receiver); });
+Awaitable<WebSocketMessage> BeastConnection::receive() {
+    return withContinuation<WebSocketMessage>([self = shared_from_this()](auto receiver) mutable {
+        const auto& strand = self->strand_;
+        asio::post(strand, [self = std::move(self), receiver] { self->take(receiver); });
     });
-    co_return co_await std::move(wait);
 }
 
 void BeastConnection::start() {
@@ -123,6 +138,11 @@ void BeastConnection::start() {
 }
 
 Awaitable<void> BeastConnection::connect() {
+    struct Unwinding {
+        BeastConnection& connection;
+        ~Unwinding() { connection.release(); }
+    };
+    const Unwinding unwinding{*this};
     std::optional<std::string> failure;
     try {
         requireSendable(request_);
@@ -160,8 +180,9 @@ Awaitable<void> BeastConnection::readAll() {
     std::optional<std::string> failure;
     while (state_ == State::open && !failure) {
         if (incomingBytes_ >= incomingLimit) {
-            auto room = withContinuation<std::monostate>(
-                [this](auto continuation) { roomWaiter_ = continuation; });
+            boost::system::error_code ended;
+            room_.expires_at(asio::steady_timer::time_point::max());
+            auto room = room_.async_wait(asio::redirect_error(asio::use_awaitable, ended));
             co_await std::move(room);
             continue;
         }
@@ -239,9 +260,7 @@ void BeastConnection::take(Continuation<WebSocketMessage> receiver) {
         incomingBytes_ -= incoming_.front().bytes.size();
         receiver.resume(std::move(incoming_.front()));
         incoming_.pop_front();
-        if (!roomWaiter_.isResumed()) {
-            roomWaiter_.resume();
-        }
+        room_.cancel();
     } else if (state_ == State::ended) {
         receiver.fail(makeError(failure_));
     } else {
@@ -264,9 +283,7 @@ void BeastConnection::end(const std::string& text) {
     if (receiver_) {
         std::exchange(receiver_, std::nullopt)->fail(makeError(failure_));
     }
-    if (!roomWaiter_.isResumed()) {
-        roomWaiter_.resume();
-    }
+    room_.cancel();
 }
 
 void BeastConnection::stop(WebSocketCloseCode code) {

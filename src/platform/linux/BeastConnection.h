@@ -27,9 +27,9 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
 
     void resume();
     /// When its wait is cancelled before its turn has come, the message is not sent.
-    static Awaitable<void> send(std::shared_ptr<BeastConnection> self, WebSocketMessage message);
+    Awaitable<void> send(WebSocketMessage message);
     /// When its wait is cancelled just as a message arrives, that message may be lost with it.
-    static Awaitable<WebSocketMessage> receive(std::shared_ptr<BeastConnection> self);
+    Awaitable<WebSocketMessage> receive();
     void cancel(WebSocketCloseCode code);
 
   private:
@@ -54,6 +54,9 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     void stop(WebSocketCloseCode code);
     void dropAfter(std::chrono::steady_clock::duration limit, bool whileConnecting);
     void wipeRequest();
+    /// Unwinds what still waits when the executor ends before the connection does. A waiting
+    /// coroutine may own this connection, which would keep both for ever.
+    void release();
 
     template <typename Work>
     void spawn(Work work);
@@ -73,7 +76,7 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     std::deque<WebSocketMessage> incoming_;
     std::size_t incomingBytes_ = 0;
     std::optional<Continuation<WebSocketMessage>> receiver_;
-    Continuation<std::monostate> roomWaiter_;
+    boost::asio::steady_timer room_; ///< cancelled when `incoming_` may have room again
 };
 
 } // namespace orlune

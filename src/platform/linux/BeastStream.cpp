@@ -5,6 +5,7 @@
 
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/ssl/error.hpp>
+#include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/ssl/ssl_stream.hpp>

@@ -1,6 +1,7 @@
 #include "platform/linux/BeastTransport.h"
 
 #include <boost/asio/redirect_error.hpp>
+#include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
@@ -41,7 +42,7 @@ std::string base64(const std::string& text) {
 } // namespace
 
 BeastTransport::BeastTransport(const Executor& strand, WebSocketAddress address)
-    : strand_(strand), address_(std::move(address)), resolver_(strand), attemptTimer_(strand) {}
+    : strand_(strand), address_(std::move(address)), resolver_(strand), timer_(strand) {}
 
 void BeastTransport::requireNotDropped() const {
     if (dropped_) {
@@ -52,10 +53,7 @@ void BeastTransport::requireNotDropped() const {
 void BeastTransport::drop() {
     dropped_ = true;
     resolver_.cancel();
-    if (!lookup_.isResumed()) {
-        lookup_.resume({asio::error::operation_aborted, {}});
-    }
-    attemptTimer_.cancel();
+    timer_.cancel();
     error_code ignored;
     socket().close(ignored);
 }
@@ -88,20 +86,30 @@ Awaitable<void> BeastTransport::connect(const ProxySettings& proxies, const Head
 }
 
 Awaitable<BeastTransport::Endpoints> BeastTransport::resolve(std::string host, std::uint16_t port) {
-    // The system's lookup cannot be interrupted; a dropped connection stops waiting for it.
-    auto wait = withContinuation<Lookup>([&](auto continuation) {
-        lookup_ = continuation;
-        resolver_.async_resolve(host, std::to_string(port), tcp::resolver::numeric_service,
-                                [continuation](error_code error, Endpoints endpoints) {
-                                    continuation.resume({error, std::move(endpoints)});
-                                });
-    });
-    const auto lookup = co_await std::move(wait);
+    struct Lookup {
+        error_code error = asio::error::operation_aborted;
+        Endpoints endpoints;
+    };
+    const auto lookup = std::make_shared<Lookup>();
+    resolver_.async_resolve(
+        host, std::to_string(port), tcp::resolver::numeric_service,
+        [weakSelf = weak_from_this(), lookup](error_code error, Endpoints endpoints) {
+            *lookup = {error, std::move(endpoints)};
+            if (const auto self = weakSelf.lock()) {
+                self->timer_.cancel();
+            }
+        });
+    // The system's lookup cannot be interrupted: the timer stands for its end, and a dropped
+    // connection stops waiting.
+    error_code ended;
+    timer_.expires_at(asio::steady_timer::time_point::max());
+    auto wait = timer_.async_wait(asio::redirect_error(asio::use_awaitable, ended));
+    co_await std::move(wait);
     requireNotDropped();
-    if (lookup.error) {
-        throw WebSocketError("Couldn't find " + host + ": " + lookup.error.message());
+    if (lookup->error) {
+        throw WebSocketError("Couldn't find " + host + ": " + lookup->error.message());
     }
-    co_return lookup.endpoints;
+    co_return lookup->endpoints;
 }
 
 Awaitable<void> BeastTransport::connectToAny(std::string host, Endpoints endpoints) {
@@ -114,8 +122,8 @@ Awaitable<void> BeastTransport::connectToAny(std::string host, Endpoints endpoin
         }
         const unsigned attempt = ++attempt_;
         if (--left > 0) {
-            attemptTimer_.expires_after(attemptLimit);
-            attemptTimer_.async_wait([weakSelf = weak_from_this(), attempt](error_code ended) {
+            timer_.expires_after(attemptLimit);
+            timer_.async_wait([weakSelf = weak_from_this(), attempt](error_code ended) {
                 const auto self = weakSelf.lock();
                 if (!ended && self && self->attempt_ == attempt) {
                     error_code ignored;
@@ -129,7 +137,7 @@ Awaitable<void> BeastTransport::connectToAny(std::string host, Endpoints endpoin
             socket().async_connect(endpoint, asio::redirect_error(asio::use_awaitable, error));
         co_await std::move(connecting);
         ++attempt_;
-        attemptTimer_.cancel();
+        timer_.cancel();
         requireNotDropped();
         if (!error) {
             socket().set_option(tcp::no_delay(true), ignored);

@@ -3,7 +3,6 @@
 // are `WebSocketError` with a text for a person.
 #pragma once
 
-#include "platform/Continuation.h"
 #include "platform/WebSocket.h"
 #include "platform/linux/ProxySettings.h"
 #include "platform/linux/WebSocketAddress.h"
@@ -69,14 +68,9 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
     const Executor strand_;
     const WebSocketAddress address_;
     boost::asio::ip::tcp::resolver resolver_;
-    boost::asio::steady_timer attemptTimer_;
+    boost::asio::steady_timer timer_; ///< limits an attempt, or is the end of a lookup
     unsigned attempt_ = 0;
     bool dropped_ = false;
-    struct Lookup {
-        boost::system::error_code error;
-        Endpoints endpoints;
-    };
-    Continuation<Lookup> lookup_;
 };
 
 /// The TLS settings every connection shares: the system's trust store, TLS 1.2 or later, the peer's

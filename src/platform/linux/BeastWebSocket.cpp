@@ -19,9 +19,9 @@ class BeastWebSocketTask final : public WebSocketTask {
 
     void resume() override { connection_->resume(); }
     Awaitable<void> send(WebSocketMessage message) override {
-        return BeastConnection::send(connection_, std::move(message));
+        return connection_->send(std::move(message));
     }
-    Awaitable<WebSocketMessage> receive() override { return BeastConnection::receive(connection_); }
+    Awaitable<WebSocketMessage> receive() override { return connection_->receive(); }
     void cancel(WebSocketCloseCode code) override { connection_->cancel(code); }
 
   private:

@@ -1,7 +1,8 @@
 // WebSocket connections over the network: wss:// to anywhere, with the certificate's chain and host
-// name always verified, and ws:// to this computer. The owner of a session keeps its executor
-// running; all work happens there, each connection on a strand of its own. A task that is dropped
-// is cancelled as if with `goingAway`. Failures are the `WebSocketError` of `send` and `receive`.
+// name always verified, and ws:// to this computer. All work happens on the session's executor,
+// each connection on a strand of its own; it must run, and outlive every task. A task that is
+// dropped is cancelled as if with `goingAway`. Failures are the `WebSocketError` of `send` and
+// `receive`.
 #pragma once
 
 #include "platform/WebSocket.h"

@@ -136,8 +136,8 @@ class BeastWebSocketTest : public testing::Test {
 
     test::TemporaryFolder folder;
     const Certificate authority{"Test authority"};
+    asio::io_context caller; // outlives the thread, whose connections resume what waits here
     BackgroundThread thread;
-    asio::io_context caller;
     Task lastBegun;
     std::optional<BeastWebSocketSession> session;
 };
@@ -279,10 +279,10 @@ TEST_F(BeastWebSocketTest, aRefusalSaysWhyAndNeverRepeatsTheKey) {
         {"HTTP/1.1 401 Unauthorized\r\n\r\n{\"err_msg\":5}", "(HTTP 401 Unauthorized)"},
     };
     for (const auto& [answer, expected] : rows) {
-        const Peer peer([answer = answer](tcp::socket& socket) {
+        const Peer peer([bytes = std::string(answer)](tcp::socket& socket) {
             std::string request;
             asio::read_until(socket, asio::dynamic_buffer(request), "\r\n\r\n");
-            asio::write(socket, asio::buffer(std::string_view(answer)));
+            asio::write(socket, asio::buffer(bytes));
             socket.shutdown(tcp::socket::shutdown_send);
             socket.wait(tcp::socket::wait_read);
         });
