@@ -1,0 +1,82 @@
+#include "platform/linux/KeyEdges.h"
+
+#include "platform/linux/VirtualKeyCodes.h"
+
+namespace orlune {
+
+namespace {
+
+constexpr std::uint16_t virtualFunction = 63;
+constexpr int missesOfARelease = 2;
+
+/// The stand-in answers with the code of the key it stands for.
+std::optional<std::uint16_t> virtualKeyOf(KeyEdges::Keycode keycode, KeyRoles::Role role) {
+    return role.flag == ModifierFlags::function ? virtualFunction : virtualKeyForKeycode(keycode);
+}
+
+} // namespace
+
+ModifierFlags KeyEdges::flags() const {
+    auto flags = ModifierFlags::none;
+    for (const auto& [keycode, held] : held_) {
+        flags |= held.role.flag;
+    }
+    return flags;
+}
+
+std::optional<KeyEvent> KeyEdges::press(Keycode keycode) {
+    const auto role = roles_.roleOf(keycode);
+    const auto virtualKey = virtualKeyOf(keycode, role);
+    if (!virtualKey) {
+        return std::nullopt; // a key that no keyboard of a Mac has
+    }
+    const auto [position, isNew] =
+        held_.try_emplace(keycode, Held{.role = role, .virtualKey = *virtualKey});
+    const auto& held = position->second;
+    if (held.role.isModifier && !isNew) {
+        return std::nullopt;
+    }
+    return KeyEvent{.type = held.role.isModifier ? KeyEvent::Type::flagsChanged
+                                                 : KeyEvent::Type::keyDown,
+                    .keyCode = held.virtualKey,
+                    .modifierFlags = flags(),
+                    .isARepeat = !isNew};
+}
+
+std::optional<KeyEvent> KeyEdges::release(Keycode keycode) {
+    const auto released = held_.extract(keycode);
+    if (released.empty()) {
+        return std::nullopt;
+    }
+    const auto& held = released.mapped();
+    return KeyEvent{.type =
+                        held.role.isModifier ? KeyEvent::Type::flagsChanged : KeyEvent::Type::keyUp,
+                    .keyCode = held.virtualKey,
+                    .modifierFlags = flags()};
+}
+
+std::vector<KeyEdges::Edge> KeyEdges::releaseAll() {
+    std::vector<Edge> edges;
+    while (!held_.empty()) {
+        const auto keycode = held_.begin()->first;
+        edges.push_back({.keycode = keycode, .event = *release(keycode)});
+    }
+    return edges;
+}
+
+std::vector<KeyEdges::Edge> KeyEdges::releaseMissing(const KeysDown& keysDown) {
+    std::vector<Keycode> missing;
+    for (auto& [keycode, held] : held_) {
+        held.misses = keysDown.test(keycode) ? 0 : held.misses + 1;
+        if (held.misses >= missesOfARelease) {
+            missing.push_back(keycode);
+        }
+    }
+    std::vector<Edge> edges;
+    for (const auto keycode : missing) {
+        edges.push_back({.keycode = keycode, .event = *release(keycode)});
+    }
+    return edges;
+}
+
+} // namespace orlune
