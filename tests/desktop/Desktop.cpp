@@ -135,7 +135,7 @@ Keyboard::~Keyboard() {
         XTestFakeKeyEvent(devices_->display, key, False, CurrentTime);
     }
     lock(/*caps=*/false, /*num=*/false);
-    useLayout({"us"});
+    useLayout({"us", "-option", ""}); // options add up otherwise
 }
 
 void Keyboard::press(Keycode key) {
