@@ -12,7 +12,10 @@
 #include "platform/linux/SpeexAudioConverter.h"
 #include "platform/linux/SteadyClock.h"
 #include "platform/linux/X11Accessibility.h"
+#include "platform/linux/XInputKeyEvents.h"
 #include "platform/linux/XTestKeyPoster.h"
+
+#include <QGuiApplication>
 
 #include <optional>
 
@@ -49,6 +52,7 @@ struct LinuxDesktop::Facilities {
     std::unique_ptr<SecretServiceItems> keyring;
     std::unique_ptr<X11Accessibility> x11Accessibility;
     std::unique_ptr<QtPasteboard> clipboard;
+    std::unique_ptr<XInputKeyEvents> keyWatch; // before the poster, which tells it
     std::unique_ptr<XTestKeyPoster> xtest;
     std::unique_ptr<BeastWebSocketSession> webSockets;
     std::optional<Platform> platform;
@@ -71,11 +75,19 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
     });
     auto& pasteboard = replacedOr(replacements.pasteboard, clipboard,
                                   [] { return std::make_unique<QtPasteboard>(); });
+    keyWatch = std::make_unique<XInputKeyEvents>(
+        XInputKeyEvents::Surroundings{
+            .functionKeyName = configuration.fnKey,
+            .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; }},
+        log);
     auto& keyEvents = replacedOr(replacements.keyEvents, xtest, [&] {
         XTestKeyPoster::Hooks hooks;
         hooks.ownPrimarySelection = [this] {
             return clipboard && clipboard->ownPrimarySelection();
         };
+        hooks.willPost = [this] { keyWatch->willPost(); };
+        hooks.didPost = [this] { keyWatch->didPost(); };
+        hooks.onModifiersReleased = [this](const auto& keys) { keyWatch->countAsReleased(keys); };
         return std::make_unique<XTestKeyPoster>(configuration.terminals, std::move(hooks));
     });
     webSockets = std::make_unique<BeastWebSocketSession>(background.executor(),
@@ -86,8 +98,8 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
     const auto& endpoint = replacements.speechEndpoint;
     platform.emplace(Platform{*mainActor, background.executor(), clock,
                               std::move(replacements.makeAudioEngine), SpeexAudioConverter::create,
-                              *webSockets, secrets, accessibility, pasteboard, keyEvents, defaults,
-                              log, endpoint.empty() ? configuration.endpoint : endpoint});
+                              *webSockets, secrets, accessibility, pasteboard, keyEvents, *keyWatch,
+                              defaults, log, endpoint.empty() ? configuration.endpoint : endpoint});
 }
 
 /// No work may run, on either thread, once the first facility is gone.

@@ -7,6 +7,7 @@
 #include "platform/AudioEngine.h"
 #include "platform/Clock.h"
 #include "platform/KeyEventPosting.h"
+#include "platform/KeyEvents.h"
 #include "platform/Log.h"
 #include "platform/MainActor.h"
 #include "platform/Pasteboard.h"
@@ -31,7 +32,8 @@ struct Platform {
     SecretItems& secretItems;
     Accessibility& accessibility;
     Pasteboard& pasteboard;
-    KeyEventPosting& keyEvents;
+    KeyEventPosting& keyEvents;  ///< posting them
+    KeyEvents& keyEventMonitors; ///< watching them
     UserDefaults& userDefaults;
     Log& log;
     std::string speechEndpoint; ///< scheme, host and port of the transcription service

@@ -24,6 +24,7 @@ Platform MemoryPlatform::bundle() {
                     accessibility,
                     pasteboard,
                     keyEvents,
+                    keyEventMonitors,
                     userDefaults,
                     log,
                     "wss://speech.example"};
