@@ -137,6 +137,14 @@ void MemoryWebSocketTask::releaseSending() {
     }
 }
 
+void MemoryWebSocketTask::release() {
+    std::vector<Continuation<std::monostate>> held;
+    std::optional<Continuation<WebSocketMessage>> receiver;
+    const std::lock_guard lock(mutex_);
+    held.swap(held_);
+    receiver.swap(receiver_);
+}
+
 std::vector<WebSocketMessage> MemoryWebSocketTask::sent() const {
     const std::lock_guard lock(mutex_);
     return sent_;
@@ -150,6 +158,12 @@ std::vector<WebSocketCloseCode> MemoryWebSocketTask::closeCodes() const {
 bool MemoryWebSocketTask::isResumed() const {
     const std::lock_guard lock(mutex_);
     return resumed_;
+}
+
+MemoryWebSocketSession::~MemoryWebSocketSession() {
+    for (const auto& task : tasks_) {
+        task->release();
+    }
 }
 
 std::shared_ptr<WebSocketTask> MemoryWebSocketSession::webSocketTask(WebSocketRequest request) {

@@ -37,6 +37,9 @@ class MemoryWebSocketTask final : public WebSocketTask,
     void holdSending();
     void releaseSending();
 
+    /// Unwinds whatever still waits here; what waits may own this task.
+    void release();
+
     const WebSocketRequest& request() const { return request_; }
     /// What `send` was given while it worked, in order, held messages included.
     std::vector<WebSocketMessage> sent() const;
@@ -72,6 +75,9 @@ class MemoryWebSocketSession final : public WebSocketSession {
     /// send text …" and "socket 1 close 1000".
     explicit MemoryWebSocketSession(MemoryEvents events = makeMemoryEvents())
         : events_(std::move(events)) {}
+    ~MemoryWebSocketSession() override;
+    MemoryWebSocketSession(const MemoryWebSocketSession&) = delete;
+    MemoryWebSocketSession& operator=(const MemoryWebSocketSession&) = delete;
 
     std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) override;
 
