@@ -66,10 +66,11 @@ Awaitable<void> Task::run(Task task, std::shared_ptr<Body> body) {
 Task Task::startBody(const Executor& executor, Body body) {
     Task task(std::make_shared<State>(executor));
     auto held = std::make_shared<Body>(std::move(body));
-    asio::post(executor, [task, held = std::move(held)]() mutable {
+    // A task that is unwound because its executor ends has ended too, even one that has not begun:
+    // whoever waits must know.
+    std::shared_ptr<void> ending(nullptr, [state = task.state_](void*) { state->finish(); });
+    asio::post(executor, [task, held = std::move(held), ending = std::move(ending)]() mutable {
         auto state = task.state_;
-        // A task that is unwound because its executor ends has ended too: whoever waits must know.
-        std::shared_ptr<void> ending(nullptr, [state](void*) { state->finish(); });
         asio::co_spawn(state->executor, run(std::move(task), std::move(held)),
                        asio::bind_cancellation_slot(
                            state->signal.slot(),

@@ -126,6 +126,23 @@ TEST_F(ConcurrencyTest, aTaskThatNobodyResumesIsUnwoundWithItsQueue) {
     EXPECT_TRUE(watched.expired());
 }
 
+TEST_F(ConcurrencyTest, aTaskWhoseQueueEndsHasEndedForItsWaitersEvenIfItNeverBegan) {
+    {
+        TurnQueue shortLived;
+        const auto task = Task::start(shortLived.executor(), [this]() -> Awaitable<void> {
+            events.push_back("began");
+            co_return;
+        });
+        Task::start(queue.executor(), [this, task]() -> Awaitable<void> {
+            co_await task.value();
+            events.push_back("awaited");
+        });
+        queue.runUntilIdle();
+    }
+    queue.runUntilIdle();
+    EXPECT_EQ(events, std::vector<std::string>{"awaited"});
+}
+
 TEST_F(ConcurrencyTest, aStreamDeliversInOrderThenEndsAndDropsWhatComesAfter) {
     AsyncStream<std::string> stream;
     const auto producer = stream.continuation();
