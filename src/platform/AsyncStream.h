@@ -1,8 +1,8 @@
-// An unbounded queue from any number of producers to one consumer. Producing takes no lock, never
-// waits and allocates one node for the element, so it is safe on an audio thread. The consumer is
-// woken only when it really sleeps. Elements come out in the order in which they were yielded;
-// after `finish()` the elements already queued are delivered, then the end. A stream that somebody
-// waits on must be finished, or its consumer cancelled, before it is let go.
+// An unbounded queue from any number of producers to one consumer. Producing costs one node for
+// the element and, when the consumer sleeps, one post to its executor; it never waits for the
+// consumer, so it is safe on an audio thread. Elements come out in the order in which they were
+// yielded; after `finish()` the elements already queued are delivered, then the end. A stream that
+// somebody waits on must be finished, or its consumer cancelled, before it is let go.
 #pragma once
 
 #include "platform/Continuation.h"
@@ -105,7 +105,7 @@ class AsyncStream {
     /// `operation_aborted` and ends the stream: whoever consumed it has gone.
     Awaitable<std::optional<Element>> next() const {
         const auto storage = storage_;
-        while (true) {
+        while (!storage->ended) {
             if (!storage->taken) {
                 storage->takeProduced();
             }
@@ -115,10 +115,8 @@ class AsyncStream {
                 if (owned->element) {
                     co_return std::move(owned->element);
                 }
-                storage->ended = true;
-            }
-            if (storage->ended) {
-                co_return std::nullopt;
+                storage->ended = true; // what a producer that raced with the end left is dropped
+                break;
             }
             auto wait = withContinuation<std::monostate>([storage](auto continuation) {
                 storage->sleeper = continuation;
@@ -139,6 +137,7 @@ class AsyncStream {
                 throw;
             }
         }
+        co_return std::nullopt;
     }
 
   private:
