@@ -9,6 +9,7 @@
 #include <cassert>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace orlune {
 
@@ -97,8 +98,9 @@ std::shared_ptr<AppState> AppState::make(const Platform& platform) {
 }
 
 AppState::AppState(const Platform& platform)
-    : platform_(platform), phase_(*this, Phase::idle()), interimTranscript_(*this, {}),
-      statusMessage_(*this, {}), hasDeepgramAPIKey_(*this, false), isEnabled_(*this, true),
+    : platform_(platform), main_(platform.mainActor.executor()), phase_(*this, Phase::idle()),
+      interimTranscript_(*this, {}), statusMessage_(*this, {}), hasDeepgramAPIKey_(*this, false),
+      isEnabled_(*this, true),
       intentCheckEnabled_(*this, platform.userDefaults.boolean(intentCheckKey).value_or(true)),
       isCapturingShortcut_(*this, false),
       activationMode_(*this, storedActivationMode(platform.userDefaults)),
@@ -178,7 +180,8 @@ void AppState::beginDictation() {
         return;
     }
     hideTask_.cancel();
-    sessionID_ = newSessionID();
+    const auto identity = newSessionID();
+    sessionID_ = identity;
     interimTranscript_.set({});
     speechStartedAt_.reset();
     stopRequestedAt_.reset();
@@ -186,8 +189,7 @@ void AppState::beginDictation() {
     waveform_.reset();
     statusMessage_.set("Connecting securely");
     phase_.set(Phase::processing());
-    Task::start(platform_.mainActor.executor(), [self = shared_from_this(), key = std::move(*key),
-                                                 identity = sessionID_]() mutable {
+    Task::start(main_, [self = shared_from_this(), key = std::move(*key), identity]() mutable {
         return self->connect(std::move(key), identity);
     });
 }
@@ -195,7 +197,7 @@ void AppState::beginDictation() {
 Awaitable<void> AppState::connect(std::string key, SessionID identity) {
     try {
         auto onTranscript = [weakSelf = weak_from_this(), identity,
-                             main = platform_.mainActor.executor()](std::string text) {
+                             main = main_](std::string text) {
             boost::asio::post(main, [weakSelf, identity, text = std::move(text)] {
                 if (const auto self = weakSelf.lock()) {
                     self->receiveTranscript(text, identity);
@@ -229,7 +231,7 @@ void AppState::startCapture(SessionID identity) {
             }
         });
     const auto format = audio_.prepare(
-        [weakSelf = weak_from_this(), main = platform_.mainActor.executor()](double level) {
+        [weakSelf = weak_from_this(), main = main_](double level) {
             boost::asio::post(main, [weakSelf, level] {
                 if (const auto self = weakSelf.lock()) {
                     self->receiveLevel(level);
@@ -290,10 +292,9 @@ void AppState::endDictation() {
     auto sending = std::exchange(audioSendTask_, {});
     phase_.set(Phase::processing());
     statusMessage_.set("Finishing");
-    Task::start(platform_.mainActor.executor(),
-                [self = shared_from_this(), sending = std::move(sending), identity] {
-                    return self->finish(sending, identity);
-                });
+    Task::start(main_, [self = shared_from_this(), sending = std::move(sending), identity] {
+        return self->finish(sending, identity);
+    });
 }
 
 Awaitable<void> AppState::finish(Task sending, SessionID identity) {
@@ -381,13 +382,12 @@ void AppState::tearDownCapture() {
 }
 
 void AppState::cancelTranscription() {
-    Task::start(platform_.mainActor.executor(),
-                [client = deepgram_]() -> Awaitable<void> { co_await client->cancel(); });
+    Task::start(main_, [client = deepgram_]() -> Awaitable<void> { co_await client->cancel(); });
 }
 
 void AppState::scheduleHide(Clock::Duration after) {
     hideTask_.cancel();
-    hideTask_ = Task::start(platform_.mainActor.executor(),
+    hideTask_ = Task::start(main_,
                             [weakSelf = weak_from_this(), &clock = platform_.clock,
                              after](Task self) -> Awaitable<void> {
                                 auto sleeping = clock.sleep(after);

@@ -135,6 +135,9 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     bool isConnecting(SessionID identity) const;
 
     const Platform platform_;
+    // Held, not asked for: a task may be the last to let the state go, when the main actor has
+    // gone.
+    const Executor main_;
 
     Published<Phase> phase_;
     Published<std::string> interimTranscript_;

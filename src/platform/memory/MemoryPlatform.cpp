@@ -13,8 +13,8 @@ MemoryPlatform::~MemoryPlatform() {
     } while (queue.runUntilIdle() > 0);
 }
 
-Platform MemoryPlatform::bundle() {
-    return Platform{queue,
+Platform MemoryPlatform::bundle(MainActor& mainActor) {
+    return Platform{mainActor,
                     queue.executor(),
                     clock,
                     audioEngine.factory(),

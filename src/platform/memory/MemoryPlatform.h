@@ -28,7 +28,9 @@ struct MemoryPlatform {
     MemoryPlatform& operator=(const MemoryPlatform&) = delete;
 
     /// The facilities as everybody above sees them.
-    Platform bundle();
+    Platform bundle() { return bundle(queue); }
+    /// The same with another main actor, which hands its work to `queue`.
+    Platform bundle(MainActor& mainActor);
 
     /// Turns the clock in steps, so that everybody who sleeps wakes at his own time, and runs what
     /// that queues.
