@@ -2,6 +2,7 @@
 // A value of another type reads as absent. A failed write is reported in the log and not thrown.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -8,6 +8,7 @@
 #include "platform/AudioConverter.h"
 #include "platform/AudioEngine.h"
 
+#include <cstddef>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -66,3 +67,10 @@ class AudioCaptureService {
 };
 
 } // namespace orlune
+
+template <>
+struct std::hash<orlune::AudioCaptureService::CaptureError> {
+    std::size_t operator()(const orlune::AudioCaptureService::CaptureError& error) const noexcept {
+        return static_cast<std::size_t>(error.kind());
+    }
+};
