@@ -2,6 +2,8 @@
 add_library(orlune_flags INTERFACE)
 target_compile_options(orlune_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    # The same code model everywhere, so that all targets share the precompiled headers.
+    -fPIC -pthread
     $<$<BOOL:${ORLUNE_WERROR}>:-Werror>
     # Clang marks [[no_unique_address]]-like attributes of the standard library of GCC 12 as unknown.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-attributes>)
@@ -27,12 +29,34 @@ if(ORLUNE_HARDEN)
     target_link_options(orlune_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 endif()
 
+# The heavy headers that most files include, compiled once for libraries and once for tests. Every
+# file still includes what it uses: -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON builds without them.
+function(orlune_precompiled_headers name)
+    cmake_parse_arguments(ARG "" "" "HEADERS;LINK" ${ARGN})
+    add_library(${name} STATIC ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
+    target_link_libraries(${name} PRIVATE orlune_flags Boost::boost Boost::json Boost::url ${ARG_LINK})
+    target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
+endfunction()
+
+set(heavy_headers
+    <boost/asio/any_io_executor.hpp> <boost/asio/awaitable.hpp> <boost/asio/co_spawn.hpp>
+    <boost/asio/post.hpp> <boost/asio/strand.hpp> <boost/asio/use_awaitable.hpp>
+    <boost/json/value.hpp> <boost/signals2/signal.hpp>
+    <functional> <memory> <optional> <string> <vector>)
+orlune_precompiled_headers(orlune_pch HEADERS ${heavy_headers})
+if(BUILD_TESTING)
+    orlune_precompiled_headers(orlune_test_pch HEADERS ${heavy_headers} <gmock/gmock.h> <gtest/gtest.h>
+        LINK GTest::gmock GTest::gtest)
+endif()
+
 # orlune_library(<name> SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
 # One library per floor: what a floor may include is what it links.
 function(orlune_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     target_link_libraries(${name} PUBLIC orlune_flags ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    target_link_libraries(${name} PUBLIC Boost::boost Boost::json Boost::url)
+    target_precompile_headers(${name} REUSE_FROM orlune_pch)
 endfunction()
 
 # orlune_test(<name> SOURCES <files...> LINK <targets...>)
@@ -40,6 +64,8 @@ function(orlune_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock GTest::gtest_main)
+    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock GTest::gtest_main
+        Boost::boost Boost::json Boost::url)
+    target_precompile_headers(${name} REUSE_FROM orlune_test_pch)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()
