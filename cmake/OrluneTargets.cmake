@@ -19,6 +19,11 @@ if(ORLUNE_SANITIZE)
     target_link_options(orlune_flags INTERFACE -fsanitize=${ORLUNE_SANITIZE})
 endif()
 
+if(ORLUNE_FUZZ)
+    # Coverage in all our code, so that the fuzzers find their way through it.
+    target_compile_options(orlune_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 if(ORLUNE_HARDEN)
     include(CheckPIESupported)
     check_pie_supported()
