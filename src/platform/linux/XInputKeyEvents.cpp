@@ -133,7 +133,9 @@ void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
     }
     const auto answer = local_.offer(event);
     if (event.type == KeyEvent::Type::keyDown) {
-        answers_[keycode].press = answer;
+        auto& answers = answers_[keycode];
+        answers.press = answer;
+        answers.isPressReceived = answers.isPressReceived && event.isARepeat;
     } else if (event.type == KeyEvent::Type::keyUp) {
         answers_[keycode].release = answer;
     }
@@ -164,17 +166,23 @@ KeyEventAnswer XInputKeyEvents::answerFor(const LocalKeyFilter::Key& key) {
         return KeyEventAnswer::passOn;
     }
     watch_->catchUp();
-    if (!key.isARepeat && !watch_->reasonForUnavailability().empty()
+    if (!watch_->reasonForUnavailability().empty() && !key.isARepeat
         && edges_.isDown(key.keycode) != key.isDown) {
         enqueue(key.keycode, key.isDown); // our windows' own keys are all there is
     }
+    // The server repeats a held key as releases and presses, which the toolkit does not always
+    // recognise. While the key is really down, every further one is a repeat.
+    const bool isDown = edges_.isDown(key.keycode);
     auto& answers = answers_[key.keycode];
-    if (key.isARepeat && key.isDown && !key.isAnnouncement && edges_.isDown(key.keycode)) {
+    if (!key.isDown) {
+        return isDown ? answers.press : answers.release;
+    }
+    if (!key.isAnnouncement && std::exchange(answers.isPressReceived, true) && isDown) {
         if (const auto repeat = edges_.press(key.keycode)) {
             answers.press = local_.offer(*repeat);
         }
     }
-    return key.isDown || key.isARepeat ? answers.press : answers.release;
+    return answers.press;
 }
 
 void XInputKeyEvents::willPost() {

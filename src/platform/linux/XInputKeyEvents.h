@@ -58,6 +58,8 @@ class XInputKeyEvents final : public KeyEvents {
     struct Answers {
         KeyEventAnswer press = KeyEventAnswer::passOn;
         KeyEventAnswer release = KeyEventAnswer::passOn;
+        /// The window was asked about for this press; whatever else it receives of it repeats.
+        bool isPressReceived = false;
     };
 
     bool connect();
