@@ -8,6 +8,7 @@
 #include "platform/linux/PulseAudioEngine.h"
 #include "platform/linux/QtMainActor.h"
 #include "platform/linux/QtPasteboard.h"
+#include "platform/linux/ScreenLock.h"
 #include "platform/linux/SecretServiceItems.h"
 #include "platform/linux/SpeexAudioConverter.h"
 #include "platform/linux/SteadyClock.h"
@@ -54,6 +55,7 @@ struct LinuxDesktop::Facilities {
     std::unique_ptr<QtPasteboard> clipboard;
     std::unique_ptr<XInputKeyEvents> keyWatch; // before the poster, which tells it
     std::unique_ptr<XTestKeyPoster> xtest;
+    std::unique_ptr<ScreenLock> screenLock;
     std::unique_ptr<BeastWebSocketSession> webSockets;
     std::optional<Platform> platform;
 };
@@ -119,6 +121,17 @@ const Platform& LinuxDesktop::platform() const {
 
 const PlatformConfiguration& LinuxDesktop::configuration() const {
     return facilities_->configuration;
+}
+
+void LinuxDesktop::watchScreenLock(std::function<void()> onLock) {
+    auto& keyWatch = *facilities_->keyWatch;
+    facilities_->screenLock =
+        std::make_unique<ScreenLock>([&keyWatch, onLock = std::move(onLock)](bool isLocked) {
+            if (isLocked) {
+                onLock();
+            }
+            keyWatch.setLocked(isLocked);
+        });
 }
 
 } // namespace orlune

@@ -39,6 +39,11 @@ class LinuxDesktop {
     const Platform& platform() const;
     const PlatformConfiguration& configuration() const;
 
+    /// From now on no key is seen while the screen is locked. `onLock` is called on the main thread
+    /// at each lock, before the keys that are down then are told to have come up: what was begun
+    /// with them can be cancelled instead of finished.
+    void watchScreenLock(std::function<void()> onLock);
+
   private:
     struct Facilities;
     std::unique_ptr<Facilities> facilities_;
