@@ -8,7 +8,6 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
-#include <QObject>
 
 #include <utility>
 
@@ -28,97 +27,81 @@ const QString screenSaver = QStringLiteral("org.freedesktop.ScreenSaver");
 
 } // namespace
 
-class ScreenLock::Listener final : public QObject {
-    Q_OBJECT
-
-  public:
-    explicit Listener(OnChange onChange) : onChange_(std::move(onChange)) {
-        followScreenSaver();
-        // Signals come from the session's own path alone, so its name is asked for first.
-        askProperty(ownSessionPath, QStringLiteral("Id"),
-                    [this](const QVariant& id) { findSession(id.toString()); });
-    }
-
-  private Q_SLOTS:
-    void onScreenSaver(bool isActive) { update(isSessionLocked_, isActive); }
-    void onProperties(const QString& interface, const QVariantMap& changed, const QStringList&) {
-        if (interface == sessionInterface && changed.contains(lockedHint)) {
-            update(changed.value(lockedHint).toBool(), isScreenSaverActive_);
-        }
-    }
-
-  private:
-    using OnValue = std::function<void(const QVariant&)>;
-
-    void followScreenSaver() {
-        auto bus = QDBusConnection::sessionBus();
-        bus.connect(QString(), QString(), screenSaver, QStringLiteral("ActiveChanged"), this,
-                    SLOT(onScreenSaver(bool)));
-        auto* watcher = new QDBusServiceWatcher(screenSaver, bus,
-                                                QDBusServiceWatcher::WatchForUnregistration, this);
-        connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this,
-                [this] { onScreenSaver(/*isActive=*/false); });
-    }
-
-    void findSession(const QString& id) {
-        auto call = QDBusMessage::createMethodCall(logind, logindManagerPath, managerInterface,
-                                                   QStringLiteral("GetSession"));
-        call << id;
-        ask(call, [this](const QVariant& session) {
-            const auto path = session.value<QDBusObjectPath>().path();
-            QDBusConnection::systemBus().connect(
-                logind, path, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
-                SLOT(onProperties(QString, QVariantMap, QStringList)));
-            askProperty(path, lockedHint, [this](const QVariant& isLocked) {
-                update(isLocked.toBool(), isScreenSaverActive_);
-            });
-        });
-    }
-
-    void askProperty(const QString& path, const QString& name, OnValue onValue) {
-        auto call = QDBusMessage::createMethodCall(logind, path, propertiesInterface,
-                                                   QStringLiteral("Get"));
-        call << sessionInterface << name;
-        ask(call, [onValue = std::move(onValue)](const QVariant& value) {
-            onValue(value.value<QDBusVariant>().variant());
-        });
-    }
-
-    /// Without an answer nothing happens: there is no logind, or none of its sessions is ours.
-    void ask(const QDBusMessage& call, OnValue onValue) {
-        auto* watcher =
-            new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                [watcher, onValue = std::move(onValue)] {
-                    const auto reply = watcher->reply();
-                    watcher->deleteLater();
-                    if (reply.type() == QDBusMessage::ReplyMessage
-                        && !reply.arguments().isEmpty()) {
-                        onValue(reply.arguments().constFirst());
-                    }
-                });
-    }
-
-    void update(bool isSessionLocked, bool isScreenSaverActive) {
-        const bool wasLocked = isSessionLocked_ || isScreenSaverActive_;
-        isSessionLocked_ = isSessionLocked;
-        isScreenSaverActive_ = isScreenSaverActive;
-        const bool isLocked = isSessionLocked_ || isScreenSaverActive_;
-        if (isLocked != wasLocked) {
-            onChange_(isLocked);
-        }
-    }
-
-    OnChange onChange_;
-    bool isSessionLocked_ = false;
-    bool isScreenSaverActive_ = false;
-};
-
-ScreenLock::ScreenLock(OnChange onChange)
-    : listener_(std::make_unique<Listener>(std::move(onChange))) {}
+ScreenLock::ScreenLock(OnChange onChange) : onChange_(std::move(onChange)) {
+    followScreenSaver();
+    // Signals come from the session's own path alone, so its name is asked for first.
+    askProperty(ownSessionPath, QStringLiteral("Id"),
+                [this](const QVariant& id) { followSession(id.toString()); });
+}
 
 ScreenLock::~ScreenLock() = default;
 
-} // namespace orlune
+void ScreenLock::onScreenSaver(bool isActive) {
+    update(isSessionLocked_, isActive);
+}
 
-#include "ScreenLock.moc"
+void ScreenLock::onProperties(const QString& interface, const QVariantMap& changed,
+                              const QStringList&) {
+    if (interface == sessionInterface && changed.contains(lockedHint)) {
+        update(changed.value(lockedHint).toBool(), isScreenSaverActive_);
+    }
+}
+
+void ScreenLock::followScreenSaver() {
+    auto bus = QDBusConnection::sessionBus();
+    bus.connect(QString(), QString(), screenSaver, QStringLiteral("ActiveChanged"), this,
+                SLOT(onScreenSaver(bool)));
+    auto* watcher = new QDBusServiceWatcher(screenSaver, bus,
+                                            QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { onScreenSaver(/*isActive=*/false); });
+}
+
+void ScreenLock::followSession(const QString& id) {
+    auto call = QDBusMessage::createMethodCall(logind, logindManagerPath, managerInterface,
+                                               QStringLiteral("GetSession"));
+    call << id;
+    ask(call, [this](const QVariant& session) {
+        const auto path = session.value<QDBusObjectPath>().path();
+        QDBusConnection::systemBus().connect(logind, path, propertiesInterface,
+                                             QStringLiteral("PropertiesChanged"), this,
+                                             SLOT(onProperties(QString, QVariantMap, QStringList)));
+        askProperty(path, lockedHint, [this](const QVariant& isLocked) {
+            update(isLocked.toBool(), isScreenSaverActive_);
+        });
+    });
+}
+
+void ScreenLock::askProperty(const QString& path, const QString& name, OnValue onValue) {
+    auto call =
+        QDBusMessage::createMethodCall(logind, path, propertiesInterface, QStringLiteral("Get"));
+    call << sessionInterface << name;
+    ask(call, [onValue = std::move(onValue)](const QVariant& value) {
+        onValue(value.value<QDBusVariant>().variant());
+    });
+}
+
+/// Without an answer nothing happens: there is no logind, or none of its sessions is ours.
+void ScreenLock::ask(const QDBusMessage& call, OnValue onValue) {
+    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [watcher, onValue = std::move(onValue)] {
+                const auto reply = watcher->reply();
+                watcher->deleteLater();
+                if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
+                    onValue(reply.arguments().constFirst());
+                }
+            });
+}
+
+void ScreenLock::update(bool isSessionLocked, bool isScreenSaverActive) {
+    const bool wasLocked = isSessionLocked_ || isScreenSaverActive_;
+    isSessionLocked_ = isSessionLocked;
+    isScreenSaverActive_ = isScreenSaverActive;
+    const bool isLocked = isSessionLocked_ || isScreenSaverActive_;
+    if (isLocked != wasLocked) {
+        onChange_(isLocked);
+    }
+}
+
+} // namespace orlune
