@@ -271,9 +271,10 @@ void XTestKeyPoster::release(const KeyboardEvent& event) {
     if (pressed.empty()) {
         return;
     }
-    const auto& chord = pressed.mapped();
-    std::vector<Keycode> keys{chord.key};
-    keys.insert(keys.end(), chord.modifiers.rbegin(), chord.modifiers.rend());
+    // The other way round than they went down.
+    auto keys = pressed.mapped().modifiers;
+    keys.push_back(pressed.mapped().key);
+    std::ranges::reverse(keys);
     releases_->schedule(keys);
 }
 
