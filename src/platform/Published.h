@@ -23,8 +23,8 @@ using Subscription = boost::signals2::scoped_connection;
 class ObservableObject {
   public:
     /// Called before any published property takes its new value.
-    [[nodiscard]] Subscription onChange(std::function<void()> observer) {
-        return objectWillChange.connect(std::move(observer));
+    [[nodiscard]] Subscription onChange(const std::function<void()>& observer) {
+        return objectWillChange.connect(observer);
     }
 
     Signal<void()> objectWillChange;
@@ -51,8 +51,8 @@ class Published {
     }
 
     /// The observer receives the value that is about to be stored.
-    [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> observer) const {
-        return willChange_.connect(std::move(observer));
+    [[nodiscard]] Subscription subscribe(const std::function<void(const Value&)>& observer) const {
+        return willChange_.connect(observer);
     }
 
   private:
