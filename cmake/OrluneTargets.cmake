@@ -49,19 +49,27 @@ set(heavy_headers
     <boost/json/value.hpp> <boost/signals2/signal.hpp>
     <functional> <memory> <optional> <string> <vector>)
 orlune_precompiled_headers(orlune_pch HEADERS ${heavy_headers})
+orlune_precompiled_headers(orlune_views_pch
+    HEADERS ${heavy_headers} <QBoxLayout> <QPainter> <QPainterPath> <QWidget>
+    LINK Qt6::Widgets)
 if(BUILD_TESTING)
     orlune_precompiled_headers(orlune_test_pch HEADERS ${heavy_headers} <gmock/gmock.h> <gtest/gtest.h>
         LINK GTest::gmock GTest::gtest)
 endif()
 
-# orlune_library(<name> SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
-# One library per floor: what a floor may include is what it links.
+# orlune_library(<name> [VIEWS] SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
+# One library per floor: what a floor may include is what it links. VIEWS: Qt's widgets are
+# precompiled too.
 function(orlune_library name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(ARG "VIEWS" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     target_link_libraries(${name} PUBLIC orlune_flags ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
     target_link_libraries(${name} PUBLIC Boost::boost Boost::json Boost::url)
-    target_precompile_headers(${name} REUSE_FROM orlune_pch)
+    if(ARG_VIEWS)
+        target_precompile_headers(${name} REUSE_FROM orlune_views_pch)
+    else()
+        target_precompile_headers(${name} REUSE_FROM orlune_pch)
+    endif()
 endfunction()
 
 # orlune_test(<name> SOURCES <files...> LINK <targets...>)

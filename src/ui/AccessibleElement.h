@@ -1,0 +1,16 @@
+// What assistive technology sees of a view's parts. Main thread.
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace orlune::ui {
+
+/// The widget is decoration and is passed over.
+void hideFromAccessibility(QWidget& widget);
+
+/// The widget and all in it are one element with this label; setting it again changes the label.
+void combineForAccessibility(QWidget& widget, const QString& label);
+
+} // namespace orlune::ui

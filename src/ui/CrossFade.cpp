@@ -1,0 +1,64 @@
+#include "ui/CrossFade.h"
+
+#include <QGraphicsOpacityEffect>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace orlune::ui {
+
+CrossFade::CrossFade(QWidget* content)
+    : content_(content), effect_(new QGraphicsOpacityEffect(content)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(content);
+    effect_->setEnabled(false);
+    content->setGraphicsEffect(effect_);
+}
+
+void CrossFade::change(const Spring& spring, const std::function<void()>& apply) {
+    if (!isVisible()) {
+        finish();
+        apply();
+        return;
+    }
+    QPixmap picture(size() * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    render(&picture, {}, {}, DrawChildren);
+    previous_ = picture;
+    apply();
+    effect_->setEnabled(true);
+    animation_.run(
+        spring,
+        [this](double progress) {
+            progress_ = std::clamp(progress, 0.0, 1.0);
+            effect_->setOpacity(progress_);
+            update();
+        },
+        [this] { finish(); });
+}
+
+void CrossFade::paintEvent(QPaintEvent* /*event*/) {
+    if (previous_.isNull()) {
+        return;
+    }
+    QPainter painter(this);
+    painter.setOpacity(1 - progress_);
+    painter.drawPixmap(0, 0, previous_);
+}
+
+void CrossFade::hideEvent(QHideEvent* /*event*/) {
+    animation_.stop();
+    finish();
+}
+
+void CrossFade::finish() {
+    previous_ = {};
+    progress_ = 1;
+    effect_->setEnabled(false);
+    update();
+}
+
+} // namespace orlune::ui

@@ -1,0 +1,38 @@
+// Fonts as the views name them: a size in points, a weight, a design. One point is one logical
+// pixel. Main thread, while the application exists.
+#pragma once
+
+#include <QFont>
+
+namespace orlune::ui {
+
+enum class Weight {
+    regular = QFont::Normal,
+    medium = QFont::Medium,
+    semibold = QFont::DemiBold,
+    bold = QFont::Bold,
+};
+
+enum class Design {
+    standard,   ///< Inter, which these sizes are made for, else the desktop's own font
+    rounded,    ///< a rounded relative where one is installed, else the standard design
+    monospaced, ///< the desktop's own
+};
+
+struct Font {
+    double size; ///< points
+    Weight weight = Weight::regular;
+    Design design = Design::standard;
+    double tracking = 0; ///< added to the advance of every letter, points
+
+    QFont resolved() const;
+};
+
+// The text styles of the system by name, with the sizes they have there.
+inline constexpr double title2 = 17;
+inline constexpr double title3 = 15;
+inline constexpr double body = 13;
+inline constexpr double callout = 12;
+inline constexpr double caption = 10;
+
+} // namespace orlune::ui

@@ -1,0 +1,46 @@
+// Keeps a view up to date with what it shows. Any number of changes in one turn of the loop costs
+// one refresh, in the next turn, when the changes are stored; a view that cannot be seen is
+// refreshed when it is shown. Main thread; a member of the view, its last.
+#pragma once
+
+#include "platform/Published.h"
+
+#include <QObject>
+
+#include <functional>
+#include <vector>
+
+class QWidget;
+
+namespace orlune::ui {
+
+class Observation final : public QObject {
+  public:
+    /// `refresh` reads the observed objects and shows what they hold. Not called yet.
+    Observation(QWidget& view, std::function<void()> refresh);
+
+    void observe(ObservableObject& object);
+    template <typename Value>
+    void observe(const Published<Value>& property) {
+        subscriptions_.push_back(property.subscribe([this](const Value&) { invalidate(); }));
+    }
+
+    /// As if an observed object had changed.
+    void invalidate();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  protected:
+    void customEvent(QEvent* event) override;
+
+  private:
+    void refreshNow();
+
+    QWidget& view_;
+    std::function<void()> refresh_;
+    bool isStale_ = true;
+    bool isScheduled_ = false;
+    std::vector<Subscription> subscriptions_;
+};
+
+} // namespace orlune::ui

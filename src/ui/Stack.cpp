@@ -1,0 +1,154 @@
+#include "ui/Stack.h"
+
+#include <QBoxLayout>
+#include <QPainter>
+
+#include <cmath>
+
+namespace orlune::ui {
+
+namespace {
+
+/// A line of less than a pixel is drawn as thin as it is, by its opacity.
+class Divider final : public QWidget {
+  public:
+    Divider(const QColor& color, double thickness) : color_(color), thickness_(thickness) {
+        setFixedHeight(static_cast<int>(std::ceil(thickness)));
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.fillRect(QRectF(0, (height() - thickness_) / 2, width(), thickness_), color_);
+    }
+
+  private:
+    QColor color_;
+    double thickness_;
+};
+
+bool takesWidth(const QWidget& widget) {
+    return (widget.sizePolicy().horizontalPolicy() & QSizePolicy::ExpandFlag) != 0;
+}
+
+/// What wants all the width makes what holds it want it.
+void shareWidth(QWidget& container, bool isWanted) {
+    if (isWanted) {
+        container.setSizePolicy(QSizePolicy::Expanding, container.sizePolicy().verticalPolicy());
+    }
+}
+
+Qt::Alignment flags(Alignment alignment, bool isRow, const QWidget& part) {
+    if (isRow) {
+        switch (alignment) {
+        case Alignment::leading:
+            return Qt::AlignTop;
+        case Alignment::center:
+            return Qt::AlignVCenter;
+        case Alignment::trailing:
+            return Qt::AlignBottom;
+        }
+    }
+    if (takesWidth(part)) {
+        return {};
+    }
+    switch (alignment) {
+    case Alignment::leading:
+        return Qt::AlignLeft;
+    case Alignment::center:
+        return Qt::AlignHCenter;
+    case Alignment::trailing:
+        return Qt::AlignRight;
+    }
+    return {};
+}
+
+/// Remembers how its parts are to stand.
+class Stack final : public QWidget {
+  public:
+    Stack(bool isRow, const StackStyle& style) : style_(style), isRow_(isRow) {
+        auto* layout =
+            new QBoxLayout(isRow ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(style.spacing);
+    }
+
+    void append(const Part& part) {
+        auto* box = static_cast<QBoxLayout*>(layout());
+        if (part.isSpacer()) {
+            const int length = part.minimumLength();
+            box->addSpacerItem(
+                isRow_ ? new QSpacerItem(length, 0, QSizePolicy::Expanding)
+                       : new QSpacerItem(0, length, QSizePolicy::Minimum, QSizePolicy::Expanding));
+            shareWidth(*this, isRow_);
+        } else {
+            box->addWidget(part.widget(), 0, flags(style_.alignment, isRow_, *part.widget()));
+            shareWidth(*this, takesWidth(*part.widget()));
+        }
+    }
+
+  private:
+    StackStyle style_;
+    bool isRow_;
+};
+
+QWidget* stack(bool isRow, const StackStyle& style, std::initializer_list<Part> parts) {
+    auto* result = new Stack(isRow, style);
+    for (const auto& part : parts) {
+        result->append(part);
+    }
+    return result;
+}
+
+QWidget* containing(QWidget* content, QMargins margins, Qt::Alignment alignment = {}) {
+    auto* container = new QWidget;
+    auto* layout = new QVBoxLayout(container);
+    layout->setContentsMargins(margins);
+    layout->addWidget(content, 0, alignment);
+    shareWidth(*container, takesWidth(*content));
+    return container;
+}
+
+} // namespace
+
+QWidget* row(const StackStyle& style, std::initializer_list<Part> parts) {
+    return stack(/*isRow=*/true, style, parts);
+}
+
+QWidget* column(const StackStyle& style, std::initializer_list<Part> parts) {
+    return stack(/*isRow=*/false, style, parts);
+}
+
+void append(QWidget* stack, Part part) {
+    static_cast<Stack*>(stack)->append(part);
+}
+
+QWidget* padded(QWidget* content, QMargins margins) {
+    return containing(content, margins);
+}
+
+QWidget* padded(QWidget* content, Padding padding) {
+    return containing(content,
+                      {padding.horizontal, padding.vertical, padding.horizontal, padding.vertical});
+}
+
+QWidget* framed(QWidget* content, QSize size) {
+    auto* frame =
+        containing(content, {}, takesWidth(*content) ? Qt::AlignVCenter : Qt::AlignCenter);
+    frame->setFixedSize(size);
+    return frame;
+}
+
+QWidget* fillingWidth(QWidget* content) {
+    auto* container =
+        containing(content, {}, takesWidth(*content) ? Qt::Alignment() : Qt::AlignLeft);
+    shareWidth(*container, true);
+    return container;
+}
+
+QWidget* divider(const QColor& color, double thickness) {
+    return new Divider(color, thickness);
+}
+
+} // namespace orlune::ui

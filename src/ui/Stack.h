@@ -1,0 +1,69 @@
+// Rows and columns, and what stands between and around their parts, so that a view reads as it
+// looks. Everything made here belongs to the widget it is put into. Main thread. Distances are in
+// points.
+#pragma once
+
+#include <QMargins>
+#include <QWidget>
+
+#include <initializer_list>
+
+namespace orlune::ui {
+
+/// How the parts of a row stand vertically, those of a column horizontally.
+enum class Alignment { leading, center, trailing };
+
+/// A part of a row or column: a widget, or room that takes whatever is left.
+class Part {
+  public:
+    Part(QWidget* widget) : widget_(widget) {} // NOLINT(google-explicit-constructor): reads as list
+    static Part spacer(int minimumLength) { return Part(minimumLength); }
+
+    QWidget* widget() const { return widget_; }
+    bool isSpacer() const { return widget_ == nullptr; }
+    int minimumLength() const { return minimumLength_; }
+
+  private:
+    explicit Part(int minimumLength) : minimumLength_(minimumLength) {}
+
+    QWidget* widget_ = nullptr;
+    int minimumLength_ = 0;
+};
+
+inline Part spacer(int minimumLength = 0) {
+    return Part::spacer(minimumLength);
+}
+
+struct StackStyle {
+    int spacing = 0;
+    Alignment alignment = Alignment::center;
+};
+
+/// Side by side. Parts keep their own width, unless there is too little room; hidden ones leave no
+/// gap.
+QWidget* row(const StackStyle& style, std::initializer_list<Part> parts);
+/// One below the other.
+QWidget* column(const StackStyle& style, std::initializer_list<Part> parts);
+/// Adds a part at the end of a row or column.
+void append(QWidget* stack, Part part);
+
+struct Padding {
+    int horizontal = 0;
+    int vertical = 0;
+};
+
+QWidget* padded(QWidget* content, QMargins margins);
+QWidget* padded(QWidget* content, Padding padding);
+inline QWidget* padded(QWidget* content, int allEdges) {
+    return padded(content, Padding{.horizontal = allEdges, .vertical = allEdges});
+}
+
+/// `content` in the middle of an area of this size.
+QWidget* framed(QWidget* content, QSize size);
+/// Takes all the width it is given, with `content` at its start.
+QWidget* fillingWidth(QWidget* content);
+
+/// A line across a column.
+QWidget* divider(const QColor& color, double thickness = 1);
+
+} // namespace orlune::ui
