@@ -1,0 +1,15 @@
+# Runs when Orlune is installed: writes the services that start it, with the program's full path.
+# Given: bindir, datadir, sources; by CMake: CMAKE_INSTALL_PREFIX and, in the environment, DESTDIR.
+cmake_path(ABSOLUTE_PATH bindir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+cmake_path(ABSOLUTE_PATH datadir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+set(program "${bindir}/orlune")
+foreach(service IN ITEMS bus:dbus-1/services systemd:systemd/user)
+    string(REPLACE ":" ";" service "${service}")
+    list(GET service 0 kind)
+    list(GET service 1 folder)
+    set(file "${datadir}/${folder}/app.orlune.Orlune.service")
+    message(STATUS "Installing: $ENV{DESTDIR}${file}")
+    configure_file("${sources}/${kind}.service.in" "$ENV{DESTDIR}${file}" @ONLY)
+    file(CHMOD "$ENV{DESTDIR}${file}" PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+    list(APPEND CMAKE_INSTALL_MANIFEST_FILES "${file}")
+endforeach()
