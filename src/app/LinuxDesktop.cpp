@@ -2,17 +2,23 @@
 
 #include "platform/linux/BackgroundThread.h"
 #include "platform/linux/BeastWebSocket.h"
+#include "platform/linux/DesktopDisplayOptions.h"
+#include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileUserDefaults.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/ProxySettings.h"
 #include "platform/linux/PulseAudioEngine.h"
+#include "platform/linux/PulseCaptureAuthorization.h"
 #include "platform/linux/QtMainActor.h"
 #include "platform/linux/QtPasteboard.h"
+#include "platform/linux/QtScreens.h"
 #include "platform/linux/ScreenLock.h"
 #include "platform/linux/SecretServiceItems.h"
 #include "platform/linux/SpeexAudioConverter.h"
 #include "platform/linux/SteadyClock.h"
 #include "platform/linux/X11Accessibility.h"
+#include "platform/linux/X11Bell.h"
+#include "platform/linux/X11WindowServer.h"
 #include "platform/linux/XInputKeyEvents.h"
 #include "platform/linux/XTestKeyPoster.h"
 
@@ -57,6 +63,12 @@ struct LinuxDesktop::Facilities {
     std::unique_ptr<XTestKeyPoster> xtest;
     std::unique_ptr<ScreenLock> screenLock;
     std::unique_ptr<BeastWebSocketSession> webSockets;
+    std::unique_ptr<PulseCaptureAuthorization> microphone;
+    std::unique_ptr<DesktopDisplayOptions> desktopSettings;
+    std::unique_ptr<QtScreens> qtScreens;
+    std::unique_ptr<X11WindowServer> x11Windows;
+    std::unique_ptr<X11Bell> bell;
+    std::unique_ptr<DesktopUrlOpener> otherPrograms;
     std::optional<Platform> platform;
 };
 
@@ -97,11 +109,40 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
     if (!replacements.makeAudioEngine) {
         replacements.makeAudioEngine = [] { return std::make_unique<PulseAudioEngine>(); };
     }
+    auto& captureAuthorization = replacedOr(replacements.captureAuthorization, microphone, [] {
+        return std::make_unique<PulseCaptureAuthorization>();
+    });
+    auto& displayOptions = replacedOr(replacements.displayOptions, desktopSettings, [&] {
+        return std::make_unique<DesktopDisplayOptions>(configuration.reduceMotion);
+    });
+    auto& screens =
+        replacedOr(replacements.screens, qtScreens, [] { return std::make_unique<QtScreens>(); });
+    auto& windowServer = replacedOr(replacements.windowServer, x11Windows,
+                                    [] { return std::make_unique<X11WindowServer>(); });
+    auto& sound = replacedOr(replacements.sound, bell, [] { return std::make_unique<X11Bell>(); });
+    auto& urlOpener = replacedOr(replacements.urlOpener, otherPrograms,
+                                 [] { return std::make_unique<DesktopUrlOpener>(); });
     const auto& endpoint = replacements.speechEndpoint;
-    platform.emplace(Platform{*mainActor, background.executor(), clock,
-                              std::move(replacements.makeAudioEngine), SpeexAudioConverter::create,
-                              *webSockets, secrets, accessibility, pasteboard, keyEvents, *keyWatch,
-                              defaults, log, endpoint.empty() ? configuration.endpoint : endpoint});
+    platform.emplace(Platform{*mainActor,
+                              background.executor(),
+                              clock,
+                              std::move(replacements.makeAudioEngine),
+                              SpeexAudioConverter::create,
+                              *webSockets,
+                              secrets,
+                              accessibility,
+                              pasteboard,
+                              keyEvents,
+                              *keyWatch,
+                              defaults,
+                              log,
+                              captureAuthorization,
+                              displayOptions,
+                              screens,
+                              windowServer,
+                              sound,
+                              urlOpener,
+                              endpoint.empty() ? configuration.endpoint : endpoint});
 }
 
 /// No work may run, on either thread, once the first facility is gone.

@@ -25,6 +25,12 @@ class LinuxDesktop {
         UserDefaults* userDefaults = nullptr;
         Log* log = nullptr;
         AudioEngineFactory makeAudioEngine;
+        CaptureAuthorization* captureAuthorization = nullptr;
+        DisplayOptions* displayOptions = nullptr;
+        Screens* screens = nullptr;
+        WindowServer* windowServer = nullptr;
+        Sound* sound = nullptr;
+        UrlOpener* urlOpener = nullptr;
         std::string speechEndpoint;
     };
 

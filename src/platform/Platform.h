@@ -5,15 +5,21 @@
 #include "platform/Accessibility.h"
 #include "platform/AudioConverter.h"
 #include "platform/AudioEngine.h"
+#include "platform/CaptureAuthorization.h"
 #include "platform/Clock.h"
+#include "platform/DisplayOptions.h"
 #include "platform/KeyEventPosting.h"
 #include "platform/KeyEvents.h"
 #include "platform/Log.h"
 #include "platform/MainActor.h"
 #include "platform/Pasteboard.h"
+#include "platform/Screens.h"
 #include "platform/SecretItems.h"
+#include "platform/Sound.h"
+#include "platform/UrlOpener.h"
 #include "platform/UserDefaults.h"
 #include "platform/WebSocket.h"
+#include "platform/WindowServer.h"
 
 #include <string>
 
@@ -36,6 +42,12 @@ struct Platform {
     KeyEvents& keyEventMonitors; ///< watching them
     UserDefaults& userDefaults;
     Log& log;
+    CaptureAuthorization& captureAuthorization;
+    DisplayOptions& displayOptions;
+    Screens& screens;
+    WindowServer& windowServer;
+    Sound& sound;
+    UrlOpener& urlOpener;
     std::string speechEndpoint; ///< scheme, host and port of the transcription service
 };
 

@@ -101,6 +101,14 @@ std::optional<std::string> addTerminal(std::string_view text, std::vector<std::s
     return std::nullopt;
 }
 
+std::optional<std::string> readSwitch(std::string_view text, std::optional<bool>& value) {
+    if (text != "0" && text != "1") {
+        return "is neither 1 nor 0";
+    }
+    value = text == "1";
+    return std::nullopt;
+}
+
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
     const auto last = text.find_last_not_of(" \t");
@@ -125,6 +133,10 @@ class Reader {
                 }
             } else if (key == "terminals") {
                 report(name, "is not a list");
+            } else if (key == "reduceMotion" && member.is_bool()) {
+                configuration_.reduceMotion = member.get_bool();
+            } else if (key == "reduceMotion") {
+                report(name, "is neither true nor false");
             } else if (key != "endpoint" && key != "fnKey") {
                 report(name, "is not known");
             } else if (!member.is_string()) {
@@ -143,6 +155,9 @@ class Reader {
         }
         if (const auto* text = variable(environment, "ORLUNE_FN_KEY")) {
             report("ORLUNE_FN_KEY", readKey(*text, configuration_.fnKey));
+        }
+        if (const auto* text = variable(environment, "ORLUNE_REDUCE_MOTION")) {
+            report("ORLUNE_REDUCE_MOTION", readSwitch(*text, configuration_.reduceMotion));
         }
         if (const auto* text = variable(environment, "ORLUNE_TERMINALS")) {
             configuration_.terminals.clear();

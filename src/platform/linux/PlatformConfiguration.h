@@ -1,7 +1,8 @@
 // What can be configured about this desktop: "platform.json" in the program's configuration folder,
 // each entry overridden by an environment variable. Read once at start. A bad value is ignored and
 // reported as a text for the log; nothing here fails.
-//   {"endpoint": "wss://host:port", "fnKey": "Control_R", "terminals": ["window class", …]}
+//   {"endpoint": "wss://host:port", "fnKey": "Control_R", "terminals": ["window class", …],
+//    "reduceMotion": true}
 #pragma once
 
 #include "platform/linux/ConfigurationFolder.h"
@@ -26,6 +27,9 @@ struct PlatformConfiguration {
     /// Window classes of further terminals, compared exactly. ORLUNE_TERMINALS, separated by
     /// commas.
     std::vector<std::string> terminals;
+    /// Whether movement is left out; what the desktop's own settings say where this says nothing.
+    /// ORLUNE_REDUCE_MOTION, 1 or 0.
+    std::optional<bool> reduceMotion;
 
     /// What was ignored and why, in order.
     std::vector<std::string> problems;

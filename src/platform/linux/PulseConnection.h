@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/linux/PulseHandles.h"
+#include "platform/linux/PulseSourceQuery.h"
 
 #include <chrono>
 #include <optional>
@@ -14,11 +15,7 @@ namespace orlune {
 
 class PulseConnection {
   public:
-    /// What a source delivers by itself.
-    struct Source {
-        pa_sample_spec sampleSpec;
-        pa_channel_map channelMap;
-    };
+    using Source = PulseSourceQuery::Source;
 
     /// Begins to connect, and does not wait for it. Throws AudioEngineError when the process can
     /// have no further thread.
@@ -33,9 +30,7 @@ class PulseConnection {
     /// True when the server answers; connects anew when the last connection was lost.
     bool connect();
 
-    /// The source that a recording would use. None without a server, and when the machine has no
-    /// microphone: a monitor, which hears what the machine itself plays, counts only where it is
-    /// not merely what the server falls back to.
+    /// The source that a recording would use. None without a server or a microphone.
     std::optional<Source> defaultSource();
 
     /// Waits until `isDone`, which callbacks change and then `wake`. False when it took too long.
@@ -66,13 +61,16 @@ class PulseConnection {
         pa_threaded_mainloop* loop;
         bool hasExpired;
     };
-    struct Sources;
+    struct Answer {
+        bool isAnswered = false;
+        std::optional<Source> source;
+    };
 
     static void expire(pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata);
 
     void beginConnecting();
     bool isReady() const;
-    std::optional<Sources> sources();
+    Answer askForSource();
 
     PulseLoop loop_;
     PulseContext context_;

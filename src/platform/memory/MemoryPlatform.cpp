@@ -27,6 +27,12 @@ Platform MemoryPlatform::bundle(MainActor& mainActor) {
                     keyEventMonitors,
                     userDefaults,
                     log,
+                    captureAuthorization,
+                    displayOptions,
+                    screens,
+                    windowServer,
+                    sound,
+                    urlOpener,
                     "wss://speech.example"};
 }
 

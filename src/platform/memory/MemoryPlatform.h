@@ -8,13 +8,19 @@
 #include "platform/memory/MemoryAccessibility.h"
 #include "platform/memory/MemoryAudioConverter.h"
 #include "platform/memory/MemoryAudioEngine.h"
+#include "platform/memory/MemoryCaptureAuthorization.h"
+#include "platform/memory/MemoryDisplayOptions.h"
 #include "platform/memory/MemoryKeyEventPosting.h"
 #include "platform/memory/MemoryKeyEvents.h"
 #include "platform/memory/MemoryLog.h"
 #include "platform/memory/MemoryPasteboard.h"
+#include "platform/memory/MemoryScreens.h"
 #include "platform/memory/MemorySecretItems.h"
+#include "platform/memory/MemorySound.h"
+#include "platform/memory/MemoryUrlOpener.h"
 #include "platform/memory/MemoryUserDefaults.h"
 #include "platform/memory/MemoryWebSocket.h"
+#include "platform/memory/MemoryWindowServer.h"
 #include "platform/memory/TurnQueue.h"
 
 namespace orlune {
@@ -50,6 +56,12 @@ struct MemoryPlatform {
     MemoryKeyEventPosting keyEvents{events};
     MemoryKeyEvents keyEventMonitors{events};
     MemoryWebSocketSession webSockets{events};
+    MemoryCaptureAuthorization captureAuthorization;
+    MemoryDisplayOptions displayOptions;
+    MemoryScreens screens;
+    MemoryWindowServer windowServer;
+    MemorySound sound;
+    MemoryUrlOpener urlOpener;
 };
 
 } // namespace orlune

@@ -1,0 +1,16 @@
+// Opens addresses in the user's own programs. Main thread; returns at once.
+#pragma once
+
+#include <string_view>
+
+namespace orlune {
+
+class UrlOpener {
+  public:
+    virtual ~UrlOpener() = default;
+
+    /// False when no program could be asked.
+    virtual bool open(std::string_view url) = 0;
+};
+
+} // namespace orlune

@@ -1,0 +1,31 @@
+// What the desktop does with windows beyond showing them: transparency, blur behind them, and the
+// stacking order that others change. Main thread.
+#pragma once
+
+#include "platform/Published.h"
+#include "platform/Screens.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace orlune {
+
+class WindowServer {
+  public:
+    /// The desktop's own name of a window.
+    using WindowID = std::uintptr_t;
+
+    virtual ~WindowServer() = default;
+
+    /// Whether windows may be translucent now. It changes while the program runs, as compositing is
+    /// switched on and off.
+    virtual const Published<bool>& isCompositing() const = 0;
+    /// Announced each time another window has become the active one, which may now lie above ours.
+    virtual Signal<void()>& activeWindowDidChange() = 0;
+    /// Asks for what lies behind `region` of the window to be blurred; an empty region ends it. In
+    /// logical pixels from the window's upper left corner; `scale` is how many of the device's make
+    /// one. Does nothing where the desktop does not offer it.
+    virtual void setBlurBehind(WindowID window, const std::vector<Rect>& region, double scale) = 0;
+};
+
+} // namespace orlune

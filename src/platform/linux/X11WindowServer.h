@@ -1,0 +1,32 @@
+// What an X desktop does with windows. Connects on a connection of its own when it is first asked
+// something, and follows from then on; nothing happens while nothing changes. Main thread, with
+// Qt's loop running. Without a display, or once it has gone, nothing is composited or announced.
+#pragma once
+
+#include "platform/WindowServer.h"
+
+#include <memory>
+#include <string>
+
+namespace orlune {
+
+class X11WindowServer final : public WindowServer {
+  public:
+    /// An empty display name means the DISPLAY of the environment.
+    explicit X11WindowServer(std::string displayName = {});
+    ~X11WindowServer() override;
+
+    const Published<bool>& isCompositing() const override;
+    Signal<void()>& activeWindowDidChange() override;
+    /// `window` is one of Qt's, which need not have been shown yet.
+    void setBlurBehind(WindowID window, const std::vector<Rect>& region, double scale) override;
+
+  private:
+    class Watch;
+    Watch& watch() const;
+
+    std::string displayName_;
+    mutable std::unique_ptr<Watch> watch_; ///< from the first question on
+};
+
+} // namespace orlune

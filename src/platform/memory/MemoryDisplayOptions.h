@@ -1,0 +1,15 @@
+// Display options that are set by hand.
+#pragma once
+
+#include "platform/DisplayOptions.h"
+
+namespace orlune {
+
+class MemoryDisplayOptions final : public DisplayOptions, public ObservableObject {
+  public:
+    const Published<bool>& shouldReduceMotion() const override { return reduceMotion; }
+
+    Published<bool> reduceMotion{*this, false};
+};
+
+} // namespace orlune

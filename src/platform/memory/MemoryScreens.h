@@ -1,0 +1,24 @@
+// Screens and a pointer that are placed by hand.
+#pragma once
+
+#include "platform/Screens.h"
+
+#include <optional>
+#include <vector>
+
+namespace orlune {
+
+class MemoryScreens final : public Screens {
+  public:
+    Point pointerLocation() override { return pointer; }
+    std::vector<Screen> all() override { return screens; }
+    std::optional<Screen> main() override {
+        return screens.empty() ? std::nullopt : std::optional(screens.front());
+    }
+
+    Point pointer;
+    /// One screen with a panel of 30 units at its lower edge, unless changed.
+    std::vector<Screen> screens{{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 0, 1280, 770}}};
+};
+
+} // namespace orlune

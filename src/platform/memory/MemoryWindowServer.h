@@ -1,0 +1,30 @@
+// A window server without windows: compositing is switched by hand, and blurred windows are
+// remembered.
+#pragma once
+
+#include "platform/WindowServer.h"
+
+#include <map>
+#include <vector>
+
+namespace orlune {
+
+class MemoryWindowServer final : public WindowServer, public ObservableObject {
+  public:
+    const Published<bool>& isCompositing() const override { return compositing; }
+    Signal<void()>& activeWindowDidChange() override { return activeWindow; }
+    void setBlurBehind(WindowID window, const std::vector<Rect>& region,
+                       double /*scale*/) override {
+        if (region.empty()) {
+            blurred.erase(window);
+        } else {
+            blurred[window] = region;
+        }
+    }
+
+    Published<bool> compositing{*this, true};
+    Signal<void()> activeWindow;
+    std::map<WindowID, std::vector<Rect>> blurred;
+};
+
+} // namespace orlune
