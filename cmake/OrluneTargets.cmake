@@ -72,13 +72,20 @@ function(orlune_library name)
     endif()
 endfunction()
 
-# orlune_test(<name> SOURCES <files...> LINK <targets...>)
+# orlune_test(<name> [VIEWS] SOURCES <files...> LINK <targets...>)
+# VIEWS: with an application that draws in memory.
 function(orlune_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "VIEWS" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock GTest::gtest_main
+    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock
         Boost::boost Boost::json Boost::url)
+    if(ARG_VIEWS)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/ViewMain.cpp)
+        target_link_libraries(${name} PRIVATE GTest::gtest Qt6::Test Qt6::Widgets)
+    else()
+        target_link_libraries(${name} PRIVATE GTest::gtest_main)
+    endif()
     target_precompile_headers(${name} REUSE_FROM orlune_test_pch)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()

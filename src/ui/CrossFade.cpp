@@ -46,7 +46,10 @@ void CrossFade::paintEvent(QPaintEvent* /*event*/) {
     }
     QPainter painter(this);
     painter.setOpacity(1 - progress_);
-    painter.drawPixmap(0, 0, previous_);
+    // The content may have changed its size meanwhile; it shrinks and grows about its middle.
+    const QSizeF shown = previous_.deviceIndependentSize();
+    painter.drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2),
+                       previous_);
 }
 
 void CrossFade::hideEvent(QHideEvent* /*event*/) {

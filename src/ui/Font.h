@@ -28,11 +28,13 @@ struct Font {
     QFont resolved() const;
 };
 
-// The text styles of the system by name, with the sizes they have there.
+/// The text styles of the system by name, with the sizes they have there, in points.
+namespace textSize {
 inline constexpr double title2 = 17;
 inline constexpr double title3 = 15;
 inline constexpr double body = 13;
 inline constexpr double callout = 12;
 inline constexpr double caption = 10;
+} // namespace textSize
 
 } // namespace orlune::ui

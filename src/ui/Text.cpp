@@ -15,7 +15,10 @@ namespace {
 class Lines {
   public:
     Lines(const QString& text, const QFont& font, double width, int limit) : font_(font) {
-        QString broken = text;
+        // Setting minutes of speech to show its first lines would keep the user waiting.
+        constexpr qsizetype longestLine = 400;
+        QString broken = limit > 0 ? text.left(limit * longestLine) : text;
+        isCut_ = broken.size() < text.size();
         broken.replace(u'\n', limit == 1 ? QChar(u' ') : QChar(QChar::LineSeparator));
         layout_.setText(broken);
         layout_.setFont(font);
@@ -78,6 +81,25 @@ void Text::setColor(const QColor& color) {
     update();
 }
 
+void Text::setLineLimit(int lineLimit) {
+    style_.lineLimit = lineLimit;
+    setWordWrap(lineLimit != 1);
+    updateGeometry();
+    update();
+}
+
+/// A text that is a little too long for its line is drawn a little smaller.
+QFont Text::fittingFont() const {
+    QFont fitting = font();
+    if (style_.minimumScale < 1 && style_.lineLimit == 1) {
+        const double scale = (width() - 0.5) / naturalWidth();
+        if (scale < 1 && scale >= style_.minimumScale) {
+            fitting.setPointSizeF(fitting.pointSizeF() * scale);
+        }
+    }
+    return fitting;
+}
+
 double Text::lineHeight() const {
     return QFontMetricsF(font()).height();
 }
@@ -115,27 +137,30 @@ int Text::heightForWidth(int width) const {
 }
 
 void Text::paintEvent(QPaintEvent* /*event*/) {
+    const QFont drawn = fittingFont();
+    const QFontMetricsF metrics(drawn);
     QPainter painter(this);
-    painter.setFont(font());
+    painter.setFont(drawn);
     painter.setPen(style_.color);
     const double advance = lineHeight() + style_.lineSpacing;
     // Given less height than it wants, it shows the lines that fit.
     const int fitting =
         std::max(1, static_cast<int>((height() + style_.lineSpacing + 0.5) / advance));
     const int limit = style_.lineLimit > 0 ? std::min(style_.lineLimit, fitting) : fitting;
-    const Lines lines(text(), font(), width(), limit);
+    const Lines lines(text(), drawn, width(), limit);
     const auto shortened = lines.shortenedEnd(width());
+    // Smaller letters stand on the same line.
+    const double baseline = firstBaseline();
     double top = std::max(0.0, (height() - heightOf(lines.count())) / 2);
     for (int index = 0; index < lines.count(); ++index, top += advance) {
         const bool isShortened = index == lines.count() - 1 && !shortened.isEmpty();
-        const double used =
-            isShortened ? QFontMetricsF(font()).horizontalAdvance(shortened) : lines.width(index);
+        const double used = isShortened ? metrics.horizontalAdvance(shortened) : lines.width(index);
         const double left =
             style_.alignment == Qt::AlignHCenter ? std::max(0.0, (width() - used) / 2) : 0;
         if (isShortened) {
-            painter.drawText(QPointF(left, top + firstBaseline()), shortened);
+            painter.drawText(QPointF(left, top + baseline), shortened);
         } else {
-            lines.draw(painter, index, {left, top});
+            lines.draw(painter, index, {left, top + baseline - metrics.ascent()});
         }
     }
 }

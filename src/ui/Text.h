@@ -12,7 +12,9 @@ namespace orlune::ui {
 struct TextStyle {
     Font font;
     QColor color = ui::color(Style::primary);
-    int lineLimit = 0;      ///< 0: as many lines as it needs
+    int lineLimit = 0; ///< 0: as many lines as it needs
+    /// How far a text of one line may be made smaller before it is cut, 1: not at all.
+    double minimumScale = 1;
     double lineSpacing = 0; ///< between one line and the next, points
     Qt::AlignmentFlag alignment = Qt::AlignLeft;
 };
@@ -22,6 +24,7 @@ class Text final : public QLabel {
     Text(const QString& text, const TextStyle& style);
 
     void setColor(const QColor& color);
+    void setLineLimit(int lineLimit);
 
     /// From the upper edge down to the line that the letters of the first line stand on, points.
     double firstBaseline() const;
@@ -37,6 +40,7 @@ class Text final : public QLabel {
     double lineHeight() const;
     double heightOf(int lineCount) const;
     double naturalWidth() const;
+    QFont fittingFont() const;
 
     TextStyle style_;
 };

@@ -1,0 +1,47 @@
+// Push buttons as these windows draw them. They are Qt's buttons in everything else: focus, keys,
+// default button, accessibility. Main thread.
+#pragma once
+
+#include "ui/Font.h"
+#include "ui/Style.h"
+
+#include <QPushButton>
+
+namespace orlune::ui {
+
+enum class ButtonStyle {
+    plain,     ///< nothing but its title
+    bordered,  ///< on a quiet background
+    prominent, ///< on the tint: what is done next
+};
+
+enum class ControlSize { regular, large };
+
+struct ButtonLook {
+    ButtonStyle style = ButtonStyle::bordered;
+    ControlSize size = ControlSize::regular;
+    Font font{.size = textSize::body};
+    QColor color = ui::color(Style::primary); ///< of the title
+    QString symbol = {};                      ///< before the title, by name
+};
+
+class Button final : public QPushButton {
+  public:
+    Button(const QString& title, const ButtonLook& look);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    double symbolWidth() const;
+
+    ButtonLook look_;
+};
+
+/// Draws the mark of the keyboard focus round a control that is not itself a ui::Button.
+void paintFocusRing(QPainter& painter, const QRectF& control, double radius, const QColor& tint);
+
+} // namespace orlune::ui
