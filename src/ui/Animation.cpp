@@ -65,8 +65,21 @@ void FrameTimer::setWanted(bool isWanted) {
 }
 
 bool FrameTimer::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
+    switch (event->type()) {
+    case QEvent::Show:
+        // A minimised window stays visible in Qt's sense, and is no longer exposed.
+        window_ = view_.window()->windowHandle();
+        if (window_) {
+            window_->installEventFilter(this);
+        }
         update();
+        break;
+    case QEvent::Hide:
+    case QEvent::Expose:
+        update();
+        break;
+    default:
+        break;
     }
     return QObject::eventFilter(watched, event);
 }
@@ -77,7 +90,7 @@ void FrameTimer::timerEvent(QTimerEvent* /*event*/) {
 
 void FrameTimer::update() {
     constexpr int frameMilliseconds = 17; // whole milliseconds: one less would exceed 60 a second
-    const bool runs = isWanted_ && view_.isVisible();
+    const bool runs = isWanted_ && view_.isVisible() && window_ && window_->isExposed();
     if (runs && !timer_.isActive()) {
         timer_.start(frameMilliseconds, Qt::PreciseTimer, this);
     } else if (!runs) {

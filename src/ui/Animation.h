@@ -7,6 +7,8 @@
 #include <QAbstractAnimation>
 #include <QBasicTimer>
 #include <QObject>
+#include <QPointer>
+#include <QWindow>
 
 #include <chrono>
 #include <functional>
@@ -44,7 +46,8 @@ class Animation final : public QAbstractAnimation {
     Completion completion_;
 };
 
-/// Calls `frame` at most 60 times a second, while it is wanted and `view` can be seen.
+/// Calls `frame` at most 60 times a second, while it is wanted and `view` can be seen: shown, in a
+/// window that is not minimised.
 class FrameTimer final : public QObject {
   public:
     FrameTimer(QWidget& view, std::function<void()> frame);
@@ -61,6 +64,7 @@ class FrameTimer final : public QObject {
     void update();
 
     QWidget& view_;
+    QPointer<QWindow> window_;
     std::function<void()> frame_;
     bool isWanted_ = false;
     QBasicTimer timer_;

@@ -1,0 +1,141 @@
+#include "visuals/AuroraBackdrop.h"
+
+#include "ui/AccessibleElement.h"
+#include "ui/Style.h"
+#include "visuals/OrlunePalette.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orlune {
+
+namespace {
+
+struct Channels {
+    float red;
+    float green;
+    float blue;
+};
+
+Channels channels(const QColor& color) {
+    return {color.redF(), color.greenF(), color.blueF()};
+}
+
+/// A radial gradient from a colour to nothing. Radii are in points.
+struct Glow {
+    QPointF center;
+    float startRadius;
+    float endRadius;
+    Channels color;
+    float opacity;
+
+    /// How much of the colour there is at a point, 0 to 1.
+    float share(float x, float y) const {
+        const float horizontal = x - static_cast<float>(center.x());
+        const float vertical = y - static_cast<float>(center.y());
+        const float square = horizontal * horizontal + vertical * vertical;
+        if (square >= endRadius * endRadius) {
+            return 0;
+        }
+        const float radius = std::max(std::sqrt(square), startRadius);
+        return opacity * (endRadius - radius) / (endRadius - startRadius);
+    }
+};
+
+Channels blend(const Channels& below, const Channels& above, float share) {
+    return {below.red + share * (above.red - below.red),
+            below.green + share * (above.green - below.green),
+            below.blue + share * (above.blue - below.blue)};
+}
+
+/// From 0 to 1, without a pattern that the eye would find.
+float noise(int x, int y) {
+    const auto fraction = [](float value) {
+        return value - static_cast<float>(static_cast<int>(value));
+    };
+    return fraction(
+        52.9829189f
+        * fraction(0.06711056f * static_cast<float>(x) + 0.00583715f * static_cast<float>(y)));
+}
+
+QSize pixelSize(QSize size, double scale) {
+    return {static_cast<int>(std::ceil(size.width() * scale)),
+            static_cast<int>(std::ceil(size.height() * scale))};
+}
+
+/// The glows are so faint that eight bits show them as rings. Rounding each pixel up or down by
+/// chance keeps them smooth.
+QImage drawn(QSize size, double scale, bool active) {
+    const Glow top{
+        .center = {0, 0},
+        .startRadius = 10,
+        .endRadius = 520,
+        .color = channels(OrlunePalette::accent()),
+        .opacity = active ? 0.18f : 0.1f,
+    };
+    const Glow bottom{
+        .center = {static_cast<double>(size.width()), static_cast<double>(size.height())},
+        .startRadius = 20,
+        .endRadius = 440,
+        .color = channels(ui::rgb(0.22, 0.17, 0.26)),
+        .opacity = 0.16f,
+    };
+    // Of whole levels, so that it stays even where nothing glows.
+    const Channels background = channels(QColor(OrlunePalette::background().rgb()));
+    QImage image(pixelSize(size, scale), QImage::Format_RGB32);
+    image.fill(OrlunePalette::background());
+    const float step = 1 / static_cast<float>(scale);
+    for (int row = 0; row < image.height(); ++row) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(row));
+        const float y = (static_cast<float>(row) + 0.5f) * step;
+        for (int column = 0; column < image.width(); ++column) {
+            const float x = (static_cast<float>(column) + 0.5f) * step;
+            const float topShare = top.share(x, y);
+            const float bottomShare = bottom.share(x, y);
+            if (topShare <= 0 && bottomShare <= 0) {
+                continue;
+            }
+            const Channels color =
+                blend(blend(background, top.color, topShare), bottom.color, bottomShare);
+            const float chance = noise(column, row);
+            const auto level = [chance](float channel) {
+                return static_cast<int>(channel * 255 + chance);
+            };
+            line[column] = qRgb(level(color.red), level(color.green), level(color.blue));
+        }
+    }
+    image.setDevicePixelRatio(scale);
+    return image;
+}
+
+} // namespace
+
+AuroraBackdrop::AuroraBackdrop(bool active) : active_(active) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    ui::hideFromAccessibility(*this);
+}
+
+void AuroraBackdrop::setActive(bool active) {
+    if (active_ != active) {
+        active_ = active;
+        picture_ = {};
+        update();
+    }
+}
+
+void AuroraBackdrop::paintEvent(QPaintEvent* /*event*/) {
+    const double scale = devicePixelRatioF();
+    if (picture_.size() != pixelSize(size(), scale) || picture_.devicePixelRatio() != scale) {
+        picture_ = drawn(size(), scale, active_);
+    }
+    QPainter painter(this);
+    painter.drawImage(0, 0, picture_);
+}
+
+void AuroraBackdrop::hideEvent(QHideEvent* /*event*/) {
+    picture_ = {};
+}
+
+} // namespace orlune

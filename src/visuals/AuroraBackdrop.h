@@ -1,0 +1,27 @@
+// The background of the main window: dark, with a soft glow in two of its corners. It lies behind
+// the content, beside it rather than around it. Main thread. Its picture is made once for each size
+// and given back while it is hidden.
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+namespace orlune {
+
+class AuroraBackdrop final : public QWidget {
+  public:
+    explicit AuroraBackdrop(bool active);
+
+    /// The glow at the top is stronger while active.
+    void setActive(bool active);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+  private:
+    bool active_;
+    QImage picture_;
+};
+
+} // namespace orlune
