@@ -1,0 +1,71 @@
+#include "overlay/OverlayPanel.h"
+
+#include <QRegion>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace orlune {
+
+OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& platform)
+    // No window manager may place it, frame it or lower it under a full-screen window.
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint
+                           | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus
+                           | Qt::WindowTransparentForInput),
+      windowServer_(platform.windowServer), content_(new OverlayView(std::move(state), platform)) {
+    setWindowTitle(QStringLiteral("Orlune"));
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setFocusPolicy(Qt::NoFocus);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(content_);
+    setFixedSize(OverlayView::compactSize);
+    setAttribute(Qt::WA_TranslucentBackground, windowServer_.isCompositing().get());
+    subscriptions_.push_back(windowServer_.isCompositing().subscribe([this](bool isCompositing) {
+        // Announced before it is stored, and a window cannot change its depth.
+        QMetaObject::invokeMethod(
+            this, [this, isCompositing] { setTranslucent(isCompositing); }, Qt::QueuedConnection);
+    }));
+    subscriptions_.push_back(windowServer_.activeWindowDidChange().connect([this] {
+        if (isVisible()) {
+            raise();
+        }
+    }));
+}
+
+void OverlayPanel::setTranslucent(bool isTranslucent) {
+    if (testAttribute(Qt::WA_TranslucentBackground) == isTranslucent) {
+        return;
+    }
+    const bool wasVisible = isVisible();
+    hide();
+    destroy(); // a window keeps the depth it was made with
+    setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    if (wasVisible) {
+        orderFront();
+    }
+}
+
+void OverlayPanel::orderFront() {
+    show();
+    raise();
+    updateOutline();
+}
+
+void OverlayPanel::updateOutline() {
+    const QRegion outline(content_->outline().toFillPolygon().toPolygon());
+    if (!testAttribute(Qt::WA_TranslucentBackground)) {
+        setMask(outline);
+        return;
+    }
+    clearMask();
+    std::vector<Rect> region;
+    for (const auto& part : outline) {
+        region.push_back({static_cast<double>(part.x()), static_cast<double>(part.y()),
+                          static_cast<double>(part.width()), static_cast<double>(part.height())});
+    }
+    windowServer_.setBlurBehind(winId(), region, devicePixelRatioF());
+}
+
+} // namespace orlune

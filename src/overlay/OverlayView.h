@@ -1,0 +1,71 @@
+// What the floating panel shows: the card of the intent check while one is reviewed, and in every
+// other phase a capsule with the phase's icon, the status and one line of detail. It keeps nothing
+// of its own; it reads the state. Main thread.
+#pragma once
+
+#include "core/AppState.h"
+#include "ui/Observation.h"
+
+#include <QPainterPath>
+#include <QWidget>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orlune {
+
+namespace ui {
+class CrossFade;
+class Text;
+} // namespace ui
+class GlassCapsule;
+class IntentCheckView;
+class PhaseIcon;
+
+class OverlayView final : public QWidget {
+  public:
+    /// The panel's size in points, with the capsule and with the card.
+    static constexpr QSize compactSize{262, 82};
+    static constexpr QSize reviewSize{492, 390};
+    static QSize size(const AppState::Phase& phase);
+
+    OverlayView(std::shared_ptr<AppState> state, const Platform& platform);
+    ~OverlayView() override;
+
+    /// The second line of the capsule.
+    static std::string detail(const AppState& state);
+    /// What was said, else why it failed, else that all is ready.
+    static std::string summary(const AppState& state);
+
+    /// The edge of what is shown, for a panel that cannot be translucent.
+    QPainterPath outline() const;
+    /// Shows the state as it is now, instead of in the next turn.
+    void refresh();
+
+  private:
+    QWidget* makeCompactOverlay(const Platform& platform);
+    void showCard(const IntentCheck& check);
+    void showCapsule();
+    void updateCapsule();
+
+    const std::shared_ptr<AppState> state_;
+    WindowServer& windowServer_;
+
+    ui::CrossFade* content_ = nullptr;
+    QWidget* pages_ = nullptr;
+    GlassCapsule* compactOverlay_ = nullptr;
+    ui::CrossFade* compactContent_ = nullptr;
+    PhaseIcon* phaseIcon_ = nullptr;
+    ui::Text* status_ = nullptr;
+    ui::Text* detail_ = nullptr;
+    IntentCheckView* intentCheck_ = nullptr; ///< while one is reviewed
+
+    /// What is shown at present.
+    std::optional<AppState::Phase> shownPhase_;
+    std::string shownShortcut_;
+
+    ui::Observation observation_;
+};
+
+} // namespace orlune

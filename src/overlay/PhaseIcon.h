@@ -1,0 +1,22 @@
+// The icon at the left of the overlay's capsule: the waveform while listening, the glow while
+// processing, a badge for the outcome. Only the one that is shown moves. Main thread.
+#pragma once
+
+#include "core/AppState.h"
+#include "platform/DisplayOptions.h"
+
+#include <QStackedWidget>
+
+namespace orlune {
+
+class PhaseIcon final : public QStackedWidget {
+  public:
+    /// Points.
+    static constexpr int side = 42;
+
+    PhaseIcon(const WaveformState& waveform, DisplayOptions& displayOptions);
+
+    void setPhase(AppState::Phase::Case phase);
+};
+
+} // namespace orlune

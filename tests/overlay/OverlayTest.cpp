@@ -1,0 +1,138 @@
+// The floating panel and the texts of its capsule, over a dictation that is played by hand.
+
+#include "overlay/OverlayView.h"
+#include "overlay/OverlayWindowController.h"
+#include "tests/support/DictationHarness.h"
+
+#include <QTest>
+
+namespace orlune {
+namespace {
+
+using Modifiers = DictationShortcut::Modifiers;
+
+TEST(OverlayTextTest, listeningShowsTheKeysAndNeverTheTranscript) {
+    DictationHarness dictation;
+    dictation.begin();
+    dictation.result("what was said", /*isFinal=*/true);
+    EXPECT_EQ(OverlayView::detail(dictation.state()), "Press fn to finish · Esc cancels");
+    dictation.state().setActivationMode(ActivationMode::holdToSpeak);
+    dictation.state().setShortcut(
+        {.keyCode = 40, .modifiers = {Modifiers::shift, Modifiers::command}});
+    EXPECT_EQ(OverlayView::detail(dictation.state()), "Release ⇧⌘K · Esc cancels");
+    dictation.end();
+    EXPECT_EQ(OverlayView::detail(dictation.state()), "Finishing your prompt");
+}
+
+TEST(OverlayTextTest, theTranscriptIsShownOnceItIsInserted) {
+    DictationHarness dictation;
+    dictation.state().setIntentCheckEnabled(false);
+    dictation.dictate("what was said");
+    ASSERT_EQ(dictation.phase(), "success");
+    EXPECT_EQ(OverlayView::detail(dictation.state()), "what was said");
+}
+
+TEST(OverlayTextTest, withoutWordsAFailureShowsItsReason) {
+    DictationHarness dictation("");
+    EXPECT_EQ(OverlayView::detail(dictation.state()), "Ready");
+    dictation.begin();
+    ASSERT_TRUE(dictation.state().phase().get().message());
+    EXPECT_EQ(OverlayView::detail(dictation.state()), *dictation.state().phase().get().message());
+}
+
+TEST(PanelOriginTest, restsAboveTheUsableAreaOfTheScreenUnderThePointer) {
+    MemoryScreens screens;
+    screens.screens = {
+        {.frame = {0, 0, 1000, 800}, .visibleFrame = {0, 0, 1000, 800}},
+        {.frame = {1000, 0, 2000, 1000}, .visibleFrame = {1100, 0, 1900, 960}},
+    };
+    const QSize panel(200, 80);
+    const auto origin = [&](Point pointer, double offset = 0) {
+        screens.pointer = pointer;
+        return panelOrigin(screens, panel, offset);
+    };
+    EXPECT_EQ(origin({999, 10}), (Point{400, 692}));
+    EXPECT_EQ(origin({1000, 10}), (Point{1950, 852}));
+    EXPECT_EQ(origin({1000, 10}, /*offset=*/-5), (Point{1950, 857}));
+    EXPECT_EQ(origin({-5, 10}), (Point{400, 692})) << "on no screen: the main one";
+    screens.screens.clear();
+    EXPECT_EQ(origin({5, 10}), std::nullopt);
+}
+
+class OverlayPanelTest : public testing::Test {
+  protected:
+    /// Runs what is queued, and the movement that it begins to its end.
+    void settle() {
+        dictation.platform.runUntilIdle();
+        const auto& panel = controller.panel();
+        const bool isIdle = dictation.state().phase().get().is(AppState::Phase::Case::idle);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return isIdle ? !panel.isVisible()
+                          : panel.windowOpacity() == 1 && panel.pos() == restingPlace();
+        }));
+    }
+
+    QPoint restingPlace() {
+        const auto origin = panelOrigin(dictation.platform.screens, controller.panel().size(), 0);
+        return QPointF(origin->x, origin->y).toPoint();
+    }
+
+    DictationHarness dictation;
+    OverlayWindowController controller{dictation.state().shared_from_this(),
+                                       dictation.platform.bundle()};
+};
+
+TEST_F(OverlayPanelTest, followsADictation) {
+    const auto& panel = controller.panel();
+    dictation.platform.runUntilIdle();
+    EXPECT_FALSE(panel.isVisible());
+
+    dictation.begin();
+    EXPECT_EQ(panel.size(), QSize(262, 82));
+    EXPECT_EQ(panel.pos(), restingPlace() + QPoint(0, 5)) << "settles from below";
+    settle();
+    EXPECT_EQ(panel.pos(), QPoint((1280 - 262) / 2, 770 - 28 - 82));
+
+    dictation.end();
+    dictation.result("Rename the button", /*isFinal=*/true);
+    dictation.metadata();
+    dictation.platform.advance(std::chrono::milliseconds(20));
+    ASSERT_EQ(dictation.phase(), "reviewing Rename the button.");
+    settle();
+    EXPECT_EQ(panel.size(), QSize(492, 390));
+    EXPECT_EQ(panel.pos(), QPoint((1280 - 492) / 2, 770 - 28 - 390));
+
+    dictation.confirm();
+    ASSERT_EQ(dictation.phase(), "success");
+    settle();
+    EXPECT_EQ(panel.size(), QSize(262, 82));
+    dictation.platform.advance(std::chrono::seconds(2));
+    ASSERT_EQ(dictation.phase(), "idle");
+    settle();
+    EXPECT_FALSE(panel.isVisible());
+}
+
+TEST_F(OverlayPanelTest, takesNeitherFocusNorClicks) {
+    dictation.begin();
+    const auto flags = controller.panel().windowFlags();
+    EXPECT_TRUE(flags.testFlag(Qt::WindowTransparentForInput));
+    EXPECT_TRUE(flags.testFlag(Qt::WindowDoesNotAcceptFocus));
+    EXPECT_TRUE(controller.panel().testAttribute(Qt::WA_ShowWithoutActivating));
+}
+
+TEST_F(OverlayPanelTest, followsTheCompositor) {
+    dictation.begin();
+    auto& panel = controller.panel();
+    auto& server = dictation.platform.windowServer;
+    EXPECT_TRUE(panel.mask().isEmpty());
+    EXPECT_EQ(server.blurred.size(), 1U);
+    server.compositing.set(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !panel.mask().isEmpty(); }));
+    EXPECT_TRUE(panel.isVisible());
+    EXPECT_FALSE(panel.mask().contains(QPoint(0, 0))) << "the corners are cut off";
+    server.compositing.set(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panel.mask().isEmpty(); }));
+}
+
+} // namespace
+} // namespace orlune
