@@ -8,8 +8,7 @@
 
 namespace orlune::ui {
 
-CrossFade::CrossFade(QWidget* content)
-    : content_(content), effect_(new QGraphicsOpacityEffect(content)) {
+CrossFade::CrossFade(QWidget* content) : effect_(new QGraphicsOpacityEffect(content)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content);

@@ -29,7 +29,6 @@ class CrossFade final : public QWidget {
   private:
     void finish();
 
-    QWidget* content_;
     QGraphicsOpacityEffect* effect_;
     QPixmap previous_;
     double progress_ = 1;
