@@ -83,7 +83,8 @@ auto backdrop(bool active) {
 QWidget* swatch(const QString& name, const QColor& color) {
     auto* field = new ui::Surface({.shape = ui::Shape::rounded(12), .fill = color});
     field->setFixedSize(84, 56);
-    return ui::column({.spacing = 5}, {field, new ui::Text(name, {.font = {ui::textSize::caption}})});
+    return ui::column({.spacing = 5},
+                      {field, new ui::Text(name, {.font = {ui::textSize::caption}})});
 }
 
 QWidget* palette(Stage& /*stage*/) {

@@ -129,10 +129,3 @@ TEST(ProcessingGlowTest, turnsOnlyWhileItIsSeenAndMovementIsWanted) {
 
 } // namespace
 } // namespace orlune
-
-int main(int argumentCount, char** arguments) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argumentCount, arguments);
-    testing::InitGoogleTest(&argumentCount, arguments);
-    return RUN_ALL_TESTS();
-}
