@@ -65,6 +65,13 @@ void BeastTransport::reset() {
 }
 
 Awaitable<void> BeastTransport::connect(const ProxySettings& proxies, const Headers& headers) {
+    auto reaching = reach(proxies);
+    co_await std::move(reaching);
+    auto upgrading = upgrade(headers);
+    co_await std::move(upgrading);
+}
+
+Awaitable<void> BeastTransport::reach(const ProxySettings& proxies) {
     requireNotDropped();
     std::optional<ProxyServer> proxy;
     if (address_.isSecure) {
@@ -81,8 +88,6 @@ Awaitable<void> BeastTransport::connect(const ProxySettings& proxies, const Head
     }
     auto securing = secure();
     co_await std::move(securing);
-    auto upgrading = upgrade(headers);
-    co_await std::move(upgrading);
 }
 
 Awaitable<BeastTransport::Endpoints> BeastTransport::resolve(std::string host, std::uint16_t port) {

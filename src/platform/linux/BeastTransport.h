@@ -27,8 +27,10 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
     make(const Executor& strand, boost::asio::ssl::context& trust, WebSocketAddress address);
     virtual ~BeastTransport() = default;
 
-    /// Resolves, connects (through the proxy, where there is one), and speaks TLS and the opening
-    /// handshake. Has no time limit of its own: `drop()` ends it.
+    /// Resolves, connects (through the proxy, where there is one), and speaks TLS; nothing is said
+    /// to the service itself. Has no time limit of its own: `drop()` ends it.
+    Awaitable<void> reach(const ProxySettings& proxies);
+    /// Reaches the service and speaks the opening handshake. `drop()` ends it as well.
     Awaitable<void> connect(const ProxySettings& proxies, const Headers& headers);
     /// One message, whole; returns when the system has taken its last byte.
     virtual Awaitable<void> write(const WebSocketMessage& message) = 0;

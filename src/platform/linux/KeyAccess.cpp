@@ -40,13 +40,20 @@ bool hasRawKeys(Display* display) {
 
 } // namespace
 
-std::string missingKeyAccess(Display* display) {
-    const bool seesKeys = hasRawKeys(display);
+std::string missingKeyObservation(Display* display) {
+    return hasRawKeys(display) ? "" : noRawKeys;
+}
+
+std::string missingKeyPosting(Display* display) {
     int ignored = 0;
-    if (!XTestQueryExtension(display, &ignored, &ignored, &ignored, &ignored)) {
-        return noSyntheticKeys;
-    }
-    return seesKeys ? "" : noRawKeys;
+    return XTestQueryExtension(display, &ignored, &ignored, &ignored, &ignored) ? ""
+                                                                                : noSyntheticKeys;
+}
+
+std::string missingKeyAccess(Display* display) {
+    auto observation = missingKeyObservation(display);
+    auto posting = missingKeyPosting(display);
+    return posting.empty() ? observation : posting;
 }
 
 } // namespace orlune
