@@ -13,6 +13,25 @@ constexpr std::uint16_t escapeKey = 53;
 
 } // namespace
 
+void toggleDictation(AppState& state) {
+    using Case = AppState::Phase::Case;
+    switch (state.phase().get().kind()) {
+    case Case::reviewing:
+        state.confirmIntent();
+        break;
+    case Case::listening:
+        state.endDictation();
+        break;
+    case Case::processing:
+        break;
+    case Case::idle:
+    case Case::success:
+    case Case::failure:
+        state.beginDictation();
+        break;
+    }
+}
+
 std::shared_ptr<FnPushToTalkMonitor>
 FnPushToTalkMonitor::make(const std::shared_ptr<AppState>& state, KeyEvents& keyEvents,
                           const MainActor& mainActor) {
@@ -162,22 +181,7 @@ void FnPushToTalkMonitor::transition(bool held, AppState& state) {
     if (!held) {
         return;
     }
-    using Case = AppState::Phase::Case;
-    switch (state.phase().get().kind()) {
-    case Case::reviewing:
-        state.confirmIntent();
-        break;
-    case Case::listening:
-        state.endDictation();
-        break;
-    case Case::processing:
-        break;
-    case Case::idle:
-    case Case::success:
-    case Case::failure:
-        state.beginDictation();
-        break;
-    }
+    toggleDictation(state);
 }
 
 } // namespace orlune

@@ -13,6 +13,9 @@ namespace orlune {
 
 class AppState;
 
+/// What one press does where presses alternate: begins a dictation, ends it, or confirms it.
+void toggleDictation(AppState& state);
+
 class FnPushToTalkMonitor : public std::enable_shared_from_this<FnPushToTalkMonitor> {
   public:
     /// Watches nothing yet. The facilities outlive the monitor.
