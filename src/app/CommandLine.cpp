@@ -10,18 +10,38 @@ namespace orlune {
 
 namespace {
 
-constexpr std::string_view overview =
-    R"(Usage: orlune COMMAND [OPTIONS]
+constexpr std::size_t longestCommandName = 8;
+constexpr auto statusDescription = "tell what it is doing";
 
-Speak a prompt and have it typed at the cursor.
+constexpr std::string_view overviewOfTheProgram =
+    R"(Usage: orlune [COMMAND] [OPTIONS]
 
-Commands:
+Speak a prompt and have it typed at the cursor. Without a command the program starts; where it is
+running already, it comes to the front. "orlune --background" starts it without a window.
+
+Commands for the running program:
+)";
+constexpr std::string_view overviewOfTheTerminal = R"(
+Commands for the terminal:
   dictate   one dictation in this terminal
   intent    show goal, requirements and possible gap of a text on standard input
   key       set, remove or look for the Deepgram API key in the keyring
 
 "orlune COMMAND --help" tells more. "orlune --version" prints the version.
 )";
+
+std::string overview() {
+    std::string text(overviewOfTheProgram);
+    const auto add = [&text](std::string name, const char* description) {
+        name.resize(longestCommandName, ' ');
+        text += "  " + name + "  " + description + "\n";
+    };
+    for (const auto& entry : remoteRequests) {
+        add(entry.name, entry.description);
+    }
+    add("status", statusDescription);
+    return text.append(overviewOfTheTerminal);
+}
 
 QStringList listOf(const std::vector<std::string>& arguments, const char* command) {
     QStringList list{QStringLiteral("orlune ") + QString::fromUtf8(command)};
@@ -90,6 +110,27 @@ class Parser {
     qsizetype wordCount_ = 0;
 };
 
+Command parseRemoteRequest(const RemoteRequestText& entry,
+                           const std::vector<std::string>& arguments) {
+    const auto description = std::string("Asks the running Orlune to ") + entry.description
+                             + ".\nStarts nothing when it isn't running.";
+    Parser parser(entry.name, description.c_str());
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    return RemoteOptions{entry.request};
+}
+
+Command parseStatus(const std::vector<std::string>& arguments) {
+    Parser parser("status", "Asks the running Orlune to tell what it is doing, never what was "
+                            "said.\nStarts nothing when it isn't running.");
+    parser.option("json", "Prints JSON.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    return StatusOptions{parser.has("json")};
+}
+
 Command parseDictate(const std::vector<std::string>& arguments) {
     Parser parser("dictate",
                   "One dictation: Enter or the end of standard input ends the recording, Ctrl-C "
@@ -154,7 +195,21 @@ Command parseKey(const std::vector<std::string>& arguments) {
 } // namespace
 
 Command parseCommandLine(const std::vector<std::string>& arguments) {
-    const std::string command = arguments.empty() ? std::string() : arguments.front();
+    if (arguments.empty()) {
+        return LaunchOptions{};
+    }
+    if (arguments == std::vector<std::string>{"--background"}) {
+        return LaunchOptions{.isInBackground = true};
+    }
+    const auto& command = arguments.front();
+    for (const auto& entry : remoteRequests) {
+        if (command == entry.name) {
+            return parseRemoteRequest(entry, arguments);
+        }
+    }
+    if (command == "status") {
+        return parseStatus(arguments);
+    }
     if (command == "dictate") {
         return parseDictate(arguments);
     }
@@ -165,16 +220,12 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
         return parseKey(arguments);
     }
     if (command == "--help" || command == "-h" || command == "help") {
-        return Answer{std::string(overview)};
+        return Answer{overview()};
     }
     if (command == "--version") {
         return Answer{"orlune " ORLUNE_VERSION "\n"};
     }
-    if (command.empty()) {
-        return UsageError{std::string(overview)};
-    }
-    return UsageError{"orlune: there is no command \"" + command + "\"\n\n"
-                      + std::string(overview)};
+    return UsageError{"orlune: there is no command \"" + command + "\"\n\n" + overview()};
 }
 
 } // namespace orlune

@@ -1,6 +1,8 @@
 // What the user asked for on the command line, as values. Nothing is started or printed here.
 #pragma once
 
+#include "app/RemoteRequest.h"
+
 #include <optional>
 #include <string>
 #include <variant>
@@ -13,6 +15,27 @@ inline constexpr int exitDone = 0;
 inline constexpr int exitFailed = 1;
 inline constexpr int exitUsage = 2;
 inline constexpr int exitCancelled = 130; ///< what a shell reports after Ctrl-C
+
+/// `orlune` alone: the program itself, in the background of everything else.
+struct LaunchOptions {
+    bool isInBackground = false; ///< without a window, as at login
+
+    bool operator==(const LaunchOptions&) const = default;
+};
+
+/// `orlune toggle` and its like: something the running program is to do.
+struct RemoteOptions {
+    RemoteRequest request = RemoteRequest::toggle;
+
+    bool operator==(const RemoteOptions&) const = default;
+};
+
+/// `orlune status`: what the running program is doing.
+struct StatusOptions {
+    bool isJson = false;
+
+    bool operator==(const StatusOptions&) const = default;
+};
 
 /// `orlune dictate`: one dictation in the terminal.
 struct DictateOptions {
@@ -55,7 +78,8 @@ struct UsageError {
     bool operator==(const UsageError&) const = default;
 };
 
-using Command = std::variant<DictateOptions, IntentOptions, KeyOptions, Answer, UsageError>;
+using Command = std::variant<LaunchOptions, RemoteOptions, StatusOptions, DictateOptions,
+                             IntentOptions, KeyOptions, Answer, UsageError>;
 
 /// `arguments` without the program's own name, in UTF-8.
 Command parseCommandLine(const std::vector<std::string>& arguments);

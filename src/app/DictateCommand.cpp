@@ -1,5 +1,6 @@
 #include "app/DictateCommand.h"
 
+#include "app/Display.h"
 #include "app/LinuxDesktop.h"
 #include "app/LocalServiceProcess.h"
 #include "app/StandardOutputInsertion.h"
@@ -10,7 +11,6 @@
 #include "platform/linux/FileUserDefaults.h"
 #include "platform/linux/JournalLog.h"
 #include "platform/linux/WaveFileAudioEngine.h"
-#include "platform/linux/XConnection.h"
 #include "platform/memory/MemorySecretItems.h"
 #include "platform/memory/MemoryUserDefaults.h"
 
@@ -20,7 +20,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>
@@ -71,14 +70,8 @@ std::unique_ptr<QCoreApplication> makeApplication(bool needsDisplay, int& argume
     if (!needsDisplay) {
         return std::make_unique<QCoreApplication>(argumentCount, arguments);
     }
-    const char* display = std::getenv("DISPLAY");
-    if (!display || !*display) {
-        throw std::runtime_error("--insert needs a display, and DISPLAY isn't set");
-    }
-    // Qt would abort the program.
-    if (!XConnection::open(display)) {
-        throw std::runtime_error("--insert needs a display, and " + std::string(display)
-                                 + " can't be opened");
+    if (const auto problem = displayProblem()) {
+        throw std::runtime_error("--insert needs a display, and " + *problem);
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
     return std::make_unique<QGuiApplication>(argumentCount, arguments);

@@ -2,6 +2,8 @@
 #include "app/DictateCommand.h"
 #include "app/IntentCommand.h"
 #include "app/KeyCommand.h"
+#include "app/OrluneApp.h"
+#include "app/RemoteCommand.h"
 #include "platform/linux/SecretServiceItems.h"
 
 #include <clocale>
@@ -20,6 +22,11 @@ class CommandRunner {
     CommandRunner(int& argumentCount, char** arguments)
         : argumentCount_(argumentCount), arguments_(arguments) {}
 
+    int operator()(const LaunchOptions& options) const {
+        return runOrluneApp(options, argumentCount_, arguments_);
+    }
+    int operator()(const RemoteOptions& options) const { return runRemoteCommand(options); }
+    int operator()(const StatusOptions& options) const { return runStatusCommand(options); }
     int operator()(const DictateOptions& options) const {
         return runDictateCommand(options, argumentCount_, arguments_);
     }

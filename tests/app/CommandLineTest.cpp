@@ -1,5 +1,4 @@
 #include "app/CommandLine.h"
-
 #include "app/IntentCommand.h"
 
 #include <gtest/gtest.h>
@@ -24,6 +23,12 @@ TEST(CommandLineTest, understandsEveryCommand) {
         Command expected;
     };
     const std::vector<Row> rows{
+        {{}, LaunchOptions{}},
+        {{"--background"}, LaunchOptions{true}},
+        {{"toggle"}, RemoteOptions{RemoteRequest::toggle}},
+        {{"quit"}, RemoteOptions{RemoteRequest::quit}},
+        {{"status"}, StatusOptions{}},
+        {{"status", "--json"}, StatusOptions{true}},
         {{"dictate"}, DictateOptions{}},
         {{"dictate", "--input", "a file.wav", "--fast", "--local", "--insert", "--no-intent-check",
           "--yes"},
@@ -37,14 +42,17 @@ TEST(CommandLineTest, understandsEveryCommand) {
         {{"--version"}, Answer{"orlune " ORLUNE_VERSION "\n"}},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(parseCommandLine(row.arguments), row.expected) << row.arguments.back();
+        EXPECT_EQ(parseCommandLine(row.arguments), row.expected)
+            << testing::PrintToString(row.arguments);
     }
 }
 
 TEST(CommandLineTest, aMistakeIsAnErrorThatNamesItAndNeverRepeatsAKey) {
     const std::vector<std::vector<std::string>> mistakes{
-        {},
         {"dictat"},
+        {"--background", "toggle"},
+        {"toggle", "--json"},
+        {"quit", "now"},
         {"dictate", "--loud"},
         {"dictate", "--input"},
         {"dictate", "--fast"},
@@ -56,7 +64,7 @@ TEST(CommandLineTest, aMistakeIsAnErrorThatNamesItAndNeverRepeatsAKey) {
     for (const auto& arguments : mistakes) {
         const auto command = parseCommandLine(arguments);
         const auto* error = std::get_if<UsageError>(&command);
-        ASSERT_TRUE(error) << (arguments.empty() ? "nothing" : arguments.back());
+        ASSERT_TRUE(error) << arguments.back();
         EXPECT_FALSE(error->text.empty());
         EXPECT_EQ(error->text.find("sesame"), std::string::npos);
     }
@@ -68,6 +76,16 @@ TEST(CommandLineTest, helpNamesTheOptions) {
     ASSERT_TRUE(help);
     EXPECT_TRUE(help->text.starts_with("Usage: orlune dictate [options]")) << help->text;
     EXPECT_NE(help->text.find("--no-intent-check"), std::string::npos);
+}
+
+TEST(CommandLineTest, theOverviewNamesEveryCommand) {
+    const auto command = parseCommandLine({"--help"});
+    const auto* help = std::get_if<Answer>(&command);
+    ASSERT_TRUE(help);
+    for (const auto* name : {"toggle", "start", "stop", "confirm", "cancel", "show", "settings",
+                             "quit", "status", "dictate", "intent", "key"}) {
+        EXPECT_NE(help->text.find("\n  " + std::string(name) + " "), std::string::npos) << name;
+    }
 }
 
 TEST(IntentCommandTest, printsTheCheckAsTextAndAsJson) {

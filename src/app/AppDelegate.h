@@ -1,0 +1,44 @@
+// What the program does once it has been launched: the overlay, the shortcut, and bringing its
+// window to the front. Owned by OrluneApp; main thread. Windows are known here by how they are
+// opened alone.
+#pragma once
+
+#include "core/AppState.h"
+#include "services/FnPushToTalkMonitor.h"
+
+#include <functional>
+#include <memory>
+
+namespace orlune {
+
+class OverlayWindowController;
+
+class AppDelegate {
+  public:
+    /// How windows are opened and come to the front; an empty one opens nothing.
+    struct Windows {
+        std::function<void()> openMain;
+        std::function<void()> openSettings;
+    };
+
+    /// The facilities outlive the delegate.
+    AppDelegate(std::shared_ptr<AppState> state, const Platform& platform, Windows windows);
+    ~AppDelegate();
+
+    /// Called once, with the loop running.
+    void applicationDidFinishLaunching(bool opensWindow);
+    /// The program was launched once more while it runs.
+    void applicationShouldHandleReopen();
+
+    void openMainWindow() const;
+    void openSettings() const;
+
+  private:
+    const std::shared_ptr<AppState> state_;
+    const Platform& platform_;
+    const Windows windows_;
+    std::unique_ptr<OverlayWindowController> overlay_;
+    std::shared_ptr<FnPushToTalkMonitor> hotkey_;
+};
+
+} // namespace orlune

@@ -1,0 +1,161 @@
+#include "app/OrluneApp.h"
+
+#include "app/Display.h"
+#include "app/LinuxDesktop.h"
+#include "app/RemoteCommand.h"
+#include "app/Status.h"
+#include "app/TrustDialog.h"
+
+#include <QApplication>
+#include <QSessionManager>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+/// What a cancelled dictation is given to close its connection properly.
+constexpr auto closingTime = std::chrono::milliseconds(300);
+
+/// The shared state stands on the platform, so it goes first.
+class SharedState {
+  public:
+    explicit SharedState(const Platform& platform) { AppState::install(platform); }
+    ~SharedState() { AppState::uninstall(); }
+    SharedState(const SharedState&) = delete;
+    SharedState& operator=(const SharedState&) = delete;
+};
+
+bool isUnderWay(const AppState& state) {
+    using Case = AppState::Phase::Case;
+    const auto& phase = state.phase().get();
+    return phase.is(Case::listening) || phase.is(Case::processing) || phase.is(Case::reviewing);
+}
+
+void nameApplication() {
+    const auto identifier = QString::fromLatin1(bundleIdentifier);
+    QCoreApplication::setApplicationName(identifier); // and so the class of its windows
+    QCoreApplication::setApplicationVersion(QStringLiteral(ORLUNE_VERSION));
+    QGuiApplication::setDesktopFileName(identifier);
+}
+
+} // namespace
+
+OrluneApp::OrluneApp(const LaunchOptions& options, const TerminationSignals& signals)
+    : options_(options), signals_(signals),
+      remote_({
+          .reopen = [this] { delegate_->applicationShouldHandleReopen(); },
+          .perform = [this](RemoteRequest request) { perform(request); },
+          .status = [this] { return statusJson(*state_); },
+      }) {}
+
+int OrluneApp::run() {
+    const auto claim = remote_.claim();
+    if (claim == RemoteControl::Claim::anotherRuns) {
+        return options_.isInBackground ? exitDone : reopenRunningInstance().value_or(exitFailed);
+    }
+    TrustDialog trustDialog;
+    LinuxDesktop desktop({}, [&trustDialog](const auto& reason) { trustDialog.show(reason); });
+    const auto& platform = desktop.platform();
+    if (claim == RemoteControl::Claim::noBus) {
+        Logger(platform.log, "RemoteControl")
+            .error("There is no session bus: commands such as \"orlune toggle\" don't reach this "
+                   "program");
+    }
+    const SharedState sharedState(platform);
+    QSocketNotifier signalled(signals_.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&signalled, &QSocketNotifier::activated, &signalled, [this] {
+        signals_.take();
+        terminate();
+    });
+    launch(platform);
+    desktop.watchScreenLock([this] { state_->cancelDictation(); });
+    const int exitCode = QCoreApplication::exec();
+    remote_.release();
+    delegate_.reset();
+    state_->cancelDictation();
+    state_.reset();
+    return exitCode;
+}
+
+void OrluneApp::launch(const Platform& platform) {
+    state_ = AppState::shared();
+    delegate_.emplace(state_, platform, AppDelegate::Windows{});
+    QTimer::singleShot(0, qApp, [this] {
+        delegate_->applicationDidFinishLaunching(/*opensWindow=*/!options_.isInBackground);
+    });
+}
+
+void OrluneApp::terminate() {
+    remote_.release();
+    const bool closes = isUnderWay(*state_) && !std::exchange(isTerminating_, true);
+    state_->cancelDictation();
+    QTimer::singleShot(closes ? closingTime : closingTime.zero(), qApp, &QCoreApplication::quit);
+}
+
+void OrluneApp::perform(RemoteRequest request) {
+    switch (request) {
+    case RemoteRequest::toggle:
+        toggleDictation(*state_);
+        break;
+    case RemoteRequest::start:
+        state_->beginDictation();
+        break;
+    case RemoteRequest::stop:
+        state_->endDictation();
+        break;
+    case RemoteRequest::confirm:
+        state_->confirmIntent();
+        break;
+    case RemoteRequest::cancel:
+        state_->cancelDictation();
+        break;
+    case RemoteRequest::show:
+        delegate_->openMainWindow();
+        break;
+    case RemoteRequest::settings:
+        delegate_->openSettings();
+        break;
+    case RemoteRequest::quit:
+        terminate();
+        break;
+    }
+}
+
+int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments) {
+    try {
+        const TerminationSignals signals;
+        // The cheap way first; two launches at the same moment meet again at the name.
+        if (const auto exitCode = options.isInBackground ? std::nullopt : reopenRunningInstance()) {
+            return *exitCode;
+        }
+        if (chooseX()) {
+            if (const auto problem = displayProblem()) {
+                std::fprintf(stderr,
+                             "orlune: Orlune needs a display, and %s. Start it inside a graphical "
+                             "session; in a Wayland session, Xwayland has to be installed.\n",
+                             problem->c_str());
+                return exitFailed;
+            }
+        }
+        QApplication application(argumentCount, arguments);
+        nameApplication();
+        QApplication::setQuitOnLastWindowClosed(false);
+        // It is started at login, or not, as the user set it, not because it ran at logout.
+        QObject::connect(&application, &QGuiApplication::saveStateRequest,
+                         [](QSessionManager& session) {
+                             session.setRestartHint(QSessionManager::RestartNever);
+                         });
+        return OrluneApp(options, signals).run();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "orlune: %s\n", error.what());
+        return exitFailed;
+    }
+}
+
+} // namespace orlune

@@ -1,0 +1,44 @@
+// The program as its user knows it: `orlune` without a command. Puts the desktop, the shared state,
+// the delegate and the remote control together, runs Qt's loop, and takes everything down in the
+// right order however it ends: asked to, by a signal, or with the session. Main thread.
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/CommandLine.h"
+#include "app/RemoteControl.h"
+#include "app/TerminationSignals.h"
+
+#include <memory>
+#include <optional>
+
+namespace orlune {
+
+/// Creates the application object, so it is called once, first thing on the main thread. Returns
+/// the exit code; what went wrong is on standard error. Where an instance runs already, that one
+/// comes to the front instead.
+int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments);
+
+class OrluneApp {
+  public:
+    /// After the application object.
+    OrluneApp(const LaunchOptions& options, const TerminationSignals& signals);
+
+    /// Returns the exit code.
+    int run();
+
+    /// Abandons a dictation that runs, and ends the loop. Returns at once.
+    void terminate();
+
+  private:
+    void perform(RemoteRequest request);
+    void launch(const Platform& platform);
+
+    const LaunchOptions options_;
+    const TerminationSignals& signals_;
+    RemoteControl remote_;
+    std::shared_ptr<AppState> state_;
+    std::optional<AppDelegate> delegate_;
+    bool isTerminating_ = false;
+};
+
+} // namespace orlune

@@ -1,0 +1,23 @@
+// The commands for a running Orlune: `toggle`, `start`, … and `status`. They start nothing, need no
+// display, and load no toolkit. Blocking, within the bound of `SessionBus`.
+#pragma once
+
+#include "app/CommandLine.h"
+#include "platform/linux/SessionBus.h"
+
+#include <optional>
+
+namespace orlune {
+
+inline constexpr SessionBus::Address runningInstance{busName, busPath, busInterface};
+
+/// The exit code; what went wrong is on standard error.
+int runRemoteCommand(const RemoteOptions& options);
+/// The same; the status is on standard output.
+int runStatusCommand(const StatusOptions& options);
+
+/// Tells an instance that runs already that the program was launched once more. The exit code; none
+/// when no instance runs, or there is no bus on which to find one.
+std::optional<int> reopenRunningInstance();
+
+} // namespace orlune

@@ -1,0 +1,45 @@
+// What can be asked of a running Orlune, under the same names on the command line, as actions of
+// the desktop file and, with a capital letter, as methods on D-Bus. Plain values.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orlune {
+
+enum class RemoteRequest { toggle, start, stop, confirm, cancel, show, settings, quit };
+
+struct RemoteRequestText {
+    RemoteRequest request;
+    const char* name;
+    const char* description; ///< one line of help
+};
+
+inline constexpr std::array remoteRequests{
+    RemoteRequestText{RemoteRequest::toggle, "toggle",
+                      "start a dictation, finish it, confirm it: whatever comes next"},
+    RemoteRequestText{RemoteRequest::start, "start", "start a dictation, or confirm a review"},
+    RemoteRequestText{RemoteRequest::stop, "stop", "stop listening and take what was said"},
+    RemoteRequestText{RemoteRequest::confirm, "confirm", "insert the prompt under review"},
+    RemoteRequestText{RemoteRequest::cancel, "cancel", "abandon the dictation"},
+    RemoteRequestText{RemoteRequest::show, "show", "open the main window"},
+    RemoteRequestText{RemoteRequest::settings, "settings", "open the settings"},
+    RemoteRequestText{RemoteRequest::quit, "quit", "end the program"},
+};
+
+std::optional<RemoteRequest> remoteRequestNamed(std::string_view name);
+/// "Toggle" for `toggle`.
+std::string busMethod(RemoteRequest request);
+/// The request behind a method's name.
+std::optional<RemoteRequest> remoteRequestOfMethod(std::string_view method);
+
+// Where a running instance is found on the session bus.
+inline constexpr auto busName = "app.orlune.Orlune";
+inline constexpr auto busPath = "/app/orlune/Orlune";
+inline constexpr auto busInterface = "app.orlune.Orlune1";
+/// How desktops start and reach programs.
+inline constexpr auto applicationInterface = "org.freedesktop.Application";
+
+} // namespace orlune
