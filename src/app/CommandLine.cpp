@@ -26,6 +26,7 @@ Commands for the terminal:
   dictate   one dictation in this terminal
   intent    show goal, requirements and possible gap of a text on standard input
   key       set, remove or look for the Deepgram API key in the keyring
+  doctor    look whether this desktop offers everything a dictation needs
 
 "orlune COMMAND --help" tells more. "orlune --version" prints the version.
 )";
@@ -131,6 +132,17 @@ Command parseStatus(const std::vector<std::string>& arguments) {
     return StatusOptions{parser.has("json")};
 }
 
+Command parseDoctor(const std::vector<std::string>& arguments) {
+    Parser parser("doctor", "Looks at everything a dictation needs, and says what to do where "
+                            "something is missing.\nListens to the microphone for half a second. "
+                            "Sends nothing.");
+    parser.option("json", "Prints JSON.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    return DoctorOptions{parser.has("json")};
+}
+
 Command parseDictate(const std::vector<std::string>& arguments) {
     Parser parser("dictate",
                   "One dictation: Enter or the end of standard input ends the recording, Ctrl-C "
@@ -209,6 +221,9 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
     }
     if (command == "status") {
         return parseStatus(arguments);
+    }
+    if (command == "doctor") {
+        return parseDoctor(arguments);
     }
     if (command == "dictate") {
         return parseDictate(arguments);

@@ -37,6 +37,13 @@ struct StatusOptions {
     bool operator==(const StatusOptions&) const = default;
 };
 
+/// `orlune doctor`: whether everything a dictation needs is there.
+struct DoctorOptions {
+    bool isJson = false;
+
+    bool operator==(const DoctorOptions&) const = default;
+};
+
 /// `orlune dictate`: one dictation in the terminal.
 struct DictateOptions {
     std::optional<std::string> input; ///< an audio file in the microphone's place
@@ -78,8 +85,8 @@ struct UsageError {
     bool operator==(const UsageError&) const = default;
 };
 
-using Command = std::variant<LaunchOptions, RemoteOptions, StatusOptions, DictateOptions,
-                             IntentOptions, KeyOptions, Answer, UsageError>;
+using Command = std::variant<LaunchOptions, RemoteOptions, StatusOptions, DoctorOptions,
+                             DictateOptions, IntentOptions, KeyOptions, Answer, UsageError>;
 
 /// `arguments` without the program's own name, in UTF-8.
 Command parseCommandLine(const std::vector<std::string>& arguments);

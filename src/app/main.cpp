@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "app/DictateCommand.h"
+#include "app/DoctorCommand.h"
 #include "app/IntentCommand.h"
 #include "app/KeyCommand.h"
 #include "app/OrluneApp.h"
@@ -27,6 +28,7 @@ class CommandRunner {
     }
     int operator()(const RemoteOptions& options) const { return runRemoteCommand(options); }
     int operator()(const StatusOptions& options) const { return runStatusCommand(options); }
+    int operator()(const DoctorOptions& options) const { return runDoctorCommand(options); }
     int operator()(const DictateOptions& options) const {
         return runDictateCommand(options, argumentCount_, arguments_);
     }

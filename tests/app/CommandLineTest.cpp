@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+
 #include "app/IntentCommand.h"
 
 #include <gtest/gtest.h>
@@ -29,6 +30,7 @@ TEST(CommandLineTest, understandsEveryCommand) {
         {{"quit"}, RemoteOptions{RemoteRequest::quit}},
         {{"status"}, StatusOptions{}},
         {{"status", "--json"}, StatusOptions{true}},
+        {{"doctor", "--json"}, DoctorOptions{true}},
         {{"dictate"}, DictateOptions{}},
         {{"dictate", "--input", "a file.wav", "--fast", "--local", "--insert", "--no-intent-check",
           "--yes"},
@@ -83,7 +85,7 @@ TEST(CommandLineTest, theOverviewNamesEveryCommand) {
     const auto* help = std::get_if<Answer>(&command);
     ASSERT_TRUE(help);
     for (const auto* name : {"toggle", "start", "stop", "confirm", "cancel", "show", "settings",
-                             "quit", "status", "dictate", "intent", "key"}) {
+                             "quit", "status", "dictate", "intent", "key", "doctor"}) {
         EXPECT_NE(help->text.find("\n  " + std::string(name) + " "), std::string::npos) << name;
     }
 }

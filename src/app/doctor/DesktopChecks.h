@@ -1,0 +1,21 @@
+// Session, keys, clipboard and tray, judged from what the display and the session bus tell. Pure.
+#pragma once
+
+#include "app/doctor/Finding.h"
+#include "platform/linux/ConfigurationFolder.h"
+#include "platform/linux/DisplayFacts.h"
+
+#include <optional>
+
+namespace orlune {
+
+struct DesktopFacts {
+    Environment environment;
+    std::string functionKeyName;
+    std::optional<DisplayFacts> display; ///< none when no X server answers
+    bool hasTrayHost = false;            ///< of the kind that is found over D-Bus
+};
+
+Findings checkDesktop(const DesktopFacts& facts);
+
+} // namespace orlune

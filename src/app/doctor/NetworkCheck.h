@@ -1,0 +1,11 @@
+// Whether the speech service can be reached, judged from one attempt. Pure.
+#pragma once
+
+#include "app/doctor/Finding.h"
+#include "platform/linux/EndpointProbe.h"
+
+namespace orlune {
+
+Findings checkNetwork(const EndpointProbe& probe);
+
+} // namespace orlune

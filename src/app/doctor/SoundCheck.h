@@ -1,0 +1,11 @@
+// The microphone, judged from what the sound server tells and half a second of listening. Pure.
+#pragma once
+
+#include "app/doctor/Finding.h"
+#include "platform/linux/SoundFacts.h"
+
+namespace orlune {
+
+Findings checkSound(const SoundFacts& facts);
+
+} // namespace orlune
