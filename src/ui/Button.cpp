@@ -44,7 +44,7 @@ QColor background(const QPushButton& button, ButtonStyle style) {
 Button::Button(const QString& title, const ButtonLook& look) : look_(look) {
     setText(title);
     setFont(look.font.resolved());
-    setAutoDefault(false);
+    setAutoDefault(true); // Return presses what has the focus, as Space does
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

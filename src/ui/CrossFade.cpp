@@ -8,7 +8,8 @@
 
 namespace orlune::ui {
 
-CrossFade::CrossFade(QWidget* content) : effect_(new QGraphicsOpacityEffect(content)) {
+CrossFade::CrossFade(QWidget* content)
+    : content_(content), effect_(new QGraphicsOpacityEffect(content)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content);
@@ -16,7 +17,7 @@ CrossFade::CrossFade(QWidget* content) : effect_(new QGraphicsOpacityEffect(cont
     content->setGraphicsEffect(effect_);
 }
 
-void CrossFade::change(const Spring& spring, const std::function<void()>& apply) {
+void CrossFade::change(const Spring& spring, const std::function<void()>& apply, QPoint travel) {
     if (!isVisible()) {
         finish();
         apply();
@@ -28,12 +29,15 @@ void CrossFade::change(const Spring& spring, const std::function<void()>& apply)
     render(&picture, {}, {}, DrawChildren);
     previous_ = picture;
     apply();
+    layout()->activate(); // before the content is moved: a layout would put it back
+    travel_ = travel;
     effect_->setEnabled(true);
     animation_.run(
         spring,
         [this](double progress) {
-            progress_ = std::clamp(progress, 0.0, 1.0);
-            effect_->setOpacity(progress_);
+            progress_ = progress;
+            effect_->setOpacity(std::clamp(progress, 0.0, 1.0));
+            content_->move(((1 - progress) * travel_).toPoint());
             update();
         },
         [this] { finish(); });
@@ -44,11 +48,11 @@ void CrossFade::paintEvent(QPaintEvent* /*event*/) {
         return;
     }
     QPainter painter(this);
-    painter.setOpacity(1 - progress_);
+    painter.setOpacity(std::clamp(1 - progress_, 0.0, 1.0));
     // The content may have changed its size meanwhile; it shrinks and grows about its middle.
     const QSizeF shown = previous_.deviceIndependentSize();
-    painter.drawPixmap(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2),
-                       previous_);
+    const QPointF middle((width() - shown.width()) / 2, (height() - shown.height()) / 2);
+    painter.drawPixmap(middle - progress_ * travel_, previous_);
 }
 
 void CrossFade::hideEvent(QHideEvent* /*event*/) {
@@ -59,6 +63,7 @@ void CrossFade::hideEvent(QHideEvent* /*event*/) {
 void CrossFade::finish() {
     previous_ = {};
     progress_ = 1;
+    content_->move(0, 0);
     effect_->setEnabled(false);
     update();
 }

@@ -18,8 +18,9 @@ class CrossFade final : public QWidget {
     explicit CrossFade(QWidget* content);
 
     /// Runs `apply`, which changes the content, and shows the change with `spring`. Without a
-    /// window on the screen the change is there at once.
-    void change(const Spring& spring, const std::function<void()>& apply);
+    /// window on the screen the change is there at once. The new content comes from `travel` points
+    /// away, and the old picture leaves as far to the opposite side.
+    void change(const Spring& spring, const std::function<void()>& apply, QPoint travel = {});
     bool isFading() const { return animation_.state() == QAbstractAnimation::Running; }
 
   protected:
@@ -29,9 +30,11 @@ class CrossFade final : public QWidget {
   private:
     void finish();
 
+    QWidget* content_;
     QGraphicsOpacityEffect* effect_;
     QPixmap previous_;
-    double progress_ = 1;
+    double progress_ = 1; ///< may exceed 1, when a spring swings
+    QPointF travel_;
     Animation animation_;
 };
 

@@ -1,0 +1,19 @@
+#include "ui/ScrollView.h"
+
+#include <QScrollArea>
+
+namespace orlune::ui {
+
+QScrollArea* scrollView(QWidget* content) {
+    auto* view = new QScrollArea;
+    view->setFrameShape(QFrame::NoFrame);
+    view->setFocusPolicy(Qt::NoFocus); // it follows the focus of what is in it
+    view->setWidgetResizable(true);
+    view->setWidget(content);
+    // Qt gives both a background of their own.
+    view->viewport()->setAutoFillBackground(false);
+    content->setAutoFillBackground(false);
+    return view;
+}
+
+} // namespace orlune::ui
