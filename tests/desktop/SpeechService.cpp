@@ -33,6 +33,21 @@ OwnProgram::Environment SpeechService::clientEnvironment() const {
             {"SSL_CERT_FILE", (folder_.path() / "authority.pem").string()}};
 }
 
+Speaker::Speaker() {
+    run({"flite", "-voice", "slt", "-t", spokenSentence, "-o", file()});
+}
+
+void Speaker::speak(const OwnProgram::Environment& server) const {
+    OwnProgram player({"paplay", "--device=vmic", file()}, server);
+    if (player.exitCode() != 0) {
+        throw std::runtime_error("nothing was spoken: " + player.standardError());
+    }
+}
+
+std::string recordings() {
+    return run({"pactl", "list", "short", "source-outputs"});
+}
+
 SoundServer::SoundServer() {
     const auto folder = folder_.path().string();
     // Without norewinds the first sound takes two seconds.

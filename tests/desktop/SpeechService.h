@@ -1,5 +1,5 @@
-// The other ends of a dictation as programs beside a test: the speech service over TLS, and a sound
-// server that may be killed. Both throw when they do not come up.
+// The other ends of a dictation as programs beside a test: the speaker, the speech service over
+// TLS, and a sound server that may be killed. The servers throw when they do not come up.
 #pragma once
 
 #include "tests/desktop/OwnProgram.h"
@@ -30,6 +30,24 @@ class SpeechService {
     std::optional<OwnProgram> program_;
     std::string port_;
 };
+
+/// The recogniser understands this sentence of this voice in any room.
+inline constexpr auto spokenSentence = "The weather is nice today and we should go for a walk.";
+
+/// The synthetic voice as a file, and into the microphone.
+class Speaker {
+  public:
+    Speaker();
+    std::string file() const { return folder_.path() / "speech.wav"; }
+    /// Returns when the sentence has been spoken. `server` leads to another sound server.
+    void speak(const OwnProgram::Environment& server = {}) const;
+
+  private:
+    test::TemporaryFolder folder_;
+};
+
+/// What the session's sound server says of everybody who listens; empty when nobody does.
+std::string recordings();
 
 /// A sound server beside the session's own, whose microphone is `vmic` too.
 class SoundServer {

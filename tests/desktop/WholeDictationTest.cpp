@@ -29,8 +29,6 @@ using testing::StartsWith;
 /// Nothing like a real one; found wherever it should not be.
 const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
 
-/// The recogniser understands this sentence of this voice in any room.
-const std::string sentence = "The weather is nice today and we should go for a walk.";
 constexpr auto firstWords = "weather is nice";
 constexpr auto lastWords = "go for a walk";
 
@@ -38,25 +36,6 @@ std::vector<std::string> orlune(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
     return arguments;
 }
-
-/// What the sound server says of everybody who listens.
-std::string recordings() {
-    return desktop::run({"pactl", "list", "short", "source-outputs"});
-}
-
-/// The synthetic voice as a file, and into the microphone.
-class Speaker {
-  public:
-    Speaker() { desktop::run({"flite", "-voice", "slt", "-t", sentence, "-o", file()}); }
-    std::string file() const { return folder_.path() / "speech.wav"; }
-    void speak(const OwnProgram::Environment& server = {}) const {
-        OwnProgram player({"paplay", "--device=vmic", file()}, server);
-        EXPECT_EQ(player.exitCode(), 0) << player.standardError();
-    }
-
-  private:
-    TemporaryFolder folder_;
-};
 
 /// The key in the session's keyring for as long as a test runs, put there as a user does.
 class WholeDictation : public testing::Test {
@@ -108,7 +87,7 @@ class WholeDictation : public testing::Test {
         EXPECT_EQ(program.standardOutput(), "");
     }
 
-    Speaker speaker_;
+    desktop::Speaker speaker_;
     SpeechService service_{key};
     std::string outputs_;
 };
@@ -121,7 +100,7 @@ TEST_F(WholeDictation, ArrivesInATerminal) {
         [&] { return std::filesystem::exists(file) && desktop::focusedClass() == "XTerm"; }));
 
     const auto program = listening({"--insert", "--yes"});
-    EXPECT_THAT(recordings(), Not(testing::IsEmpty()));
+    EXPECT_THAT(desktop::recordings(), Not(testing::IsEmpty()));
     speakAndEnd(*program);
     EXPECT_EQ(end(*program), 0) << program->standardError();
     expectShownAndMeasured(*program);
@@ -158,10 +137,11 @@ TEST_F(WholeDictation, FailsInWordsWhenTheServiceCannotBeTrusted) {
 
 TEST_F(WholeDictation, IsCancelledByAnInterrupt) {
     const auto program = listening({});
-    ASSERT_THAT(recordings(), Not(testing::IsEmpty()));
+    ASSERT_THAT(desktop::recordings(), Not(testing::IsEmpty()));
     program->signal(SIGINT);
     ASSERT_TRUE(program->says("\nCancelled\n")) << program->standardError();
-    EXPECT_TRUE(waitUntil([] { return recordings().empty(); })) << "the microphone is still open";
+    EXPECT_TRUE(waitUntil([] { return desktop::recordings().empty(); }))
+        << "the microphone is still open";
     EXPECT_EQ(end(*program), 130);
     EXPECT_EQ(program->standardOutput(), "");
 }

@@ -1,0 +1,203 @@
+// The program itself, started as a user starts it, in a session with everything real around it: the
+// shortcut, the commands to it over the bus, its end, and what the doctor says of it all.
+#include "tests/desktop/Desktop.h"
+#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/SpeechService.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <boost/json/parse.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+namespace orlune {
+namespace {
+
+using desktop::Keyboard;
+using desktop::OwnProgram;
+using desktop::waitUntil;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr Keyboard::Keycode rightControl = 105; // stands in for Fn
+
+struct Outcome {
+    std::optional<int> exitCode;
+    std::string output;
+    std::string error;
+};
+
+Outcome outcome(std::vector<std::string> arguments, const OwnProgram::Environment& changes = {},
+                std::string_view input = {}) {
+    arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
+    OwnProgram program(arguments, changes);
+    program.type(input);
+    program.closeInput();
+    const auto code = program.exitCode();
+    return {code, program.standardOutput(), program.standardError()};
+}
+
+bool succeeds(const std::string& command) {
+    return outcome({command}).exitCode == 0;
+}
+
+std::string status(const std::string& option = "--json") {
+    return outcome({"status", option}).output;
+}
+
+std::string phase() {
+    const auto text = status();
+    return text.empty() ? "" : std::string(boost::json::parse(text).at("phase").as_string());
+}
+
+/// Whether the phase is this one within the deadline.
+bool reaches(const std::string& wanted) {
+    return waitUntil([&] { return phase() == wanted; });
+}
+
+/// As a click on an entry of the launcher's menu does.
+bool isDoneAsAnAction(const char* name) {
+    auto call = QDBusMessage::createMethodCall(
+        QStringLiteral("app.orlune.Orlune"), QStringLiteral("/app/orlune/Orlune"),
+        QStringLiteral("org.freedesktop.Application"), QStringLiteral("ActivateAction"));
+    call << QString::fromLatin1(name) << QVariantList{} << QVariantMap{};
+    return QDBusConnection::sessionBus().call(call).type() == QDBusMessage::ReplyMessage;
+}
+
+/// A key in the keyring and the speech service that takes it, for as long as a test runs.
+class RunningProgram : public testing::Test {
+  protected:
+    RunningProgram() { EXPECT_EQ(outcome({"key", "set"}, {}, key + "\n").exitCode, 0); }
+    ~RunningProgram() override { EXPECT_EQ(outcome({"key", "remove"}).exitCode, 0); }
+
+    std::unique_ptr<OwnProgram> started() {
+        auto program = std::make_unique<OwnProgram>(std::vector<std::string>{ORLUNE_PROGRAM},
+                                                    service.clientEnvironment());
+        EXPECT_TRUE(reaches("idle")) << program->standardError();
+        return program;
+    }
+
+    const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
+    desktop::SpeechService service{key};
+    Keyboard keyboard;
+};
+
+TEST_F(RunningProgram, IsOneWhicheverWayItIsLaunchedAndEndsWhenAsked) {
+    const Outcome notRunning = outcome({"status"});
+    EXPECT_EQ(notRunning.exitCode, 1);
+    EXPECT_THAT(notRunning.error, StartsWith("orlune: Orlune isn't running"));
+    EXPECT_FALSE(succeeds("show"));
+    EXPECT_FALSE(succeeds("status")) << "a command has started the program";
+
+    const auto program = started();
+    EXPECT_EQ(outcome({}).exitCode, 0);
+    EXPECT_EQ(outcome({"--background"}).exitCode, 0);
+    EXPECT_TRUE(isDoneAsAnAction("show"));
+    EXPECT_FALSE(isDoneAsAnAction("dance"));
+    EXPECT_EQ(phase(), "idle");
+    EXPECT_TRUE(succeeds("quit"));
+    EXPECT_FALSE(succeeds("status")) << "the next launch would find the one that ends";
+    EXPECT_EQ(program->exitCode(), 0);
+    EXPECT_EQ(program->standardError(), "");
+}
+
+TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
+    const test::TemporaryFolder folder;
+    const std::string file = folder.path() / "typed";
+    const desktop::Program terminal(
+        {"xterm", "-e", "sh", "-c", "stty -icanon -echo; exec cat > " + file});
+    ASSERT_TRUE(waitUntil(
+        [&] { return std::filesystem::exists(file) && desktop::focusedClass() == "XTerm"; }));
+    const auto program = started();
+    EXPECT_TRUE(succeeds("toggle"));
+    ASSERT_TRUE(reaches("listening")) << status();
+    desktop::Speaker().speak();
+    EXPECT_TRUE(succeeds("toggle"));
+    ASSERT_TRUE(reaches("reviewing")) << status();
+    EXPECT_THAT(status() + outcome({"status"}).output, Not(HasSubstr("weather")));
+    EXPECT_TRUE(succeeds("toggle"));
+    EXPECT_TRUE(
+        waitUntil([&] { return test::textOf(file).find("for a walk") != std::string::npos; }));
+    EXPECT_THAT(test::textOf(file), StartsWith("Goal\nThe weather is nice today"));
+    EXPECT_TRUE(reaches("idle"));
+    EXPECT_TRUE(keyboard.down().empty());
+}
+
+TEST_F(RunningProgram, HearsTheShortcutUntilTheScreenIsLocked) {
+    const auto program = started();
+    keyboard.press(rightControl);
+    keyboard.release(rightControl);
+    ASSERT_TRUE(reaches("listening")) << status();
+    auto locked = QDBusMessage::createSignal(QStringLiteral("/ScreenSaver"),
+                                             QStringLiteral("org.freedesktop.ScreenSaver"),
+                                             QStringLiteral("ActiveChanged"));
+    QDBusConnection::sessionBus().send(locked << true);
+    ASSERT_TRUE(reaches("idle")) << status();
+    EXPECT_TRUE(waitUntil([] { return desktop::recordings().empty(); }));
+}
+
+TEST_F(RunningProgram, LeavesNoMicrophoneOpenAndNoKeyDownWhenItIsTerminated) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const auto program = started();
+        EXPECT_TRUE(succeeds("start"));
+        ASSERT_TRUE(reaches("listening")) << status();
+        ASSERT_THAT(desktop::recordings(), Not(IsEmpty()));
+        program->signal(signal);
+        EXPECT_EQ(program->exitCode(), 0) << program->standardError();
+        EXPECT_EQ(desktop::recordings(), "");
+        EXPECT_TRUE(keyboard.down().empty());
+        EXPECT_EQ(program->standardError(), "");
+    }
+}
+
+TEST_F(RunningProgram, SaysWhyItCannotStart) {
+    const auto seen = outcome({}, {{"DISPLAY", ":4000"}, {"QT_QPA_PLATFORM", ""}});
+    EXPECT_EQ(seen.exitCode, 1);
+    EXPECT_THAT(seen.error,
+                StartsWith("orlune: Orlune needs a display, and :4000 can't be opened"));
+}
+
+/// The names of the checks that are not "ok".
+std::vector<std::string> troubles(const Outcome& report) {
+    std::vector<std::string> names;
+    const auto document = boost::json::parse(report.output);
+    for (const auto& check : document.at("checks").as_array()) {
+        if (check.at("state") != "ok") {
+            names.emplace_back(check.at("name").as_string());
+        }
+    }
+    return names;
+}
+
+TEST_F(RunningProgram, IsFoundWellByTheDoctorWhoNamesWhatIsMissing) {
+    const auto program = started();
+    const OwnProgram noise({"pacat", "--device=vmic", "/dev/urandom"});
+    ASSERT_TRUE(
+        waitUntil([] { return !desktop::run({"pactl", "list", "short", "sink-inputs"}).empty(); }));
+    const auto well = outcome({"doctor", "--json"}, service.clientEnvironment());
+    EXPECT_EQ(well.exitCode, 0);
+    EXPECT_THAT(troubles(well), testing::ElementsAre("tray")) << well.output;
+    EXPECT_THAT(well.output, Not(HasSubstr(key)));
+
+    auto bare = service.clientEnvironment();
+    bare["DISPLAY"] = "";
+    bare["PULSE_SERVER"] = "unix:/nowhere";
+    bare["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nowhere";
+    bare["SSL_CERT_FILE"] = service.strangersAuthority();
+    const auto ill = outcome({"doctor", "--json"}, bare);
+    EXPECT_EQ(ill.exitCode, 1);
+    EXPECT_THAT(troubles(ill), testing::ElementsAre("session", "seeing the shortcut", "pasting",
+                                                    "clipboard", "tray", "sound server", "keyring",
+                                                    "speech service", "running program"))
+        << ill.output;
+    EXPECT_THAT(ill.output, HasSubstr("certificate verify failed"));
+}
+
+} // namespace
+} // namespace orlune
