@@ -6,7 +6,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QMap>
 
 #include <utility>
@@ -23,6 +22,9 @@ const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Setting
 
 PortalSettings::PortalSettings(QStringList groups, OnValue onValue)
     : groups_(std::move(groups)), onValue_(std::move(onValue)) {
+    // QtDBus looks the slot's types up by name, and makes this one known a moment too late at
+    // times.
+    qRegisterMetaType<QDBusVariant>();
     auto bus = QDBusConnection::sessionBus();
     // From whichever sender: to name one, Qt would wait for the bus.
     bus.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,

@@ -3,14 +3,13 @@
 // change. Never waits. Without a bus or a portal nothing is told; one that comes later is heard.
 #pragma once
 
+#include <QDBusVariant>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <functional>
-
-class QDBusVariant;
 
 namespace orlune {
 

@@ -56,6 +56,8 @@ class PulseCaptureAuthorization::Watch {
     void run();
     /// Looks at what has changed and does what follows from it. False when it is time to end.
     bool attend();
+    /// Sleeps until something happens, and lets the loop take it in. False when it is broken.
+    bool turn();
     void connect();
     void disconnect();
     void ask();
@@ -112,10 +114,22 @@ void PulseCaptureAuthorization::Watch::request(Completion completion) {
 
 void PulseCaptureAuthorization::Watch::run() {
     pthread_setname_np(pthread_self(), "orlune-mic");
-    auto* loop = loop_.get();
-    while (attend() && pa_mainloop_prepare(loop, microsecondsToDeadline()) >= 0
-           && pa_mainloop_poll(loop) >= 0 && pa_mainloop_dispatch(loop) >= 0) {
+    while (attend() && turn()) {
     }
+}
+
+bool PulseCaptureAuthorization::Watch::turn() {
+    if (pa_mainloop_prepare(loop_.get(), microsecondsToDeadline()) < 0) {
+        return false;
+    }
+    {
+        // Preparing forgets the wake-ups until then, and so those since `attend` looked.
+        const std::lock_guard lock(mutex_);
+        if (isAsked_ || isEnding_) {
+            wake();
+        }
+    }
+    return pa_mainloop_poll(loop_.get()) >= 0 && pa_mainloop_dispatch(loop_.get()) >= 0;
 }
 
 bool PulseCaptureAuthorization::Watch::attend() {

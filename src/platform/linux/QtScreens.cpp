@@ -31,8 +31,10 @@ Rect rectOf(const QRect& rect) {
 /// within the screen by it.
 Screen screenOf(const QScreen& screen, const WorkArea& workArea) {
     const Rect frame = rectOf(screen.geometry());
-    // For a single screen it leaves out what the window manager says is taken, for several nothing.
-    const Rect available = rectOf(screen.availableGeometry());
+    // Without what the window manager says is taken. It says it of the whole desktop, which only
+    // with a single screen means something.
+    const bool isSingle = screen.virtualSiblings().size() == 1;
+    const Rect available = isSingle ? rectOf(screen.availableGeometry()) : frame;
     const double scale = screen.devicePixelRatio();
     const auto nativeX = [&](double x) { return frame.x + (x - frame.x) * scale; };
     const auto nativeY = [&](double y) { return frame.y + (y - frame.y) * scale; };
