@@ -1,3 +1,4 @@
+// Leaving nothing of a secret behind in memory. Any thread.
 #pragma once
 
 #include <cstring>
@@ -12,5 +13,10 @@ inline void wipe(std::string& text) {
     ::explicit_bzero(text.data(), text.size());
     text.clear();
 }
+
+/// Overwrites what the main heap and the calling thread keep of memory that was given back, where
+/// libraries leave copies that nobody can reach any more. To be called on the main thread, some
+/// milliseconds long. Does nothing where the heap is not glibc's.
+void wipeFreeMemory();
 
 } // namespace orlune

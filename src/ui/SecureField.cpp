@@ -1,0 +1,178 @@
+#include "ui/SecureField.h"
+
+#include "platform/SecureWipe.h"
+#include "ui/Button.h"
+#include "ui/Style.h"
+#include "ui/Surface.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
+#include <QStringEncoder>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
+
+namespace orlune::ui {
+
+namespace {
+
+constexpr int fieldHeight = 26;
+constexpr int padding = 8;
+constexpr double cornerRadius = 6;
+
+/// In place, whoever shares the characters: a copy would leave the original behind.
+void overwrite(const QString& text) {
+    ::explicit_bzero(const_cast<QChar*>(text.constData()),
+                     static_cast<std::size_t>(text.size()) * sizeof(QChar));
+}
+
+} // namespace
+
+class SecureField::Entry final : public QLineEdit {
+  public:
+    Entry(const QString& prompt, const QString& accessibleName) {
+        setEchoMode(Password);
+        setPlaceholderText(prompt);
+        setAccessibleName(accessibleName);
+        setFrame(false);
+        setDragEnabled(false);
+        setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText
+                            | Qt::ImhNoAutoUppercase);
+        QPalette clear;
+        clear.setColor(QPalette::Base, Qt::transparent);
+        setPalette(clear);
+    }
+
+    /// The system's line would tell an input method the whole text.
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override {
+        switch (query) {
+        case Qt::ImSurroundingText:
+        case Qt::ImCurrentSelection:
+        case Qt::ImTextBeforeCursor:
+        case Qt::ImTextAfterCursor:
+            return QString();
+        default:
+            return QLineEdit::inputMethodQuery(query);
+        }
+    }
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const auto isAsked = [event](auto key) { return event->matches(key); };
+        if (std::ranges::none_of(std::array{QKeySequence::Undo, QKeySequence::Redo,
+                                            QKeySequence::Copy, QKeySequence::Cut},
+                                 isAsked)) {
+            QLineEdit::keyPressEvent(event);
+        }
+    }
+
+    void contextMenuEvent(QContextMenuEvent* event) override {
+        auto* const menu = new QMenu(this);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->addAction(QStringLiteral("Paste"), this, &QLineEdit::paste);
+        menu->addAction(QStringLiteral("Clear"), this, &QLineEdit::clear)
+            ->setEnabled(!text().isEmpty());
+        menu->popup(event->globalPos());
+    }
+};
+
+SecureField::SecureField(const QString& prompt, const QString& accessibleName)
+    : prompt_(prompt), accessibleName_(accessibleName) {
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(padding, 0, padding, 0);
+    setFixedHeight(fieldHeight);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setCursor(Qt::IBeamCursor);
+    addEntry();
+}
+
+SecureField::~SecureField() {
+    overwrite(entry_->text());
+    delete entry_;
+    if (isUsed_) {
+        wipeFreeMemory();
+    }
+}
+
+void SecureField::addEntry() {
+    entry_ = new Entry(prompt_, accessibleName_);
+    entry_->installEventFilter(this);
+    connect(entry_, &QLineEdit::textChanged, this, [this] {
+        isUsed_ = true;
+        if (changed_) {
+            changed_();
+        }
+    });
+    connect(entry_, &QLineEdit::returnPressed, this, [this] {
+        if (submitted_) {
+            submitted_();
+        }
+    });
+    layout()->addWidget(entry_);
+    entry_->show(); // at once, to be ready for the focus
+    setFocusProxy(entry_);
+}
+
+bool SecureField::isBlank() const {
+    const QString text = entry_->text();
+    return std::ranges::all_of(text, [](QChar character) { return character.isSpace(); });
+}
+
+std::string SecureField::text() const {
+    const QString text = entry_->text();
+    QStringEncoder encoder(QStringEncoder::Utf8);
+    std::string bytes(static_cast<std::size_t>(encoder.requiredSpace(text.size())), '\0');
+    const char* const end = encoder.appendToBuffer(bytes.data(), text);
+    bytes.resize(static_cast<std::size_t>(end - bytes.data()));
+    return bytes;
+}
+
+/// The line inside keeps what was typed in the history of its changes, so it has to go.
+void SecureField::wipe() {
+    if (!isUsed_) {
+        return;
+    }
+    auto* const used = entry_;
+    const bool hadFocus = window()->focusWidget() == used;
+    used->disconnect(this);
+    overwrite(used->text());
+    addEntry();
+    setTabOrder(used, entry_);
+    if (hadFocus) {
+        entry_->setFocus();
+    }
+    used->hide();
+    // It may be in the middle of telling that Return was pressed.
+    connect(used, &QObject::destroyed, &wipeFreeMemory);
+    used->deleteLater();
+    isUsed_ = false;
+    if (changed_) {
+        changed_();
+    }
+}
+
+bool SecureField::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+        update();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void SecureField::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintSurface(painter, rect(),
+                 {.shape = Shape::rounded(cornerRadius),
+                  .fill = withOpacity(Qt::white, 0.06),
+                  .stroke = withOpacity(Qt::white, 0.16),
+                  .lineWidth = 1});
+    if (entry_->hasFocus()) {
+        paintFocusRing(painter, rect(), cornerRadius, palette().color(QPalette::Highlight));
+    }
+}
+
+} // namespace orlune::ui

@@ -1,0 +1,31 @@
+// Whether a view can be seen: it is shown, in a window that is not minimised. Main thread; a member
+// of the view.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QWindow>
+
+#include <functional>
+
+class QWidget;
+
+namespace orlune::ui {
+
+class Visibility final : public QObject {
+  public:
+    /// `changed` is called with the new answer. A view is not seen at first.
+    Visibility(QWidget& view, std::function<void(bool isSeen)> changed);
+
+    bool isSeen() const { return isSeen_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    QWidget& view_;
+    std::function<void(bool)> changed_;
+    QPointer<QWindow> window_;
+    bool isSeen_ = false;
+};
+
+} // namespace orlune::ui
