@@ -1,5 +1,7 @@
 #include "ui/ScrollView.h"
 
+#include "ui/ScrollBar.h"
+
 #include <QScrollArea>
 
 namespace orlune::ui {
@@ -8,6 +10,7 @@ QScrollArea* scrollView(QWidget* content) {
     auto* view = new QScrollArea;
     view->setFrameShape(QFrame::NoFrame);
     view->setFocusPolicy(Qt::NoFocus); // it follows the focus of what is in it
+    view->setVerticalScrollBar(new ScrollBar);
     view->setWidgetResizable(true);
     view->setWidget(content);
     // Qt gives both a background of their own.

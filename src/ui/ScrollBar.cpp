@@ -1,0 +1,53 @@
+#include "ui/ScrollBar.h"
+
+#include "ui/Style.h"
+#include "ui/Surface.h"
+
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOptionSlider>
+
+namespace orlune::ui {
+
+namespace {
+
+constexpr int thickness = 11;
+constexpr int inset = 3;
+
+/// The handle moves along the whole bar, without arrows at its ends.
+class WithoutArrows final : public QProxyStyle {
+  public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override {
+        return metric == PM_ScrollBarExtent ? 0 : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
+} // namespace
+
+ScrollBar::ScrollBar() : QScrollBar(Qt::Vertical) {
+    auto* slimStyle = new WithoutArrows;
+    slimStyle->setParent(this);
+    setStyle(slimStyle);
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+    setAttribute(Qt::WA_Hover);
+    setCursor(Qt::ArrowCursor); // not that of the text beside it
+}
+
+QSize ScrollBar::sizeHint() const {
+    return {thickness, QScrollBar::sizeHint().height()};
+}
+
+void ScrollBar::paintEvent(QPaintEvent* /*event*/) {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const QRect handle =
+        style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+    const double opacity = isSliderDown() ? 0.45 : underMouse() ? 0.36 : 0.26;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintSurface(painter, handle.adjusted(inset, inset, -inset, -inset),
+                 {.shape = Shape::capsule(), .fill = withOpacity(Qt::white, opacity)});
+}
+
+} // namespace orlune::ui
