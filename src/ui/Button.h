@@ -25,7 +25,7 @@ struct ButtonLook {
     QString symbol = {};                      ///< before the title, by name
 };
 
-class Button final : public QPushButton {
+class Button : public QPushButton {
   public:
     Button(const QString& title, const ButtonLook& look);
 

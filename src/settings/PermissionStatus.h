@@ -1,0 +1,53 @@
+// The two permissions that a view shows, as last read: microphone and Accessibility. Read whenever
+// the view appears, on request, and each second while polling is wanted and the view can be seen;
+// otherwise nothing wakes up. Main actor; a member of the view. Nothing here fails.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/Published.h"
+#include "platform/Task.h"
+#include "ui/Visibility.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace orlune {
+
+class PermissionStatus final : public QObject {
+  public:
+    PermissionStatus(QWidget& view, const Platform& platform);
+    ~PermissionStatus() override;
+
+    // Each changes only when what is read differs. Both are false at first.
+    const Published<bool>& microphoneGranted() const;
+    const Published<bool>& accessibilityGranted() const;
+
+    void refresh();
+    void setPolling(bool isWanted);
+
+    /// Asks for the microphone; the answer is shown when it comes.
+    void requestMicrophone();
+    /// Has the user told how to grant Accessibility, and reads it again half a second later.
+    void requestAccessibility();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    struct Readings;
+
+    void updatePolling();
+
+    MainActor& mainActor_;
+    Clock& clock_;
+    CaptureAuthorization& captureAuthorization_;
+    Accessibility& accessibility_;
+    /// Answers that come late find it gone.
+    const std::shared_ptr<Readings> readings_;
+    bool isPollingWanted_ = false;
+    Task polling_;
+    Task rereading_;
+    ui::Visibility visibility_;
+};
+
+} // namespace orlune

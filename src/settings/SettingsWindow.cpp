@@ -1,0 +1,44 @@
+#include "settings/SettingsWindow.h"
+
+#include "settings/SettingsView.h"
+#include "ui/Theme.h"
+#include "visuals/OrlunePalette.h"
+
+#include <QCloseEvent>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace orlune {
+
+SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& platform)
+    : view_(new SettingsView(std::move(state), platform)) {
+    setWindowTitle(QStringLiteral("Orlune Settings"));
+    setAutoFillBackground(true);
+    ui::applyDarkTheme(*this, OrlunePalette::background(), OrlunePalette::accent());
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(view_);
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)}) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &QWidget::close);
+    }
+    // Nothing is marked as focused before the user goes somewhere with the keyboard.
+    setFocus();
+}
+
+void SettingsWindow::present() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void SettingsWindow::closeEvent(QCloseEvent* event) {
+    view_->discardEntry();
+    QWidget::closeEvent(event);
+}
+
+} // namespace orlune

@@ -1,0 +1,29 @@
+// The window of the settings: as large as its page, dark, closed by Escape and Control-W. Closing
+// hides it and forgets a key that was entered and not saved. Main thread.
+#pragma once
+
+#include "core/AppState.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace orlune {
+
+class SettingsView;
+
+class SettingsWindow final : public QWidget {
+  public:
+    SettingsWindow(std::shared_ptr<AppState> state, const Platform& platform);
+
+    /// Shows it, in front of the others and with the keyboard.
+    void present();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    SettingsView* view_;
+};
+
+} // namespace orlune

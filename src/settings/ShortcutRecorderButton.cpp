@@ -1,0 +1,139 @@
+#include "settings/ShortcutRecorderButton.h"
+
+#include <QFontMetricsF>
+#include <QKeyEvent>
+
+#include <algorithm>
+
+namespace orlune {
+
+namespace {
+
+constexpr ui::Font titleFont{
+    .size = 12, .weight = ui::Weight::semibold, .design = ui::Design::monospaced};
+
+} // namespace
+
+ShortcutRecorderButton::ShortcutRecorderButton(KeyEvents& keyEvents, Sound& sound)
+    : ui::Button(
+          {},
+          {.style = ui::ButtonStyle::bordered, .size = ui::ControlSize::large, .font = titleFont}),
+      keyEvents_(keyEvents), sound_(sound) {
+    setToolTip(QStringLiteral("Change dictation shortcut"));
+    setAccessibleDescription(toolTip());
+    // A click leaves the focus alone, unless it is needed for the keys.
+    setFocusPolicy(Qt::TabFocus);
+    connect(this, &QPushButton::clicked, this, &ShortcutRecorderButton::beginRecording);
+    updateTitle();
+}
+
+ShortcutRecorderButton::~ShortcutRecorderButton() {
+    if (recorder_.cancel() && onCaptureStateChange) {
+        onCaptureStateChange(false);
+    }
+}
+
+void ShortcutRecorderButton::setShortcut(const DictationShortcut& shortcut) {
+    shortcut_ = shortcut;
+    updateTitle();
+}
+
+void ShortcutRecorderButton::beginRecording() {
+    if (!isRecording()) {
+        hadFocus_ = hasFocus();
+    }
+    recorder_.begin();
+    updateTitle();
+    if (onCaptureStateChange) {
+        onCaptureStateChange(true);
+    }
+    activateWindow();
+    setFocus();
+    if (!monitor_) {
+        monitor_ = keyEvents_.addLocalMonitor(KeyEventMask::keyDown | KeyEventMask::flagsChanged,
+                                              [this](const auto& event) { return receive(event); });
+    }
+}
+
+KeyEventAnswer ShortcutRecorderButton::receive(const KeyEvent& event) {
+    using Answer = ShortcutRecorder::Answer;
+    switch (recorder_.receive(event)) {
+    case Answer::ignored:
+        return KeyEventAnswer::passOn;
+    case Answer::waiting:
+        break;
+    case Answer::refused:
+        sound_.beep();
+        break;
+    case Answer::cancelled:
+        finish(std::nullopt);
+        break;
+    case Answer::captured:
+        finish(recorder_.shortcut());
+        break;
+    }
+    return KeyEventAnswer::swallow;
+}
+
+void ShortcutRecorderButton::cancel() {
+    if (recorder_.cancel()) {
+        finish(std::nullopt);
+    }
+}
+
+/// The recorder has ended.
+void ShortcutRecorderButton::finish(const std::optional<DictationShortcut>& shortcut) {
+    monitor_.remove();
+    if (onCaptureStateChange) {
+        onCaptureStateChange(false);
+    }
+    if (shortcut) {
+        shortcut_ = *shortcut;
+        if (onCapture) {
+            onCapture(*shortcut);
+        }
+    }
+    updateTitle();
+    // Who came here with the keyboard goes on from here.
+    if (hasFocus() && !hadFocus_) {
+        window()->setFocus();
+    }
+}
+
+void ShortcutRecorderButton::updateTitle() {
+    const QString title = isRecording() ? QStringLiteral("press shortcut")
+                                        : QString::fromStdString(shortcut_.displayName()).toLower();
+    setText(title);
+    setAccessibleName(QStringLiteral("Shortcut, %1").arg(title));
+    // Many modifiers and a long key are written smaller, so that all of them can be read.
+    constexpr double padding = 8;
+    constexpr double smallest = 0.7;
+    QFont font = titleFont.resolved();
+    const double scale =
+        (width() - 2 * padding) / std::max(1.0, QFontMetricsF(font).horizontalAdvance(title));
+    font.setPointSizeF(font.pointSizeF() * std::clamp(scale, smallest, 1.0));
+    setFont(font);
+}
+
+void ShortcutRecorderButton::keyPressEvent(QKeyEvent* event) {
+    if (!isRecording()) {
+        ui::Button::keyPressEvent(event);
+    }
+}
+
+void ShortcutRecorderButton::focusOutEvent(QFocusEvent* event) {
+    ui::Button::focusOutEvent(event);
+    cancel();
+}
+
+void ShortcutRecorderButton::hideEvent(QHideEvent* event) {
+    ui::Button::hideEvent(event);
+    cancel();
+}
+
+void ShortcutRecorderButton::resizeEvent(QResizeEvent* event) {
+    ui::Button::resizeEvent(event);
+    updateTitle();
+}
+
+} // namespace orlune

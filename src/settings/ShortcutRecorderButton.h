@@ -1,0 +1,51 @@
+// Shows the dictation shortcut and records a new one: a click arms it, the next key with a modifier
+// or Fn by itself becomes the shortcut, Escape and the loss of the focus leave everything as it
+// was. Main thread. While it is armed a local monitor gives it the keys of our windows, and keeps
+// them from everybody else.
+#pragma once
+
+#include "platform/KeyEvents.h"
+#include "platform/Sound.h"
+#include "settings/ShortcutRecorder.h"
+#include "ui/Button.h"
+
+#include <functional>
+#include <optional>
+
+namespace orlune {
+
+class ShortcutRecorderButton final : public ui::Button {
+  public:
+    ShortcutRecorderButton(KeyEvents& keyEvents, Sound& sound);
+    ~ShortcutRecorderButton() override;
+
+    /// Told true when a recording starts, and false once when it ends, however it ends.
+    std::function<void(bool)> onCaptureStateChange;
+    std::function<void(const DictationShortcut&)> onCapture;
+
+    bool isRecording() const { return recorder_.isRecording(); }
+    /// What it shows while it does not record.
+    void setShortcut(const DictationShortcut& shortcut);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void beginRecording();
+    KeyEventAnswer receive(const KeyEvent& event);
+    void cancel();
+    void finish(const std::optional<DictationShortcut>& shortcut);
+    void updateTitle();
+
+    KeyEvents& keyEvents_;
+    Sound& sound_;
+    ShortcutRecorder recorder_;
+    DictationShortcut shortcut_;
+    bool hadFocus_ = false; ///< before the recording
+    KeyEventMonitor monitor_;
+};
+
+} // namespace orlune

@@ -1,0 +1,166 @@
+// The page as its user meets it: choosing, switching, recording a shortcut, allowing, and going
+// through it with the keyboard.
+
+#include "settings/SettingsView.h"
+#include "tests/settings/SettingsPage.h"
+
+#include <QAccessible>
+#include <QApplication>
+
+namespace orlune {
+namespace {
+
+using namespace std::chrono_literals;
+using Flags = ModifierFlags;
+
+class SettingsWindowTest : public SettingsPage {
+  protected:
+    auto stored(std::string_view key) { return dictation.platform.userDefaults.object(key); }
+    QAbstractButton* recorder() { return button("Shortcut,"); }
+    void press(std::uint16_t keyCode, Flags flags) {
+        dictation.platform.keyEventMonitors.sendToOwnWindow(
+            {KeyEvent::Type::keyDown, keyCode, flags});
+        settle();
+    }
+};
+
+TEST_F(SettingsWindowTest, aCardChoosesTheMode) {
+    EXPECT_EQ(window.size(), QSize(550, 640));
+    EXPECT_TRUE(button("Tap to toggle")->isChecked());
+    EXPECT_TRUE(shows("Press fn to speak"));
+    click("Hold to speak");
+    EXPECT_EQ(dictation.state().activationMode(), ActivationMode::holdToSpeak);
+    EXPECT_EQ(stored("activationMode"), UserDefaults::Value("holdToSpeak"));
+    EXPECT_TRUE(shows("Hold fn to speak"));
+    QTest::keyClick(button("Hold to speak"), Qt::Key_Left);
+    settle();
+    EXPECT_EQ(dictation.state().activationMode(), ActivationMode::tapToToggle);
+
+    auto* const card = QAccessible::queryAccessibleInterface(button("Tap to toggle"));
+    EXPECT_EQ(card->role(), QAccessible::RadioButton);
+    EXPECT_EQ(card->text(QAccessible::Name), "Tap to toggle. Press once to start, once to finish");
+    EXPECT_TRUE(card->state().checked);
+}
+
+TEST_F(SettingsWindowTest, switchesAreThoseOfTheState) {
+    click("Enable Orlune");
+    EXPECT_FALSE(dictation.state().isEnabled());
+    click("Intent Check");
+    EXPECT_EQ(stored("intentCheckEnabled"), UserDefaults::Value(false));
+    dictation.state().setEnabled(true);
+    settle();
+    EXPECT_TRUE(button("Enable Orlune")->isChecked()) << "switched on in another place";
+}
+
+TEST_F(SettingsWindowTest, recordsAShortcut) {
+    click("Shortcut,");
+    EXPECT_EQ(recorder()->text(), "press shortcut");
+    EXPECT_TRUE(dictation.state().isCapturingShortcut());
+    press(/*keyCode=*/0, Flags::none);
+    EXPECT_EQ(dictation.platform.sound.beeps, 1);
+    press(/*keyCode=*/0, Flags::shift | Flags::command);
+    EXPECT_EQ(dictation.state().shortcut().get().displayName(), "⇧⌘A");
+    EXPECT_EQ(recorder()->text(), "⇧⌘a");
+    EXPECT_FALSE(dictation.state().isCapturingShortcut());
+    EXPECT_FALSE(recorder()->hasFocus());
+    press(/*keyCode=*/1, Flags::command);
+    EXPECT_EQ(recorder()->text(), "⇧⌘a") << "no longer recording";
+}
+
+TEST_F(SettingsWindowTest, aRecordingEndsOnceHoweverItIsLeft) {
+    std::vector<bool> told;
+    const Subscription subscription = dictation.state().isCapturingShortcut().subscribe(
+        [&](bool isCapturing) { told.push_back(isCapturing); });
+    const auto expectEnd = [&] {
+        settle();
+        EXPECT_EQ(std::exchange(told, {}), (std::vector{true, false}));
+        EXPECT_EQ(dictation.state().shortcut().get().displayName(), "fn");
+    };
+    click("Shortcut,");
+    press(/*keyCode=*/53, Flags::none);
+    expectEnd();
+    EXPECT_EQ(recorder()->text(), "fn");
+    EXPECT_TRUE(window.isVisible()) << "Escape was meant for the recorder";
+
+    click("Shortcut,");
+    QTest::mouseClick(entry(), Qt::LeftButton);
+    expectEnd();
+    EXPECT_TRUE(entry()->hasFocus());
+
+    click("Shortcut,");
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    expectEnd();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+
+    click("Shortcut,");
+    window.close();
+    expectEnd();
+}
+
+TEST_F(SettingsWindowTest, permissionsFollowThePollWhileTheyAreSeen) {
+    auto& platform = dictation.platform;
+    EXPECT_FALSE(button("Allow"));
+    platform.captureAuthorization.status = CaptureAuthorization::Status::denied;
+    platform.accessibility.reason = "no extension";
+    platform.advance(1s);
+    settle();
+    EXPECT_TRUE(button("Allow Microphone"));
+    platform.accessibility.reason.clear();
+    platform.captureAuthorization.status = CaptureAuthorization::Status::authorized;
+    platform.advance(1s);
+    settle();
+    EXPECT_FALSE(button("Allow"));
+
+    window.hide();
+    settle();
+    EXPECT_EQ(platform.clock.nextWake(), std::nullopt);
+    platform.accessibility.reason = "taken away";
+    open();
+    EXPECT_TRUE(button("Allow Accessibility")) << "read again at once";
+}
+
+TEST_F(SettingsWindowTest, asksForPermissions) {
+    auto& platform = dictation.platform;
+    platform.captureAuthorization.status = CaptureAuthorization::Status::notDetermined;
+    platform.accessibility.reason = "no extension";
+    platform.advance(1s);
+    settle();
+    click("Allow Microphone");
+    ASSERT_EQ(platform.captureAuthorization.requests.size(), 1U);
+    platform.captureAuthorization.requests[0](true);
+    settle();
+    EXPECT_FALSE(button("Allow Microphone"));
+    click("Allow Accessibility");
+    EXPECT_EQ(platform.accessibility.log()->back(), "prompt");
+    platform.accessibility.reason.clear();
+    platform.advance(500ms);
+    settle();
+    EXPECT_FALSE(button("Allow Accessibility"));
+}
+
+TEST_F(SettingsWindowTest, theKeyboardReachesEverythingInOrderAndInSight) {
+    dictation.platform.accessibility.reason = "no extension";
+    dictation.storeKey("secret");
+    dictation.state().setHasDeepgramAPIKey(true);
+    dictation.platform.advance(1s);
+    settle();
+    QTest::keyClicks(entry(), "new");
+    window.setFocus();
+    QStringList names;
+    for (int count = 0; count < 8; ++count) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        auto* const focused = QApplication::focusWidget();
+        names << QAccessible::queryAccessibleInterface(focused)->text(QAccessible::Name);
+        EXPECT_FALSE(focused->visibleRegion().isEmpty()) << qPrintable(names.last());
+    }
+    EXPECT_EQ(names.join(" | "),
+              "Tap to toggle. Press once to start, once to finish | Shortcut, fn | Enable Orlune | "
+              "Intent Check | Deepgram API Key | Remove | Replace | Allow Accessibility");
+}
+
+} // namespace
+} // namespace orlune
