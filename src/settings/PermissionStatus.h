@@ -1,6 +1,7 @@
 // The two permissions that a view shows, as last read: microphone and Accessibility. Read whenever
-// the view appears, on request, and each second while polling is wanted and the view can be seen;
-// otherwise nothing wakes up. Main actor; a member of the view. Nothing here fails.
+// the view appears, when the program becomes active, on request, and each second while polling is
+// wanted and the view can be seen; otherwise nothing wakes up. Main actor; a member of the view.
+// Nothing here fails.
 #pragma once
 
 #include "platform/Platform.h"

@@ -16,6 +16,7 @@
 #include "visuals/OrlunePalette.h"
 
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <exception>
@@ -69,7 +70,7 @@ SettingsView::SettingsView(std::shared_ptr<AppState> state, const Platform& plat
     layout->setSpacing(0);
     layout->addWidget(header());
     layout->addWidget(ui::divider(ui::color(ui::Style::quaternary)));
-    layout->addWidget(ui::scrollView(page(platform)));
+    layout->addWidget(page(platform));
     permissions_.setPolling(true);
     observation_.observe(*state_);
     observation_.observe(permissions_.microphoneGranted());
@@ -79,10 +80,16 @@ SettingsView::SettingsView(std::shared_ptr<AppState> state, const Platform& plat
 SettingsView::~SettingsView() = default;
 
 QWidget* SettingsView::page(const Platform& platform) {
-    return ui::padded(
-        ui::column({.spacing = 16}, {activationPanel(platform), orlunePanel(), keyPanel(),
-                                     permissionsPanel(), footer(), ui::spacer()}),
-        20);
+    auto* panels = ui::column({.spacing = 16}, {activationPanel(platform), orlunePanel(),
+                                                keyPanel(), permissionsPanel(), footer()});
+    constexpr int padding = 20;
+    auto* content = ui::padded(panels, padding);
+    auto* view = ui::scrollView(content);
+    // The page is taller than the window. The bar stands in its padding.
+    view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    const int barWidth = view->verticalScrollBar()->sizeHint().width();
+    content->layout()->setContentsMargins(padding, padding, padding - barWidth, padding);
+    return view;
 }
 
 QWidget* SettingsView::activationPanel(const Platform& platform) {

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QStringEncoder>
 #include <QVBoxLayout>
 
@@ -30,11 +31,30 @@ void overwrite(const QString& text) {
                      static_cast<std::size_t>(text.size()) * sizeof(QChar));
 }
 
+/// Small dots, from the first moment on: some styles show the letter that was typed last.
+class Dots final : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returned) const override {
+        switch (hint) {
+        case SH_LineEdit_PasswordCharacter:
+            return u'•';
+        case SH_LineEdit_PasswordMaskDelay:
+            return 0;
+        default:
+            return QProxyStyle::styleHint(hint, option, widget, returned);
+        }
+    }
+};
+
 } // namespace
 
 class SecureField::Entry final : public QLineEdit {
   public:
     Entry(const QString& prompt, const QString& accessibleName) {
+        auto* const dots = new Dots;
+        dots->setParent(this);
+        setStyle(dots);
         setEchoMode(Password);
         setPlaceholderText(prompt);
         setAccessibleName(accessibleName);

@@ -27,5 +27,6 @@ struct Picture {
 std::vector<Picture> symbolPictures();
 std::vector<Picture> visualPictures();
 std::vector<Picture> overlayPictures();
+std::vector<Picture> settingsPictures();
 
 } // namespace orlune::pictures
