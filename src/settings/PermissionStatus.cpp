@@ -1,6 +1,7 @@
 #include "settings/PermissionStatus.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QWidget>
 
 #include <utility>
@@ -46,6 +47,13 @@ PermissionStatus::PermissionStatus(QWidget& view, const Platform& platform)
       readings_(std::make_shared<Readings>(captureAuthorization_, accessibility_)),
       visibility_(view, [this](bool /*isSeen*/) { updatePolling(); }) {
     view.installEventFilter(this);
+    // The user may come back from granting something elsewhere.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) {
+                if (state == Qt::ApplicationActive && visibility_.isSeen()) {
+                    refresh();
+                }
+            });
 }
 
 PermissionStatus::~PermissionStatus() {

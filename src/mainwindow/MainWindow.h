@@ -1,0 +1,26 @@
+// The main window. It is made once and kept: closing it hides it and ends nothing. It remembers
+// neither its size nor its place. Main thread; the facilities outlive it.
+#pragma once
+
+#include "core/AppState.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace orlune {
+
+class MainWindow final : public QWidget {
+  public:
+    struct Callbacks {
+        std::function<void()> openSettings;
+    };
+
+    MainWindow(std::shared_ptr<AppState> state, const Platform& platform, Callbacks callbacks);
+
+    /// Shows it in front of all others, with the keyboard.
+    void present();
+};
+
+} // namespace orlune

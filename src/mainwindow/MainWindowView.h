@@ -1,0 +1,41 @@
+// The content of the main window: the set-up until it is finished once, from then on the home page,
+// before a backdrop that glows while a dictation runs. Main thread.
+#pragma once
+
+#include "core/AppState.h"
+#include "ui/Observation.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace orlune {
+
+namespace ui {
+class CrossFade;
+}
+class AuroraBackdrop;
+
+class MainWindowView final : public QWidget {
+  public:
+    /// `openSettings` is called when the user wants the settings.
+    MainWindowView(std::shared_ptr<AppState> state, const Platform& platform,
+                   std::function<void()> openSettings);
+
+  private:
+    QWidget* makeHome();
+    void completeOnboarding();
+    void refresh();
+
+    const std::shared_ptr<AppState> state_;
+    const Platform platform_;
+    const std::function<void()> openSettings_;
+    AuroraBackdrop* backdrop_;
+    QWidget* pages_;
+    QWidget* page_ = nullptr;
+    ui::CrossFade* content_;
+    ui::Observation observation_;
+};
+
+} // namespace orlune

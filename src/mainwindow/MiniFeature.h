@@ -1,0 +1,13 @@
+// One of the program's merits in a symbol and a few words. One element to assistive technology.
+#pragma once
+
+#include <QWidget>
+
+namespace orlune {
+
+class MiniFeature final : public QWidget {
+  public:
+    MiniFeature(const QString& symbol, const QString& title, const QString& detail);
+};
+
+} // namespace orlune
