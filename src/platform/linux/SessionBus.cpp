@@ -28,7 +28,7 @@ class Error {
     }
 
   private:
-    sd_bus_error error_ = SD_BUS_ERROR_NULL;
+    sd_bus_error error_{};
 };
 
 Message methodCall(sd_bus* bus, const SessionBus::Address& address, const char* interface,
