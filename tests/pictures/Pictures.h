@@ -28,5 +28,6 @@ std::vector<Picture> symbolPictures();
 std::vector<Picture> visualPictures();
 std::vector<Picture> overlayPictures();
 std::vector<Picture> settingsPictures();
+std::vector<Picture> mainWindowPictures();
 
 } // namespace orlune::pictures

@@ -41,8 +41,8 @@ int run(const QString& folderName, const QString& scale, const QString& wanted) 
         return 1;
     }
     const QString ending = scale == "1" ? ".png" : "@" + scale + "x.png";
-    for (const auto& table :
-         {symbolPictures(), visualPictures(), overlayPictures(), settingsPictures()}) {
+    for (const auto& table : {symbolPictures(), visualPictures(), overlayPictures(),
+                              settingsPictures(), mainWindowPictures()}) {
         for (const auto& picture : table) {
             if (picture.name.contains(wanted) && !save(picture, folder, ending)) {
                 return 1;
