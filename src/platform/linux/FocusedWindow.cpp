@@ -1,5 +1,7 @@
 #include "platform/linux/FocusedWindow.h"
 
+#include "platform/linux/WindowProperty.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -17,27 +19,6 @@ struct XFreeDeleter {
 
 template <typename Value>
 using XOwned = std::unique_ptr<Value, XFreeDeleter>;
-
-/// The first 32-bit item of a property; Xlib hands such items out as longs.
-std::optional<unsigned long> propertyItem(Display* display, Window window, const char* name,
-                                          Atom wantedType) {
-    const Atom property = XInternAtom(display, name, /*only_if_exists=*/True);
-    if (property == None) {
-        return std::nullopt;
-    }
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long rest = 0;
-    unsigned char* bytes = nullptr;
-    const int status = XGetWindowProperty(display, window, property, 0, 1, /*delete=*/False,
-                                          wantedType, &type, &format, &count, &rest, &bytes);
-    const XOwned<unsigned char> owned(bytes);
-    if (status != Success || format != 32 || count == 0) {
-        return std::nullopt;
-    }
-    return *reinterpret_cast<unsigned long*>(bytes);
-}
 
 std::optional<WindowClass> classOf(Display* display, Window window) {
     XClassHint hint{};

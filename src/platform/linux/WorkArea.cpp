@@ -117,7 +117,6 @@ WorkArea WorkArea::read(xcb_connection_t* connection) {
     const auto atom = [&](std::string_view name) {
         return atomNamed(connection, name, /*onlyIfExists=*/true);
     };
-    // What belongs together is asked at once, and so takes one trip to the server.
     const auto sizeRequest = xcb_get_geometry(connection, root);
     const auto partial = atom("_NET_WM_STRUT_PARTIAL");
     const auto plain = atom("_NET_WM_STRUT");
@@ -130,6 +129,7 @@ WorkArea WorkArea::read(xcb_connection_t* connection) {
                        .width = size ? static_cast<double>(size->width) : 0,
                        .height = size ? static_cast<double>(size->height) : 0};
 
+    // Of all windows at once, which takes a single trip to the server.
     std::vector<NumbersRequest> strutRequests;
     const auto windows = windowRequest.numbers();
     strutRequests.reserve(2 * windows.size());

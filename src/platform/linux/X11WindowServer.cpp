@@ -1,6 +1,7 @@
 #include "platform/linux/X11WindowServer.h"
 
 #include "platform/linux/QtConnection.h"
+#include "platform/linux/WindowProperty.h"
 #include "platform/linux/XConnection.h"
 
 #include <QSocketNotifier>
@@ -120,17 +121,7 @@ bool X11WindowServer::Watch::hasCompositor() const {
 }
 
 Window X11WindowServer::Watch::activeWindow() const {
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long rest = 0;
-    unsigned char* bytes = nullptr;
-    const int status =
-        XGetWindowProperty(connection_->display(), root_, active_, 0, 1, /*delete=*/False,
-                           XA_WINDOW, &type, &format, &count, &rest, &bytes);
-    const std::unique_ptr<unsigned char, int (*)(void*)> owned(bytes, XFree);
-    const bool isFound = status == Success && format == 32 && count == 1;
-    return isFound ? *reinterpret_cast<Window*>(bytes) : Window{None};
+    return propertyItem(connection_->display(), root_, activeWindowName, XA_WINDOW).value_or(None);
 }
 
 X11WindowServer::X11WindowServer(std::string displayName) : displayName_(std::move(displayName)) {}

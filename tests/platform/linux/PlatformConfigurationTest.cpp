@@ -61,19 +61,22 @@ TEST(PlatformConfiguration, EndpointsAreSchemeHostAndPort) {
 
 TEST(PlatformConfiguration, TheEnvironmentOverridesTheFile) {
     constexpr auto text = R"({"endpoint": "wss://file.example", "fnKey": "F13",
-                              "terminals": ["My Terminal", "xterm"]})";
+                              "terminals": ["My Terminal", "xterm"], "reduceMotion": true})";
     auto configuration = PlatformConfiguration::parse(text, {{"ORLUNE_FN_KEY", ""}});
     EXPECT_EQ(configuration.endpoint, "wss://file.example");
     EXPECT_EQ(configuration.fnKey, "F13");
     EXPECT_THAT(configuration.terminals, ElementsAre("My Terminal", "xterm"));
+    EXPECT_EQ(configuration.reduceMotion, true);
     EXPECT_THAT(configuration.problems, IsEmpty());
 
     configuration = PlatformConfiguration::parse(text, {{"ORLUNE_ENDPOINT", "wss://other.example"},
                                                         {"ORLUNE_FN_KEY", "Menu"},
-                                                        {"ORLUNE_TERMINALS", "one, two words"}});
+                                                        {"ORLUNE_TERMINALS", "one, two words"},
+                                                        {"ORLUNE_REDUCE_MOTION", "0"}});
     EXPECT_EQ(configuration.endpoint, "wss://other.example");
     EXPECT_EQ(configuration.fnKey, "Menu");
     EXPECT_THAT(configuration.terminals, ElementsAre("one", "two words"));
+    EXPECT_EQ(configuration.reduceMotion, false);
 }
 
 TEST(PlatformConfiguration, ABadEntryIsReportedAndSpoilsNoOther) {
