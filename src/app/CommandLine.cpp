@@ -5,12 +5,13 @@
 #include <QStringList>
 
 #include <string_view>
+#include <utility>
 
 namespace orlune {
 
 namespace {
 
-constexpr std::size_t longestCommandName = 8;
+constexpr std::size_t longestCommandName = 9;
 constexpr auto statusDescription = "tell what it is doing";
 
 constexpr std::string_view overviewOfTheProgram =
@@ -23,10 +24,11 @@ Commands for the running program:
 )";
 constexpr std::string_view overviewOfTheTerminal = R"(
 Commands for the terminal:
-  dictate   one dictation in this terminal
-  intent    show goal, requirements and possible gap of a text on standard input
-  key       set, remove or look for the Deepgram API key in the keyring
-  doctor    look whether this desktop offers everything a dictation needs
+  dictate    one dictation in this terminal
+  intent     show goal, requirements and possible gap of a text on standard input
+  key        set, remove or look for the Deepgram API key in the keyring
+  autostart  start Orlune at login, or no longer
+  doctor     look whether this desktop offers everything a dictation needs
 
 "orlune COMMAND --help" tells more. "orlune --version" prints the version.
 )";
@@ -204,6 +206,22 @@ Command parseKey(const std::vector<std::string>& arguments) {
                       "key");
 }
 
+Command parseAutostart(const std::vector<std::string>& arguments) {
+    Parser parser("autostart", "Starts Orlune in the background at login, or no longer.");
+    parser.word("on|off|status", "What to do; status answers with its exit code too.");
+    if (auto answer = parser.parse(arguments)) {
+        return *answer;
+    }
+    using Action = AutostartOptions::Action;
+    for (const auto& [name, action] :
+         {std::pair("on", Action::on), {"off", Action::off}, {"status", Action::status}}) {
+        if (parser.word() == name) {
+            return AutostartOptions{action};
+        }
+    }
+    return usageError(QStringLiteral("the word must be on, off or status"), "autostart");
+}
+
 } // namespace
 
 Command parseCommandLine(const std::vector<std::string>& arguments) {
@@ -233,6 +251,9 @@ Command parseCommandLine(const std::vector<std::string>& arguments) {
     }
     if (command == "key") {
         return parseKey(arguments);
+    }
+    if (command == "autostart") {
+        return parseAutostart(arguments);
     }
     if (command == "--help" || command == "-h" || command == "help") {
         return Answer{overview()};

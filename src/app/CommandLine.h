@@ -71,6 +71,14 @@ struct KeyOptions {
     bool operator==(const KeyOptions&) const = default;
 };
 
+/// `orlune autostart on | off | status`.
+struct AutostartOptions {
+    enum class Action { on, off, status };
+    Action action = Action::status;
+
+    bool operator==(const AutostartOptions&) const = default;
+};
+
 /// Text for standard output, and done.
 struct Answer {
     std::string text;
@@ -85,8 +93,9 @@ struct UsageError {
     bool operator==(const UsageError&) const = default;
 };
 
-using Command = std::variant<LaunchOptions, RemoteOptions, StatusOptions, DoctorOptions,
-                             DictateOptions, IntentOptions, KeyOptions, Answer, UsageError>;
+using Command =
+    std::variant<LaunchOptions, RemoteOptions, StatusOptions, DoctorOptions, DictateOptions,
+                 IntentOptions, KeyOptions, AutostartOptions, Answer, UsageError>;
 
 /// `arguments` without the program's own name, in UTF-8.
 Command parseCommandLine(const std::vector<std::string>& arguments);

@@ -5,8 +5,12 @@
 #include "app/RemoteCommand.h"
 #include "app/Status.h"
 #include "app/TrustDialog.h"
+#include "visuals/OrluneMark.h"
 
 #include <QApplication>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -35,6 +39,21 @@ bool isUnderWay(const AppState& state) {
     using Case = AppState::Phase::Case;
     const auto& phase = state.phase().get();
     return phase.is(Case::listening) || phase.is(Case::processing) || phase.is(Case::reviewing);
+}
+
+/// Painted, so that the windows have it also where the program is not installed.
+QIcon applicationIcon() {
+    QIcon icon;
+    for (const int side : {16, 32, 48, 128}) {
+        QPixmap picture(side, side);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        OrluneMark::paint(painter, picture.rect());
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
 }
 
 void nameApplication() {
@@ -77,7 +96,9 @@ int OrluneApp::run() {
     desktop.watchScreenLock([this] { state_->cancelDictation(); });
     const int exitCode = QCoreApplication::exec();
     remote_.release();
+    statusItem_.reset();
     delegate_.reset();
+    windows_.reset();
     state_->cancelDictation();
     state_.reset();
     return exitCode;
@@ -85,7 +106,15 @@ int OrluneApp::run() {
 
 void OrluneApp::launch(const Platform& platform) {
     state_ = AppState::shared();
-    delegate_.emplace(state_, platform, AppDelegate::Windows{});
+    const auto openMain = [this] { windows_->presentMain(); };
+    const auto openSettings = [this] { windows_->presentSettings(); };
+    const auto quit = [this] { terminate(); };
+    windows_.emplace(state_, platform, quit);
+    delegate_.emplace(state_, platform,
+                      AppDelegate::Windows{.openMain = openMain, .openSettings = openSettings});
+    statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,
+                                                        .openSettings = openSettings,
+                                                        .quit = quit});
     QTimer::singleShot(0, qApp, [this] {
         delegate_->applicationDidFinishLaunching(/*opensWindow=*/!options_.isInBackground);
     });
@@ -145,6 +174,7 @@ int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** argume
         }
         QApplication application(argumentCount, arguments);
         nameApplication();
+        QApplication::setWindowIcon(applicationIcon());
         QApplication::setQuitOnLastWindowClosed(false);
         // It is started at login, or not, as the user set it, not because it ran at logout.
         QObject::connect(&application, &QGuiApplication::saveStateRequest,

@@ -4,8 +4,10 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "app/AppWindows.h"
 #include "app/CommandLine.h"
 #include "app/RemoteControl.h"
+#include "app/StatusItem.h"
 #include "app/TerminationSignals.h"
 
 #include <memory>
@@ -37,7 +39,9 @@ class OrluneApp {
     const TerminationSignals& signals_;
     RemoteControl remote_;
     std::shared_ptr<AppState> state_;
+    std::optional<AppWindows> windows_;
     std::optional<AppDelegate> delegate_;
+    std::optional<StatusItem> statusItem_;
     bool isTerminating_ = false;
 };
 

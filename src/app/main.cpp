@@ -1,3 +1,4 @@
+#include "app/AutostartCommand.h"
 #include "app/CommandLine.h"
 #include "app/DictateCommand.h"
 #include "app/DoctorCommand.h"
@@ -39,6 +40,7 @@ class CommandRunner {
         SecretServiceItems keyring;
         return runKeyCommand(options, keyring, STDIN_FILENO);
     }
+    int operator()(const AutostartOptions& options) const { return runAutostartCommand(options); }
     int operator()(const Answer& answer) const {
         std::fputs(answer.text.c_str(), stdout);
         return exitDone;

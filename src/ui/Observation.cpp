@@ -9,8 +9,14 @@
 namespace orlune::ui {
 
 Observation::Observation(QWidget& view, std::function<void()> refresh)
-    : view_(view), refresh_(std::move(refresh)) {
-    view_.installEventFilter(this);
+    : view_(&view), refresh_(std::move(refresh)) {
+    view.installEventFilter(this);
+}
+
+Observation::Observation(std::function<void()> refresh) : refresh_(std::move(refresh)) {}
+
+bool Observation::isSeen() const {
+    return !view_ || view_->isVisible();
 }
 
 void Observation::observe(ObservableObject& object) {
@@ -19,7 +25,7 @@ void Observation::observe(ObservableObject& object) {
 
 void Observation::invalidate() {
     isStale_ = true;
-    if (!isScheduled_ && view_.isVisible()) {
+    if (!isScheduled_ && isSeen()) {
         isScheduled_ = true;
         QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::HighEventPriority);
     }
@@ -34,7 +40,7 @@ bool Observation::eventFilter(QObject* watched, QEvent* event) {
 
 void Observation::customEvent(QEvent* /*event*/) {
     isScheduled_ = false;
-    if (isStale_ && view_.isVisible()) {
+    if (isStale_ && isSeen()) {
         refreshNow();
     }
 }

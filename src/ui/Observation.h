@@ -18,6 +18,8 @@ class Observation final : public QObject {
   public:
     /// `refresh` reads the observed objects and shows what they hold. Not called yet.
     Observation(QWidget& view, std::function<void()> refresh);
+    /// For what is always shown, such as an icon in another program's panel.
+    explicit Observation(std::function<void()> refresh);
 
     void observe(ObservableObject& object);
     template <typename Value>
@@ -34,9 +36,10 @@ class Observation final : public QObject {
     void customEvent(QEvent* event) override;
 
   private:
+    bool isSeen() const;
     void refreshNow();
 
-    QWidget& view_;
+    QWidget* view_ = nullptr;
     std::function<void()> refresh_;
     bool isStale_ = true;
     bool isScheduled_ = false;

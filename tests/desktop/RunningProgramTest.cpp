@@ -77,8 +77,8 @@ class RunningProgram : public testing::Test {
     ~RunningProgram() override { EXPECT_EQ(outcome({"key", "remove"}).exitCode, 0); }
 
     std::unique_ptr<OwnProgram> started() {
-        auto program = std::make_unique<OwnProgram>(std::vector<std::string>{ORLUNE_PROGRAM},
-                                                    service.clientEnvironment());
+        auto program = std::make_unique<OwnProgram>(
+            std::vector<std::string>{ORLUNE_PROGRAM, "--background"}, service.clientEnvironment());
         EXPECT_TRUE(reaches("idle")) << program->standardError();
         return program;
     }

@@ -1,0 +1,47 @@
+#include "app/AppWindows.h"
+
+#include "mainwindow/MainWindow.h"
+#include "settings/SettingsWindow.h"
+
+#include <QShortcut>
+
+#include <utility>
+
+namespace orlune {
+
+AppWindows::AppWindows(std::shared_ptr<AppState> state, const Platform& platform,
+                       std::function<void()> quit)
+    : state_(std::move(state)), platform_(platform), quit_(std::move(quit)) {}
+
+AppWindows::~AppWindows() = default;
+
+void AppWindows::presentMain() {
+    if (!main_) {
+        main_ = std::make_unique<MainWindow>(
+            state_, platform_,
+            MainWindow::Callbacks{.openSettings = [this] { presentSettings(); }});
+        addShortcuts(*main_);
+    }
+    main_->present();
+}
+
+void AppWindows::presentSettings() {
+    if (!settings_) {
+        settings_ = std::make_unique<SettingsWindow>(state_, platform_);
+        addShortcuts(*settings_);
+    }
+    settings_->present();
+}
+
+/// What the menu offers with these keys works in the windows too.
+void AppWindows::addShortcuts(QWidget& window) {
+    const auto add = [&window](const char* keys, std::function<void()> action) {
+        auto* shortcut = new QShortcut(QKeySequence(QString::fromLatin1(keys)), &window);
+        QObject::connect(shortcut, &QShortcut::activated, &window, std::move(action));
+    };
+    add("Ctrl+O", [this] { presentMain(); });
+    add("Ctrl+,", [this] { presentSettings(); });
+    add("Ctrl+Q", quit_);
+}
+
+} // namespace orlune

@@ -1,0 +1,36 @@
+// The program's windows, made when they are first opened and kept from then on: a program that
+// waits in the background holds none. Main thread; the facilities outlive it.
+#pragma once
+
+#include "core/AppState.h"
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace orlune {
+
+class MainWindow;
+class SettingsWindow;
+
+class AppWindows {
+  public:
+    AppWindows(std::shared_ptr<AppState> state, const Platform& platform,
+               std::function<void()> quit);
+    ~AppWindows();
+
+    void presentMain();
+    void presentSettings();
+
+  private:
+    void addShortcuts(QWidget& window);
+
+    const std::shared_ptr<AppState> state_;
+    const Platform& platform_;
+    const std::function<void()> quit_;
+    std::unique_ptr<MainWindow> main_;
+    std::unique_ptr<SettingsWindow> settings_;
+};
+
+} // namespace orlune

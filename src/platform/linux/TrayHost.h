@@ -1,0 +1,42 @@
+// Tells when the desktop is ready for a tray icon. Panels come up late at login, and Qt looks for
+// one once in a process: it must not be asked before. Main thread, with Qt's loop running; without
+// any tray nothing is ever told, and nothing is polled.
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+class QSocketNotifier;
+class QTimer;
+
+namespace orlune {
+
+class XConnection;
+
+class TrayHost final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// `onReady` is called once, in a later turn.
+    explicit TrayHost(std::function<void()> onReady);
+    ~TrayHost() override;
+
+  private Q_SLOTS:
+    void onHostRegistered();
+
+  private:
+    void askWatcher();
+    void followEmbeddingTray();
+    void readEmbeddingTray();
+    void tell();
+
+    std::function<void()> onReady_;
+    std::unique_ptr<XConnection> connection_;
+    unsigned long traySelection_ = 0;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    std::unique_ptr<QTimer> patience_;
+};
+
+} // namespace orlune
