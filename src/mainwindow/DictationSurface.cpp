@@ -5,10 +5,13 @@
 #include "ui/ScrollBar.h"
 #include "ui/Stack.h"
 #include "ui/Style.h"
+#include "ui/Theme.h"
 #include "visuals/DictationMotion.h"
 #include "visuals/OrlunePalette.h"
 
+#include <QContextMenuEvent>
 #include <QGridLayout>
+#include <QMenu>
 #include <QPainter>
 #include <QPlainTextEdit>
 
@@ -42,6 +45,7 @@ class Editor final : public QPlainTextEdit {
         viewport()->setAutoFillBackground(false);
         const QPoint inset = textOrigin - QPoint(editorPadding, editorPadding);
         document()->setDocumentMargin(inset.x());
+        document()->clearUndoRedoStacks(); // the margin is not the user's to undo
         setViewportMargins(0, inset.y() - inset.x(), 0, 0);
         setVerticalScrollBar(new ui::ScrollBar);
         setTabChangesFocus(true);
@@ -51,6 +55,14 @@ class Editor final : public QPlainTextEdit {
     /// The surface decides how high it is.
     QSize sizeHint() const override { return {200, 0}; }
     QSize minimumSizeHint() const override { return {80, 0}; }
+
+  protected:
+    void contextMenuEvent(QContextMenuEvent* event) override {
+        auto* menu = createStandardContextMenu(event->pos());
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        ui::adoptTheme(*menu);
+        menu->popup(event->globalPos());
+    }
 };
 
 ui::SurfaceStyle between(const ui::SurfaceStyle& from, const ui::SurfaceStyle& to,

@@ -4,6 +4,7 @@
 #include "ui/Button.h"
 #include "ui/Style.h"
 #include "ui/Surface.h"
+#include "ui/Theme.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -93,6 +94,7 @@ class SecureField::Entry final : public QLineEdit {
     void contextMenuEvent(QContextMenuEvent* event) override {
         auto* const menu = new QMenu(this);
         menu->setAttribute(Qt::WA_DeleteOnClose);
+        adoptTheme(*menu);
         menu->addAction(QStringLiteral("Paste"), this, &QLineEdit::paste);
         menu->addAction(QStringLiteral("Clear"), this, &QLineEdit::clear)
             ->setEnabled(!text().isEmpty());

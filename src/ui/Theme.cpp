@@ -3,21 +3,20 @@
 #include "ui/Font.h"
 #include "ui/Style.h"
 
+#include <QMenu>
 #include <QPalette>
 #include <QWidget>
 
 namespace orlune::ui {
 
 void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tint) {
-    QPalette palette;
+    QPalette palette(/*button=*/background.lighter(220), background);
     const QColor text = color(Style::primary);
-    palette.setColor(QPalette::Window, background);
     palette.setColor(QPalette::WindowText, text);
     palette.setColor(QPalette::Base, background.lighter(160));
     palette.setColor(QPalette::AlternateBase, background.lighter(200));
     palette.setColor(QPalette::Text, text);
     palette.setColor(QPalette::PlaceholderText, color(Style::tertiary));
-    palette.setColor(QPalette::Button, background.lighter(220));
     palette.setColor(QPalette::ButtonText, text);
     palette.setColor(QPalette::ToolTipBase, background.lighter(220));
     palette.setColor(QPalette::ToolTipText, text);
@@ -29,6 +28,11 @@ void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tin
     }
     window.setPalette(palette);
     window.setFont(Font{.size = textSize::body}.resolved());
+}
+
+void adoptTheme(QMenu& menu) {
+    const auto& palette = menu.parentWidget()->palette();
+    applyDarkTheme(menu, palette.color(QPalette::Button), palette.color(QPalette::Highlight));
 }
 
 } // namespace orlune::ui

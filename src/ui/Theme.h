@@ -2,6 +2,7 @@
 #pragma once
 
 class QColor;
+class QMenu;
 class QWidget;
 
 namespace orlune::ui {
@@ -9,5 +10,8 @@ namespace orlune::ui {
 /// Dark colours for `window` and all in it, text fields, menus and tool tips included; `tint` marks
 /// what is chosen and what has the focus.
 void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tint);
+/// A menu is a window of its own: gives it the theme of the widget that it belongs to, a little
+/// lighter.
+void adoptTheme(QMenu& menu);
 
 } // namespace orlune::ui

@@ -80,6 +80,7 @@ TEST_F(HomeTest, showsTheVoiceInTheTestArea) {
 TEST_F(HomeTest, clearEmptiesTheTestAreaAndGivesItTheKeyboard) {
     open();
     EXPECT_FALSE(button("Clear")->isEnabled());
+    EXPECT_FALSE(editor()->document()->isUndoAvailable());
     QTest::mouseClick(editor()->viewport(), Qt::LeftButton);
     type("hello");
     click("Clear");

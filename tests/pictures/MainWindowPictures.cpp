@@ -1,6 +1,7 @@
 #include "mainwindow/MainWindowView.h"
 #include "tests/pictures/Pictures.h"
 
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 
@@ -91,6 +92,18 @@ void failAtLength(DictationHarness& dictation) {
     dictation.begin();
 }
 
+/// The set-up's second step after a key was entered that the keyring refuses.
+QWidget* refusedKey(Stage& stage) {
+    auto* view = step(1, forgetKey)(stage);
+    stage.dictation.platform.secretItems.addStatus = {
+        SecretStatus::Code::timedOut,
+        "The keyring did not answer in time. It may be waiting for its password: answer the prompt "
+        "and try again."};
+    view->findChild<QLineEdit*>()->setText("0123456789012345678901234567890123456789");
+    press(*view, "Save Key");
+    return view;
+}
+
 void useLongShortcut(DictationHarness& dictation) {
     dictation.state().setShortcut(
         {.keyCode = 122,
@@ -111,6 +124,7 @@ std::vector<Picture> mainWindowPictures() {
         {"onboarding-0-welcome-smallest", step(0, nothing, smallestSize)},
         {"onboarding-1-key-missing", step(1, forgetKey)},
         {"onboarding-1-key-stored", step(1, nothing)},
+        {"onboarding-1-key-refused", refusedKey},
         {"onboarding-1-key-smallest", step(1, forgetKey, smallestSize)},
         {"onboarding-2-permissions-missing", step(2, denyAll)},
         {"onboarding-2-permissions-granted", step(2, nothing)},
