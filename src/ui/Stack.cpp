@@ -78,9 +78,9 @@ class Stack final : public QWidget {
         auto* box = static_cast<QBoxLayout*>(layout());
         if (part.isSpacer()) {
             const int length = part.minimumLength();
-            box->addSpacerItem(
-                isRow_ ? new QSpacerItem(length, 0, QSizePolicy::Expanding)
-                       : new QSpacerItem(0, length, QSizePolicy::Minimum, QSizePolicy::Expanding));
+            box->addSpacerItem(isRow_ ? new QSpacerItem(length, 0, QSizePolicy::MinimumExpanding)
+                                      : new QSpacerItem(0, length, QSizePolicy::Minimum,
+                                                        QSizePolicy::MinimumExpanding));
             shareWidth(*this, isRow_);
         } else {
             box->addWidget(part.widget(), 0, flags(style_.alignment, isRow_, *part.widget()));
