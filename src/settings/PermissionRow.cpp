@@ -35,6 +35,9 @@ void PermissionRow::setGranted(bool isGranted) {
     symbol_->setName(isGranted ? QStringLiteral("checkmark.circle.fill")
                                : QStringLiteral("circle.dashed"));
     symbol_->setColor(isGranted ? OrlunePalette::success() : ui::color(ui::Style::secondary));
+    if (isGranted && allow_->hasFocus()) {
+        texts_->setFocus(); // or it would move to another control, and the page to that
+    }
     allow_->setVisible(!isGranted);
     ui::combineForAccessibility(
         *texts_,

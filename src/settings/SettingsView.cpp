@@ -182,7 +182,7 @@ void SettingsView::saveAPIKey() {
     auto key = deepgramAPIKey_->text();
     try {
         state_->saveDeepgramAPIKey(key);
-        deepgramAPIKey_->wipe();
+        clearEntry();
         keyMessage_ = QStringLiteral("Key saved in Mac Keychain");
     } catch (const std::exception& error) {
         keyMessage_ = QString::fromUtf8(error.what());
@@ -195,12 +195,20 @@ void SettingsView::removeAPIKey() {
     try {
         keychain_.set({}, SecretKey::deepgramAPIKey);
         state_->setHasDeepgramAPIKey(false);
-        deepgramAPIKey_->wipe();
+        clearEntry();
         keyMessage_ = QStringLiteral("Key removed");
     } catch (const std::exception& error) {
         keyMessage_ = QString::fromUtf8(error.what());
     }
     refreshKey();
+}
+
+void SettingsView::clearEntry() {
+    // A button that can no longer be pressed would give the focus to whatever comes next.
+    if (saveKey_->hasFocus() || removeKey_->hasFocus()) {
+        deepgramAPIKey_->setFocus();
+    }
+    deepgramAPIKey_->wipe();
 }
 
 void SettingsView::discardEntry() {

@@ -45,6 +45,7 @@ class SettingsView final : public QWidget {
 
     void saveAPIKey();
     void removeAPIKey();
+    void clearEntry();
     void refresh();
     void refreshKey();
 

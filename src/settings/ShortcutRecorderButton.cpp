@@ -1,9 +1,10 @@
 #include "settings/ShortcutRecorderButton.h"
 
+#include <QEvent>
 #include <QFontMetricsF>
-#include <QKeyEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace orlune {
 
@@ -42,6 +43,7 @@ void ShortcutRecorderButton::beginRecording() {
     if (!isRecording()) {
         hadFocus_ = hasFocus();
     }
+    pressed_.reset();
     recorder_.begin();
     updateTitle();
     if (onCaptureStateChange) {
@@ -51,15 +53,44 @@ void ShortcutRecorderButton::beginRecording() {
     setFocus();
     if (!monitor_) {
         monitor_ = keyEvents_.addLocalMonitor(KeyEventMask::keyDown | KeyEventMask::flagsChanged,
-                                              [this](const auto& event) { return receive(event); });
+                                              [this](const auto& event) {
+                                                  watch(event);
+                                                  return KeyEventAnswer::passOn;
+                                              });
     }
 }
 
-KeyEventAnswer ShortcutRecorderButton::receive(const KeyEvent& event) {
+void ShortcutRecorderButton::watch(const KeyEvent& event) {
+    if (event.type == KeyEvent::Type::keyDown) {
+        pressed_ = event;
+    } else {
+        pressed_.reset();
+        receive(event);
+    }
+}
+
+bool ShortcutRecorderButton::event(QEvent* event) {
+    if (isRecording()) {
+        switch (event->type()) {
+        case QEvent::ShortcutOverride:
+            event->accept(); // no shortcut of the window takes it
+            return true;
+        case QEvent::KeyPress:
+            if (const auto pressed = std::exchange(pressed_, std::nullopt)) {
+                receive(*pressed);
+            }
+            return true;
+        default:
+            break;
+        }
+    }
+    return ui::Button::event(event);
+}
+
+void ShortcutRecorderButton::receive(const KeyEvent& event) {
     using Answer = ShortcutRecorder::Answer;
     switch (recorder_.receive(event)) {
     case Answer::ignored:
-        return KeyEventAnswer::passOn;
     case Answer::waiting:
         break;
     case Answer::refused:
@@ -72,7 +103,6 @@ KeyEventAnswer ShortcutRecorderButton::receive(const KeyEvent& event) {
         finish(recorder_.shortcut());
         break;
     }
-    return KeyEventAnswer::swallow;
 }
 
 void ShortcutRecorderButton::cancel() {
@@ -113,12 +143,6 @@ void ShortcutRecorderButton::updateTitle() {
         (width() - 2 * padding) / std::max(1.0, QFontMetricsF(font).horizontalAdvance(title));
     font.setPointSizeF(font.pointSizeF() * std::clamp(scale, smallest, 1.0));
     setFont(font);
-}
-
-void ShortcutRecorderButton::keyPressEvent(QKeyEvent* event) {
-    if (!isRecording()) {
-        ui::Button::keyPressEvent(event);
-    }
 }
 
 void ShortcutRecorderButton::focusOutEvent(QFocusEvent* event) {

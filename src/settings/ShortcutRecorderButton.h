@@ -1,7 +1,7 @@
 // Shows the dictation shortcut and records a new one: a click arms it, the next key with a modifier
 // or Fn by itself becomes the shortcut, Escape and the loss of the focus leave everything as it
-// was. Main thread. While it is armed a local monitor gives it the keys of our windows, and keeps
-// them from everybody else.
+// was. Main thread. While it is armed a local monitor tells it which keys are pressed; those that
+// the desktop takes for itself, to switch windows perhaps, do not count.
 #pragma once
 
 #include "platform/KeyEvents.h"
@@ -28,14 +28,15 @@ class ShortcutRecorderButton final : public ui::Button {
     void setShortcut(const DictationShortcut& shortcut);
 
   protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     void beginRecording();
-    KeyEventAnswer receive(const KeyEvent& event);
+    void watch(const KeyEvent& event);
+    void receive(const KeyEvent& event);
     void cancel();
     void finish(const std::optional<DictationShortcut>& shortcut);
     void updateTitle();
@@ -44,6 +45,8 @@ class ShortcutRecorderButton final : public ui::Button {
     Sound& sound_;
     ShortcutRecorder recorder_;
     DictationShortcut shortcut_;
+    /// Went down, and may be on its way to this button.
+    std::optional<KeyEvent> pressed_;
     bool hadFocus_ = false; ///< before the recording
     KeyEventMonitor monitor_;
 };

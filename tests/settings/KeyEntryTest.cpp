@@ -53,6 +53,7 @@ TEST_F(KeyEntryTest, savesReplacesAndRemoves) {
     enter("second");
     click("Replace");
     EXPECT_EQ(storedKey(), "second");
+    EXPECT_TRUE(entry()->hasFocus()) << "not what comes after the button";
 
     enter("forgotten");
     click("Remove");

@@ -6,6 +6,8 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace orlune {
 namespace {
@@ -17,9 +19,15 @@ class SettingsWindowTest : public SettingsPage {
   protected:
     auto stored(std::string_view key) { return dictation.platform.userDefaults.object(key); }
     QAbstractButton* recorder() { return button("Shortcut,"); }
-    void press(std::uint16_t keyCode, Flags flags) {
+    /// A key that the desktop keeps for itself.
+    void pressElsewhere(std::uint16_t keyCode, Flags flags) {
         dictation.platform.keyEventMonitors.sendToOwnWindow(
             {KeyEvent::Type::keyDown, keyCode, flags});
+        settle();
+    }
+    void press(std::uint16_t keyCode, Flags flags, Qt::Key key) {
+        pressElsewhere(keyCode, flags);
+        QTest::keyClick(QApplication::focusWidget(), key);
         settle();
     }
 };
@@ -56,14 +64,16 @@ TEST_F(SettingsWindowTest, recordsAShortcut) {
     click("Shortcut,");
     EXPECT_EQ(recorder()->text(), "press shortcut");
     EXPECT_TRUE(dictation.state().isCapturingShortcut());
-    press(/*keyCode=*/0, Flags::none);
+    pressElsewhere(/*keyCode=*/48, Flags::option);
+    EXPECT_TRUE(dictation.state().isCapturingShortcut());
+    press(/*keyCode=*/0, Flags::none, Qt::Key_A);
     EXPECT_EQ(dictation.platform.sound.beeps, 1);
-    press(/*keyCode=*/0, Flags::shift | Flags::command);
+    press(/*keyCode=*/0, Flags::shift | Flags::command, Qt::Key_A);
     EXPECT_EQ(dictation.state().shortcut().get().displayName(), "⇧⌘A");
     EXPECT_EQ(recorder()->text(), "⇧⌘a");
     EXPECT_FALSE(dictation.state().isCapturingShortcut());
     EXPECT_FALSE(recorder()->hasFocus());
-    press(/*keyCode=*/1, Flags::command);
+    press(/*keyCode=*/1, Flags::command, Qt::Key_S);
     EXPECT_EQ(recorder()->text(), "⇧⌘a") << "no longer recording";
 }
 
@@ -77,7 +87,7 @@ TEST_F(SettingsWindowTest, aRecordingEndsOnceHoweverItIsLeft) {
         EXPECT_EQ(dictation.state().shortcut().get().displayName(), "fn");
     };
     click("Shortcut,");
-    press(/*keyCode=*/53, Flags::none);
+    press(/*keyCode=*/53, Flags::none, Qt::Key_Escape);
     expectEnd();
     EXPECT_EQ(recorder()->text(), "fn");
     EXPECT_TRUE(window.isVisible()) << "Escape was meant for the recorder";
@@ -134,12 +144,15 @@ TEST_F(SettingsWindowTest, asksForPermissions) {
     platform.captureAuthorization.requests[0](true);
     settle();
     EXPECT_FALSE(button("Allow Microphone"));
+    auto* const scrolled = window.findChild<QScrollArea*>()->verticalScrollBar();
+    scrolled->setValue(scrolled->maximum());
     click("Allow Accessibility");
     EXPECT_EQ(platform.accessibility.log()->back(), "prompt");
     platform.accessibility.reason.clear();
     platform.advance(500ms);
     settle();
     EXPECT_FALSE(button("Allow Accessibility"));
+    EXPECT_EQ(scrolled->value(), scrolled->maximum()) << "the page stays where it is";
 }
 
 TEST_F(SettingsWindowTest, theKeyboardReachesEverythingInOrderAndInSight) {
