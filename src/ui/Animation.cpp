@@ -1,8 +1,5 @@
 #include "ui/Animation.h"
 
-#include <QEvent>
-#include <QWidget>
-
 #include <cmath>
 #include <utility>
 
@@ -55,33 +52,11 @@ void Animation::updateState(State newState, State oldState) {
 }
 
 FrameTimer::FrameTimer(QWidget& view, std::function<void()> frame)
-    : view_(view), frame_(std::move(frame)) {
-    view_.installEventFilter(this);
-}
+    : frame_(std::move(frame)), visibility_(view, [this](bool /*isSeen*/) { update(); }) {}
 
 void FrameTimer::setWanted(bool isWanted) {
     isWanted_ = isWanted;
     update();
-}
-
-bool FrameTimer::eventFilter(QObject* watched, QEvent* event) {
-    switch (event->type()) {
-    case QEvent::Show:
-        // A minimised window stays visible in Qt's sense, and is no longer exposed.
-        window_ = view_.window()->windowHandle();
-        if (window_) {
-            window_->installEventFilter(this);
-        }
-        update();
-        break;
-    case QEvent::Hide:
-    case QEvent::Expose:
-        update();
-        break;
-    default:
-        break;
-    }
-    return QObject::eventFilter(watched, event);
 }
 
 void FrameTimer::timerEvent(QTimerEvent* /*event*/) {
@@ -90,7 +65,7 @@ void FrameTimer::timerEvent(QTimerEvent* /*event*/) {
 
 void FrameTimer::update() {
     constexpr int frameMilliseconds = 17; // whole milliseconds: one less would exceed 60 a second
-    const bool runs = isWanted_ && view_.isVisible() && window_ && window_->isExposed();
+    const bool runs = isWanted_ && visibility_.isSeen();
     if (runs && !timer_.isActive()) {
         timer_.start(frameMilliseconds, Qt::PreciseTimer, this);
     } else if (!runs) {

@@ -3,12 +3,11 @@
 #pragma once
 
 #include "ui/Curves.h"
+#include "ui/Visibility.h"
 
 #include <QAbstractAnimation>
 #include <QBasicTimer>
 #include <QObject>
-#include <QPointer>
-#include <QWindow>
 
 #include <chrono>
 #include <functional>
@@ -46,8 +45,7 @@ class Animation final : public QAbstractAnimation {
     Completion completion_;
 };
 
-/// Calls `frame` at most 60 times a second, while it is wanted and `view` can be seen: shown, in a
-/// window that is not minimised.
+/// Calls `frame` at most 60 times a second, while it is wanted and `view` can be seen.
 class FrameTimer final : public QObject {
   public:
     FrameTimer(QWidget& view, std::function<void()> frame);
@@ -55,19 +53,16 @@ class FrameTimer final : public QObject {
     void setWanted(bool isWanted);
     bool isRunning() const { return timer_.isActive(); }
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
   protected:
     void timerEvent(QTimerEvent* event) override;
 
   private:
     void update();
 
-    QWidget& view_;
-    QPointer<QWindow> window_;
     std::function<void()> frame_;
     bool isWanted_ = false;
     QBasicTimer timer_;
+    Visibility visibility_;
 };
 
 } // namespace orlune::ui
