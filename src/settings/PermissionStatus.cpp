@@ -78,6 +78,10 @@ bool PermissionStatus::eventFilter(QObject* watched, QEvent* event) {
 
 void PermissionStatus::refresh() {
     readings_->read();
+    if (captureAuthorization_.authorizationStatus()
+        == CaptureAuthorization::Status::notDetermined) {
+        requestMicrophone(); // the first answer is on its way
+    }
 }
 
 void PermissionStatus::setPolling(bool isWanted) {
