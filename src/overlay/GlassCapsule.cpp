@@ -11,10 +11,8 @@ namespace orlune {
 
 namespace {
 
-/// Thin dark glass. Dense enough to be read over white where nothing behind it is blurred.
-QColor glass(bool isTranslucent) {
-    return ui::withOpacity(ui::rgb(0.115, 0.105, 0.13), isTranslucent ? 0.88 : 1);
-}
+/// Dense enough to be read over white where nothing behind it is blurred.
+constexpr double density = 0.88;
 
 } // namespace
 
@@ -24,9 +22,15 @@ GlassCapsule::GlassCapsule(QWidget* content, int margin) : margin_(margin) {
     layout->addWidget(content);
 }
 
+QColor GlassCapsule::opaqueGlass() {
+    return ui::rgb(0.115, 0.105, 0.13);
+}
+
 void GlassCapsule::setTranslucent(bool isTranslucent) {
-    isTranslucent_ = isTranslucent;
-    update();
+    if (isTranslucent_ != isTranslucent) {
+        isTranslucent_ = isTranslucent;
+        update();
+    }
 }
 
 QPainterPath GlassCapsule::outline() const {
@@ -75,7 +79,7 @@ void GlassCapsule::paintEvent(QPaintEvent* /*event*/) {
     }
     ui::paintSurface(painter, capsule.boundingRect(),
                      {.shape = ui::Shape::capsule(),
-                      .fill = glass(isTranslucent_),
+                      .fill = ui::withOpacity(opaqueGlass(), isTranslucent_ ? density : 1),
                       .stroke = ui::withOpacity(Qt::white, 0.13),
                       .lineWidth = 0.5});
 }

@@ -2,6 +2,7 @@
 // Where windows cannot be translucent it is opaque and casts none. Main thread.
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QPainterPath>
 #include <QWidget>
@@ -12,6 +13,9 @@ class GlassCapsule final : public QWidget {
   public:
     /// `content` with `margin` points around the capsule for the shadow.
     GlassCapsule(QWidget* content, int margin);
+
+    /// The glass where nothing shines through.
+    static QColor opaqueGlass();
 
     void setTranslucent(bool isTranslucent);
     /// In this widget's coordinates.

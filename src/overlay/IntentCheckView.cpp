@@ -149,8 +149,9 @@ QWidget* IntentCheckView::requirement(const std::string& text) {
 QWidget* IntentCheckView::gapBox(const std::string& gap) {
     gap_ = new ui::Text(QString::fromStdString(gap),
                         {.font = {.size = 12}, .color = ui::color(ui::Style::secondary)});
-    auto* symbol = new ui::Symbol(QStringLiteral("questionmark.circle"), {.size = ui::textSize::body},
-                                  ui::withOpacity(ui::orange(), 0.85));
+    auto* symbol =
+        new ui::Symbol(QStringLiteral("questionmark.circle"), {.size = ui::textSize::body},
+                       ui::withOpacity(ui::orange(), 0.85));
     auto* texts = ui::column({.spacing = 3, .alignment = ui::Alignment::leading},
                              {sectionLabel(QStringLiteral("POSSIBLE GAP")), gap_});
     auto* row = ui::row({.spacing = 9, .alignment = ui::Alignment::leading}, {symbol, texts});

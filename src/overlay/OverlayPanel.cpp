@@ -1,5 +1,8 @@
 #include "overlay/OverlayPanel.h"
 
+#include "overlay/GlassCapsule.h"
+
+#include <QPalette>
 #include <QRegion>
 #include <QVBoxLayout>
 
@@ -21,6 +24,8 @@ OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& plat
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content_);
     setFixedSize(OverlayView::compactSize);
+    // What an opaque window shows under content that fades, and where it is cut along whole pixels.
+    setPalette(QPalette(GlassCapsule::opaqueGlass()));
     setAttribute(Qt::WA_TranslucentBackground, windowServer_.isCompositing().get());
     subscriptions_.push_back(windowServer_.isCompositing().subscribe([this](bool isCompositing) {
         // Announced before it is stored, and a window cannot change its depth.
@@ -42,6 +47,7 @@ void OverlayPanel::setTranslucent(bool isTranslucent) {
     hide();
     destroy(); // a window keeps the depth it was made with
     setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    setAttribute(Qt::WA_NoSystemBackground, isTranslucent); // Qt sets it, but never takes it back
     if (wasVisible) {
         orderFront();
     }

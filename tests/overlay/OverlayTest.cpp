@@ -1,5 +1,6 @@
 // The floating panel and the texts of its capsule, over a dictation that is played by hand.
 
+#include "overlay/GlassCapsule.h"
 #include "overlay/OverlayView.h"
 #include "overlay/OverlayWindowController.h"
 #include "tests/support/DictationHarness.h"
@@ -124,14 +125,19 @@ TEST_F(OverlayPanelTest, followsTheCompositor) {
     dictation.begin();
     auto& panel = controller.panel();
     auto& server = dictation.platform.windowServer;
+    const auto corner = [&panel] {
+        return panel.window()->grab().toImage().pixelColor(0, 0).rgba();
+    };
     EXPECT_TRUE(panel.mask().isEmpty());
     EXPECT_EQ(server.blurred.size(), 1U);
     server.compositing.set(false);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !panel.mask().isEmpty(); }));
     EXPECT_TRUE(panel.isVisible());
     EXPECT_FALSE(panel.mask().contains(QPoint(0, 0))) << "the corners are cut off";
+    EXPECT_EQ(corner(), GlassCapsule::opaqueGlass().rgba()) << "dark under what fades";
     server.compositing.set(true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return panel.mask().isEmpty(); }));
+    EXPECT_LT(qAlpha(corner()), 64) << "no more than the shadow";
 }
 
 } // namespace
