@@ -5,6 +5,7 @@
 
 #include <QMenu>
 #include <QPalette>
+#include <QToolTip>
 #include <QWidget>
 
 namespace orlune::ui {
@@ -28,6 +29,9 @@ void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tin
     }
     window.setPalette(palette);
     window.setFont(Font{.size = textSize::body}.resolved());
+    // They do not look at the window that they belong to.
+    QToolTip::setPalette(palette);
+    QToolTip::setFont(Font{.size = textSize::callout}.resolved());
 }
 
 void adoptTheme(QMenu& menu) {
