@@ -161,9 +161,10 @@ QWidget* IntentCheckView::gapBox(const std::string& gap) {
 }
 
 QWidget* IntentCheckView::footer(const QString& shortcut) {
+    // Beside a shortcut of many keys it wraps.
     auto* promise = new ui::Text(
         QStringLiteral("Nothing is inserted until you confirm"),
-        {.font = {.size = 10.5}, .color = ui::color(ui::Style::tertiary), .lineLimit = 1});
+        {.font = {.size = 10.5}, .color = ui::color(ui::Style::tertiary), .lineLimit = 2});
     auto* hints =
         ui::row({.spacing = 18}, {new ShortcutHint(shortcut, QStringLiteral("Insert")),
                                   new ShortcutHint(QStringLiteral("esc"), QStringLiteral("Cancel")),

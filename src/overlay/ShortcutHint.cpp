@@ -31,6 +31,7 @@ ShortcutHint::ShortcutHint(const QString& key, const QString& action) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(ui::row({.spacing = 7}, {keyCap(key), explanation}));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred); // a key cut short tells nothing
     ui::combineForAccessibility(*this, key + QStringLiteral(", ") + action);
 }
 

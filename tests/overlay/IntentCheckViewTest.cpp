@@ -24,7 +24,8 @@ IntentCheck madeOf(const std::string& goal, const std::vector<std::string>& requ
 /// A card on the screen.
 class Card {
   public:
-    explicit Card(const IntentCheck& check) : view_(check, QStringLiteral("⇧⌘K")) {
+    explicit Card(const IntentCheck& check, const QString& shortcut = QStringLiteral("⇧⌘K"))
+        : view_(check, shortcut) {
         view_.setFixedSize(panel);
         view_.fit(panel.height());
         view_.show();
@@ -41,10 +42,14 @@ class Card {
 
     /// Whether all of it lies in the panel and is tall enough for a line.
     bool isWhole(const QString& wanted) const {
+        const auto& text = found(wanted);
+        const QRect place(text.mapTo(&view_, QPoint()), text.size());
+        return view_.rect().contains(place) && place.height() >= text.minimumSizeHint().height();
+    }
+
+    const ui::Text& found(const QString& wanted) const {
         const auto all = view_.findChildren<ui::Text*>();
-        const auto* text = *std::ranges::find(all, wanted, &ui::Text::text);
-        const QRect place(text->mapTo(&view_, QPoint()), text->size());
-        return view_.rect().contains(place) && place.height() >= text->minimumSizeHint().height();
+        return **std::ranges::find(all, wanted, &ui::Text::text);
     }
 
     QRectF outline() const { return view_.outline().boundingRect(); }
@@ -62,6 +67,15 @@ TEST(IntentCheckViewTest, showsThreeRequirementsAndCountsTheRest) {
     EXPECT_FALSE(texts.contains(QStringLiteral("D.")));
     EXPECT_TRUE(texts.contains(QStringLiteral("+ 2 more")));
     EXPECT_TRUE(texts.contains(QStringLiteral("⇧⌘K")));
+}
+
+TEST(IntentCheckViewTest, showsAllKeysOfALongShortcut) {
+    const auto shortcut = QStringLiteral("fn⌃⌥⇧⌘Page Down");
+    const Card card(madeOf("Goal."), shortcut);
+    for (const auto& keys : {shortcut, QStringLiteral("esc")}) {
+        const auto& text = card.found(keys);
+        EXPECT_GE(text.width(), text.sizeHint().width()) << keys.toStdString();
+    }
 }
 
 TEST(IntentCheckViewTest, leavesOutWhatThereIsNot) {
