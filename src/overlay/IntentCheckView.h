@@ -7,7 +7,6 @@
 #include <QPainterPath>
 #include <QWidget>
 
-#include <functional>
 #include <vector>
 
 namespace orlune {

@@ -2,12 +2,12 @@
 
 #include "overlay/OverlayPanel.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <ranges>
 #include <utility>
 
 namespace orlune {

@@ -6,11 +6,15 @@
 #include "core/AppState.h"
 #include "ui/Animation.h"
 
-#include <QPointer>
-#include <QWidget>
+#include <QObject>
+#include <QPoint>
+#include <QSize>
 
+#include <chrono>
 #include <memory>
 #include <optional>
+
+class QWidget;
 
 namespace orlune {
 

@@ -24,7 +24,7 @@ constexpr QSize iconSize{PhaseIcon::side, PhaseIcon::side};
 /// The check mark on its badge, which bounces for as long as it is shown.
 class SuccessBadge final : public QWidget {
   public:
-    explicit SuccessBadge(DisplayOptions& displayOptions)
+    explicit SuccessBadge(const DisplayOptions& displayOptions)
         : displayOptions_(displayOptions), frames_(*this, [this] { update(); }) {
         setFixedSize(diameter, diameter);
         ui::hideFromAccessibility(*this);
@@ -65,14 +65,14 @@ class SuccessBadge final : public QWidget {
         return moment < hop ? (highest - 1) * std::sin(std::numbers::pi * moment / hop) : 0;
     }
 
-    DisplayOptions& displayOptions_;
+    const DisplayOptions& displayOptions_;
     QElapsedTimer clock_;
     ui::FrameTimer frames_;
 };
 
 } // namespace
 
-PhaseIcon::PhaseIcon(const WaveformState& waveform, DisplayOptions& displayOptions) {
+PhaseIcon::PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions) {
     setFixedSize(iconSize);
     ui::hideFromAccessibility(*this);
     const auto add = [this](AppState::Phase::Case phase, QWidget* icon) {

@@ -14,7 +14,7 @@ class PhaseIcon final : public QStackedWidget {
     /// Points.
     static constexpr int side = 42;
 
-    PhaseIcon(const WaveformState& waveform, DisplayOptions& displayOptions);
+    PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions);
 
     void setPhase(AppState::Phase::Case phase);
 };
