@@ -13,6 +13,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// A text as the value of a key.
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char letter : text) {
+        result += letter == '\\' ? "\\\\" : std::string(1, letter);
+    }
+    return result;
+}
+
 /// As a desktop file's Exec wants an argument: quoted, with its own signs escaped.
 std::string quoted(const std::string& argument) {
     std::string result = "\"";
@@ -64,7 +73,7 @@ void LoginItem::enable(const fs::path& program) const {
               "Name=Orlune\n"
               "Comment=Dictation, ready at the shortcut from login on\n"
               "Icon="
-           << bundleIdentifier << "\nTryExec=" << program.string()
+           << bundleIdentifier << "\nTryExec=" << escaped(program.string())
            << "\nExec=" << quoted(program.string())
            << " --background\n"
               "StartupNotify=false\n"

@@ -92,9 +92,10 @@ void OverlayView::refresh() {
     const auto shortcut = state_->shortcut().get().displayName();
     const bool isNewPhase = shownPhase_ != phase;
     const auto showPage = [&] { check ? showCard(*check) : showCapsule(); };
-    if (!shownPhase_) {
+    if (!shownPhase_ || (!check && intentCheck_)) {
+        content_->settle(); // the panel is smaller than a card by now, which would fade in pieces
         showPage();
-    } else if (check ? isNewPhase || shownShortcut_ != shortcut : intentCheck_ != nullptr) {
+    } else if (check && (isNewPhase || shownShortcut_ != shortcut)) {
         content_->change(phaseSpring, showPage);
     } else if (!check && isNewPhase) {
         compactContent_->change(phaseSpring, [this] { updateCapsule(); });

@@ -56,6 +56,10 @@ void CrossFade::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void CrossFade::hideEvent(QHideEvent* /*event*/) {
+    settle();
+}
+
+void CrossFade::settle() {
     animation_.stop();
     finish();
 }

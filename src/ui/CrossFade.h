@@ -21,6 +21,8 @@ class CrossFade final : public QWidget {
     /// window on the screen the change is there at once. The new content comes from `travel` points
     /// away, and the old picture leaves as far to the opposite side.
     void change(const Spring& spring, const std::function<void()>& apply, QPoint travel = {});
+    /// Ends a change that is under way.
+    void settle();
     bool isFading() const { return animation_.state() == QAbstractAnimation::Running; }
 
   protected:
