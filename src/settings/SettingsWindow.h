@@ -1,5 +1,6 @@
-// The window of the settings: as large as its page, dark, closed by Escape and Control-W. Closing
-// hides it and forgets a key that was entered and not saved. Main thread.
+// The window of the settings: as large as its page, dark, closed by Control-W, and by Escape where
+// the dictation keys are not watched, which take it otherwise. Closing hides it and forgets a key
+// that was entered and not saved. Main thread.
 #pragma once
 
 #include "core/AppState.h"

@@ -111,6 +111,14 @@ TEST_F(SettingsWindowTest, aRecordingEndsOnceHoweverItIsLeft) {
     expectEnd();
 }
 
+TEST_F(SettingsWindowTest, closesByKeyboard) {
+    QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window.isVisible());
+    open();
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(SettingsWindowTest, permissionsFollowThePollWhileTheyAreSeen) {
     auto& platform = dictation.platform;
     EXPECT_FALSE(button("Allow"));
