@@ -75,6 +75,10 @@ void DeepgramKeyEntry::saveAPIKey() {
     }
 }
 
+void DeepgramKeyEntry::discardEntry() {
+    field_->wipe();
+}
+
 void DeepgramKeyEntry::refresh() {
     const bool hasKey = state_->hasDeepgramAPIKey();
     save_->setText(hasKey ? QStringLiteral("Replace Key") : QStringLiteral("Save Key"));

@@ -26,6 +26,9 @@ class DeepgramKeyEntry final : public QWidget {
     DeepgramKeyEntry(std::shared_ptr<AppState> state, UrlOpener& urlOpener,
                      std::function<void()> saved);
 
+    /// Forgets what was entered and not saved.
+    void discardEntry();
+
   private:
     QWidget* entryRow();
     QWidget* statusRow(UrlOpener& urlOpener);

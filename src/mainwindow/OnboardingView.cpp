@@ -17,6 +17,7 @@
 #include "visuals/OrluneMark.h"
 #include "visuals/OrlunePalette.h"
 
+#include <QHideEvent>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -162,6 +163,14 @@ void OnboardingView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (!isAncestorOf(window()->focusWidget())) {
         focusStep();
+    }
+}
+
+void OnboardingView::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    // A closed window keeps no key that was entered and not saved; a minimised one does.
+    if (!event->spontaneous()) {
+        keyEntry_->discardEntry();
     }
 }
 

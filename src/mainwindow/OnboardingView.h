@@ -35,6 +35,7 @@ class OnboardingView final : public QWidget {
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
   private:
     enum Step { welcome, key, permissions, test };

@@ -3,6 +3,7 @@
 #include "ui/Surface.h"
 #include "ui/Symbol.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -50,6 +51,14 @@ Button::Button(const QString& title, const ButtonLook& look) : look_(look) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     if (look.style == ButtonStyle::plain) {
         setCursor(Qt::PointingHandCursor);
+    }
+}
+
+/// A Return that is held presses once, and not all that gets the focus after it.
+void Button::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isReturn || !event->isAutoRepeat()) {
+        QPushButton::keyPressEvent(event);
     }
 }
 

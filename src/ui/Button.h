@@ -33,6 +33,7 @@ class Button : public QPushButton {
     QSize minimumSizeHint() const override { return sizeHint(); }
 
   protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:

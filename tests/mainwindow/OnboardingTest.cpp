@@ -101,6 +101,32 @@ TEST_F(OnboardingTest, doesNotGoOnWithoutAKey) {
     EXPECT_TRUE(button("Continue")->isEnabled());
 }
 
+TEST_F(OnboardingTest, forgetsAnUnsavedKeyWhenItsWindowIsClosed) {
+    open();
+    click("Continue");
+    type("a key");
+    EXPECT_TRUE(button("Save Key")->isEnabled());
+    window->close();
+    settle();
+    window->present();
+    settle();
+    EXPECT_FALSE(button("Save Key")->isEnabled());
+    type("another");
+    click("Save Key");
+    EXPECT_EQ(platform.secretItems.items.at(0).data, "another");
+}
+
+TEST_F(OnboardingTest, aReturnThatIsHeldGoesOnOnce) {
+    dictation.storeKey("secret");
+    open();
+    press(Qt::Key_Return);
+    EXPECT_TRUE(tells("Step 2 of 4"));
+    QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Return, {}, "\r", /*autorep=*/true);
+    QApplication::sendEvent(QApplication::focusWidget(), &repeated);
+    settle();
+    EXPECT_TRUE(tells("Step 2 of 4"));
+}
+
 TEST_F(OnboardingTest, looksForPermissionsOnTheirPageAlone) {
     dictation.storeKey("secret");
     platform.captureAuthorization.status = CaptureAuthorization::Status::denied;
