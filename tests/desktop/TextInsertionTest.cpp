@@ -263,8 +263,11 @@ TEST_F(TextInsertionDesktopTest, TheTextStaysOnTheClipboardAsPlainText) {
 
 TEST_F(TextInsertionDesktopTest, AClipboardThatWasTakenThisVeryMomentIsNotPastedAsOurs) {
     Entry entry;
-    // Without a turn of our loop the toolkit does not know yet, and asks for it in vain.
-    ASSERT_EQ(std::system("printf theirs | xclip -selection clipboard"), 0);
+    // Without a turn of our loop the toolkit does not know yet, and asks for it in vain. The other
+    // program may be in the background before the clipboard is its own.
+    ASSERT_EQ(std::system("printf theirs | xclip -selection clipboard; until [ \"$(timeout 1 "
+                          "xclip -selection clipboard -o)\" = theirs ]; do :; done"),
+              0);
     EXPECT_THROW(insert("ours"), TextInsertionService::InsertionError);
     EXPECT_THAT(keyboard.down(), IsEmpty());
 
