@@ -86,12 +86,16 @@ void TrayHost::followEmbeddingTray() {
 
 void TrayHost::readEmbeddingTray() {
     Display* display = connection_->display();
-    const bool isThere =
-        connection_->isAlive() && XGetSelectionOwner(display, traySelection_) != None;
-    while (connection_->isAlive() && XPending(display) > 0) {
-        XEvent ignored{};
-        XNextEvent(display, &ignored);
-    }
+    bool isThere = false;
+    // Asked after each reading: an answer may bring events with it, which no longer wake the
+    // notifier.
+    do {
+        while (connection_->isAlive() && XPending(display) > 0) {
+            XEvent ignored{};
+            XNextEvent(display, &ignored);
+        }
+        isThere = connection_->isAlive() && XGetSelectionOwner(display, traySelection_) != None;
+    } while (connection_->isAlive() && XQLength(display) > 0);
     if (!connection_->isAlive()) {
         notifier_->setEnabled(false);
     }
