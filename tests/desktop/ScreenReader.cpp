@@ -1,0 +1,192 @@
+#include "tests/desktop/ScreenReader.h"
+
+#include "tests/desktop/Desktop.h"
+
+#include <algorithm>
+#include <array>
+#include <atspi/atspi.h>
+#include <memory>
+#include <stdexcept>
+#include <tuple>
+
+namespace orlune::desktop {
+
+namespace {
+
+struct Unreference {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+template <typename Object>
+using Reference = std::unique_ptr<Object, Unreference>;
+
+/// Elements come and go while they are read: one that has gone reads as empty.
+template <typename Get>
+auto ask(const Get& get) {
+    GError* error = nullptr;
+    auto answer = get(&error);
+    g_clear_error(&error);
+    return answer;
+}
+
+std::string taken(gchar* text) {
+    std::string copy(text ? text : "");
+    g_free(text);
+    return copy;
+}
+
+std::string textOf(AtspiAccessible* accessible) {
+    const Reference<AtspiText> text(atspi_accessible_get_text_iface(accessible));
+    if (!text) {
+        return {};
+    }
+    return taken(
+        ask([&](GError** error) { return atspi_text_get_text(text.get(), 0, -1, error); }));
+}
+
+/// Reads the element and all in it that shows.
+void read(AtspiAccessible* accessible, const std::string& window,
+          std::vector<ScreenReader::Element>& elements) {
+    const Reference<AtspiStateSet> states(atspi_accessible_get_state_set(accessible));
+    const auto is = [&](AtspiStateType state) {
+        return states && atspi_state_set_contains(states.get(), state);
+    };
+    if (!is(ATSPI_STATE_SHOWING)) {
+        return;
+    }
+    const Reference<AtspiComponent> component(atspi_accessible_get_component_iface(accessible));
+    if (component) {
+        AtspiRect* const area = ask([&](GError** error) {
+            return atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, error);
+        });
+        if (area) {
+            const auto string = [&](auto function) {
+                return taken(ask([&](GError** error) { return function(accessible, error); }));
+            };
+            elements.push_back({.window = window,
+                                .role = string(atspi_accessible_get_role_name),
+                                .name = string(atspi_accessible_get_name),
+                                .description = string(atspi_accessible_get_description),
+                                .text = textOf(accessible),
+                                .x = area->x,
+                                .y = area->y,
+                                .width = area->width,
+                                .height = area->height,
+                                .isEnabled = is(ATSPI_STATE_ENABLED),
+                                .isFocusable = is(ATSPI_STATE_FOCUSABLE),
+                                .isFocused = is(ATSPI_STATE_FOCUSED),
+                                .isChecked = is(ATSPI_STATE_CHECKED),
+                                .isSelected = is(ATSPI_STATE_SELECTED)});
+            g_free(area);
+        }
+    }
+    const int count =
+        ask([&](GError** error) { return atspi_accessible_get_child_count(accessible, error); });
+    for (int index = 0; index < count; ++index) {
+        const Reference<AtspiAccessible> child(ask([&](GError** error) {
+            return atspi_accessible_get_child_at_index(accessible, index, error);
+        }));
+        if (child) {
+            read(child.get(), window, elements);
+        }
+    }
+}
+
+/// Calls with each window of the program.
+template <typename Visit>
+void visitWindows(const Visit& visit) {
+    const Reference<AtspiAccessible> desktop(atspi_get_desktop(0));
+    // What is remembered of elements would be brought up to date in a later turn of the loop.
+    atspi_accessible_set_cache_mask(desktop.get(), ATSPI_CACHE_NONE);
+    const int programs =
+        ask([&](GError** error) { return atspi_accessible_get_child_count(desktop.get(), error); });
+    for (int index = 0; index < programs; ++index) {
+        const Reference<AtspiAccessible> program(ask([&](GError** error) {
+            return atspi_accessible_get_child_at_index(desktop.get(), index, error);
+        }));
+        if (!program || taken(ask([&](GError** error) {
+                            return atspi_accessible_get_name(program.get(), error);
+                        })) != "app.orlune.Orlune") {
+            continue;
+        }
+        const int windows = ask(
+            [&](GError** error) { return atspi_accessible_get_child_count(program.get(), error); });
+        for (int number = 0; number < windows; ++number) {
+            const Reference<AtspiAccessible> window(ask([&](GError** error) {
+                return atspi_accessible_get_child_at_index(program.get(), number, error);
+            }));
+            if (window) {
+                visit(window.get());
+            }
+        }
+    }
+}
+
+auto place(const ScreenReader::Element& element) {
+    return std::tie(element.x, element.y, element.width, element.height);
+}
+
+} // namespace
+
+ScreenReader::ScreenReader() {
+    run({"dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus",
+         "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+         "variant:boolean:true"});
+    if (!atspi_is_initialized() && atspi_init() != 0) {
+        throw std::runtime_error("the accessibility bus cannot be reached");
+    }
+}
+
+std::vector<ScreenReader::Element> ScreenReader::elements() const {
+    std::vector<Element> elements;
+    visitWindows([&](AtspiAccessible* window) {
+        read(window,
+             taken(ask([&](GError** error) { return atspi_accessible_get_name(window, error); })),
+             elements);
+    });
+    return elements;
+}
+
+std::optional<ScreenReader::Element> ScreenReader::find(std::string_view name) const {
+    const auto all = elements();
+    const auto found = std::ranges::find(all, name, &Element::name);
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<ScreenReader::Element> ScreenReader::focused() const {
+    const auto all = elements();
+    // The innermost: windows are told to have the focus too.
+    const auto found = std::ranges::find_if(all.rbegin(), all.rend(), &Element::isFocused);
+    return found == all.rend() ? std::nullopt : std::optional(*found);
+}
+
+ScreenReader::Element ScreenReader::await(std::string_view name) const {
+    std::optional<Element> found;
+    if (!waitUntil([&] { return (found = find(name)).has_value(); })) {
+        throw std::runtime_error("nothing is named " + std::string(name));
+    }
+    return *found;
+}
+
+bool ScreenReader::shows(std::string_view name) const {
+    return waitUntil([&] { return find(name).has_value(); });
+}
+
+bool ScreenReader::hides(std::string_view name) const {
+    return waitUntil([&] { return !find(name); });
+}
+
+void click(const ScreenReader& reader, std::string_view name) {
+    auto target = reader.await(name);
+    const bool rests = waitUntil([&] {
+        const auto before = target;
+        target = reader.await(name);
+        return target.isEnabled && place(before) == place(target);
+    });
+    if (!rests) {
+        throw std::runtime_error("cannot be clicked: " + std::string(name));
+    }
+    run({"xdotool", "mousemove", std::to_string(target.x + target.width / 2),
+         std::to_string(target.y + target.height / 2), "click", "1"});
+}
+
+} // namespace orlune::desktop
