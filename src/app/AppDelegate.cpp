@@ -38,7 +38,9 @@ void AppDelegate::applicationDidFinishLaunching(bool opensWindow) {
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
-    openMainWindow();
+    if (!windows_.activate || !windows_.activate()) {
+        openMainWindow();
+    }
 }
 
 void AppDelegate::openMainWindow() const {

@@ -15,8 +15,10 @@ class OverlayWindowController;
 
 class AppDelegate {
   public:
-    /// How windows are opened and come to the front; an empty one opens nothing.
+    /// How windows are opened and come to the front; an empty one does nothing.
     struct Windows {
+        /// Brings forward what is open; false when nothing is.
+        std::function<bool()> activate;
         std::function<void()> openMain;
         std::function<void()> openSettings;
     };
@@ -27,7 +29,8 @@ class AppDelegate {
 
     /// Called once, with the loop running.
     void applicationDidFinishLaunching(bool opensWindow);
-    /// The program was launched once more while it runs.
+    /// The program was launched once more while it runs: what is open comes forward, else the main
+    /// window opens.
     void applicationShouldHandleReopen();
 
     void openMainWindow() const;

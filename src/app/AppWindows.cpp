@@ -15,6 +15,21 @@ AppWindows::AppWindows(std::shared_ptr<AppState> state, const Platform& platform
 
 AppWindows::~AppWindows() = default;
 
+bool AppWindows::activate() {
+    const auto isOpen = [](const auto& window) {
+        return window && window->isVisible() && !window->isMinimized();
+    };
+    const bool isMainOpen = isOpen(main_);
+    const bool areSettingsOpen = isOpen(settings_);
+    if (isMainOpen) {
+        main_->present();
+    }
+    if (areSettingsOpen) {
+        settings_->present();
+    }
+    return isMainOpen || areSettingsOpen;
+}
+
 void AppWindows::presentMain() {
     if (!main_) {
         main_ = std::make_unique<MainWindow>(

@@ -20,6 +20,9 @@ class AppWindows {
                std::function<void()> quit);
     ~AppWindows();
 
+    /// Brings forward what is open and not minimised, the settings last, which are opened over the
+    /// main window. False when nothing is.
+    bool activate();
     void presentMain();
     void presentSettings();
 

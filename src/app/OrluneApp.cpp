@@ -92,16 +92,22 @@ int OrluneApp::run() {
         signals_.take();
         terminate();
     });
+    const TakeDown takesDown(*this);
     launch(platform);
     desktop.watchScreenLock([this] { state_->cancelDictation(); });
-    const int exitCode = QCoreApplication::exec();
-    remote_.release();
-    statusItem_.reset();
-    delegate_.reset();
-    windows_.reset();
-    state_->cancelDictation();
-    state_.reset();
-    return exitCode;
+    return QCoreApplication::exec();
+}
+
+/// Also when the launch fails half way: all of it stands on the desktop, which is left next.
+OrluneApp::TakeDown::~TakeDown() {
+    app_.remote_.release();
+    app_.statusItem_.reset();
+    app_.delegate_.reset();
+    app_.windows_.reset();
+    if (app_.state_) {
+        app_.state_->cancelDictation();
+        app_.state_.reset();
+    }
 }
 
 void OrluneApp::launch(const Platform& platform) {
@@ -111,7 +117,9 @@ void OrluneApp::launch(const Platform& platform) {
     const auto quit = [this] { terminate(); };
     windows_.emplace(state_, platform, quit);
     delegate_.emplace(state_, platform,
-                      AppDelegate::Windows{.openMain = openMain, .openSettings = openSettings});
+                      AppDelegate::Windows{.activate = [this] { return windows_->activate(); },
+                                           .openMain = openMain,
+                                           .openSettings = openSettings});
     statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,
                                                         .openSettings = openSettings,
                                                         .quit = quit});

@@ -32,6 +32,17 @@ class OrluneApp {
     void terminate();
 
   private:
+    class TakeDown {
+      public:
+        explicit TakeDown(OrluneApp& app) : app_(app) {}
+        ~TakeDown();
+        TakeDown(const TakeDown&) = delete;
+        TakeDown& operator=(const TakeDown&) = delete;
+
+      private:
+        OrluneApp& app_;
+    };
+
     void perform(RemoteRequest request);
     void launch(const Platform& platform);
 

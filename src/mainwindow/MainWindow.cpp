@@ -1,6 +1,7 @@
 #include "mainwindow/MainWindow.h"
 
 #include "mainwindow/MainWindowView.h"
+#include "ui/Present.h"
 
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -16,7 +17,8 @@ constexpr QSize defaultSize(700, 540);
 } // namespace
 
 MainWindow::MainWindow(std::shared_ptr<AppState> state, const Platform& platform,
-                       Callbacks callbacks) {
+                       Callbacks callbacks)
+    : windowServer_(platform.windowServer) {
     setWindowTitle(QStringLiteral("Orlune"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
@@ -29,10 +31,7 @@ MainWindow::MainWindow(std::shared_ptr<AppState> state, const Platform& platform
 }
 
 void MainWindow::present() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    ui::present(*this, windowServer_);
 }
 
 } // namespace orlune

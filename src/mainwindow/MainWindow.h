@@ -21,6 +21,9 @@ class MainWindow final : public QWidget {
 
     /// Shows it in front of all others, with the keyboard.
     void present();
+
+  private:
+    WindowServer& windowServer_;
 };
 
 } // namespace orlune

@@ -1,5 +1,5 @@
-// What the desktop does with windows beyond showing them: transparency, blur behind them, and the
-// stacking order that others change. Main thread.
+// What the desktop does with windows beyond showing them: transparency, blur behind them, the
+// stacking order that others change, and the way to its top. Main thread.
 #pragma once
 
 #include "platform/Published.h"
@@ -26,6 +26,10 @@ class WindowServer {
     /// logical pixels from the window's upper left corner; `scale` is how many of the device's make
     /// one. Does nothing where the desktop does not offer it.
     virtual void setBlurBehind(WindowID window, const std::vector<Rect>& region, double scale) = 0;
+    /// Brings a window that is shown to the front and gives it the keyboard, whatever other
+    /// programs have just done. Only when the user has asked for it: desktops that keep programs
+    /// from pushing themselves forward let this through.
+    virtual void activate(WindowID window) = 0;
 };
 
 } // namespace orlune

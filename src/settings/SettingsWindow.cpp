@@ -1,6 +1,7 @@
 #include "settings/SettingsWindow.h"
 
 #include "settings/SettingsView.h"
+#include "ui/Present.h"
 #include "ui/Theme.h"
 #include "visuals/OrlunePalette.h"
 
@@ -13,7 +14,7 @@
 namespace orlune {
 
 SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& platform)
-    : view_(new SettingsView(std::move(state), platform)) {
+    : windowServer_(platform.windowServer), view_(new SettingsView(std::move(state), platform)) {
     setWindowTitle(QStringLiteral("Orlune Settings"));
     setAutoFillBackground(true);
     ui::applyDarkTheme(*this, OrlunePalette::background(), OrlunePalette::accent());
@@ -32,10 +33,7 @@ SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& 
 }
 
 void SettingsWindow::present() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    ui::present(*this, windowServer_);
 }
 
 void SettingsWindow::closeEvent(QCloseEvent* event) {

@@ -24,6 +24,7 @@ class SettingsWindow final : public QWidget {
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    WindowServer& windowServer_;
     SettingsView* view_;
 };
 

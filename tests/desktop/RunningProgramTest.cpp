@@ -107,6 +107,29 @@ TEST_F(RunningProgram, IsOneWhicheverWayItIsLaunchedAndEndsWhenAsked) {
     EXPECT_EQ(program->standardError(), "");
 }
 
+TEST_F(RunningProgram, ComesForwardWithWhatIsOpenWhenItIsLaunchedAgain) {
+    const auto titles = [] {
+        return desktop::run({"xdotool", "search", "--onlyvisible", "--class", "app.orlune.Orlune",
+                             "getwindowname", "%@"});
+    };
+    const auto isInFront = [] { return desktop::focusedClass() == "app.orlune.Orlune"; };
+    const auto program = started();
+    EXPECT_TRUE(succeeds("settings"));
+    EXPECT_TRUE(waitUntil(isInFront));
+    {
+        const desktop::Program terminal({"xterm"});
+        EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "XTerm"; }));
+        EXPECT_EQ(outcome({}).exitCode, 0);
+        EXPECT_TRUE(waitUntil(isInFront));
+        EXPECT_EQ(titles(), "Orlune Settings\n");
+    }
+    desktop::run({"xdotool", "key", "ctrl+w"});
+    EXPECT_TRUE(waitUntil([&] { return titles().empty(); }));
+    EXPECT_EQ(outcome({}).exitCode, 0);
+    EXPECT_TRUE(waitUntil(isInFront));
+    EXPECT_EQ(titles(), "Orlune\n");
+}
+
 TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
     const test::TemporaryFolder folder;
     const std::string file = folder.path() / "typed";

@@ -124,6 +124,19 @@ TEST(WindowServer, TellsThatAnotherWindowIsActive) {
     EXPECT_TRUE(waitUntil([&] { return count == 3; })) << "back to the first";
 }
 
+TEST(WindowServer, BringsAWindowForwardAlthoughAnotherProgramWasUsedSince) {
+    X11WindowServer server;
+    QRasterWindow window;
+    window.resize(300, 200);
+    window.show();
+    EXPECT_TRUE(waitUntil([&] { return window.isActive(); }));
+    const Program other({"xterm", "-class", "Other"});
+    EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "Other"; }));
+    desktop::run({"xdotool", "type", "ls"});
+    server.activate(window.winId());
+    EXPECT_TRUE(waitUntil([&] { return window.isActive(); }));
+}
+
 TEST(WindowServer, AsksForBlurInPixelsOfTheDevice) {
     X11WindowServer server;
     QRasterWindow window; // known to nobody but us yet

@@ -155,6 +155,29 @@ void X11WindowServer::setBlurBehind(WindowID window, const std::vector<Rect>& re
     xcb_flush(connection);
 }
 
+void X11WindowServer::activate(WindowID window) {
+    // On Qt's connection, after its request to show the window.
+    auto* connection = qtConnection();
+    if (!connection) {
+        return;
+    }
+    // As a pager asks. As an ordinary program's request it would be measured by the user's last key
+    // in that program, and be refused when another program was used since.
+    constexpr std::uint32_t fromUser = 2;
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = static_cast<xcb_window_t>(window);
+    message.type = atomNamed(connection, activeWindowName, /*onlyIfExists=*/false);
+    message.data.data32[0] = fromUser;
+    message.data.data32[1] = XCB_CURRENT_TIME;
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    xcb_send_event(connection, /*propagate=*/0, root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(connection);
+}
+
 X11WindowServer::Watch& X11WindowServer::watch() const {
     if (!watch_) {
         watch_ = std::make_unique<Watch>(displayName_);

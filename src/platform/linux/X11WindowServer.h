@@ -20,6 +20,7 @@ class X11WindowServer final : public WindowServer {
     Signal<void()>& activeWindowDidChange() override;
     /// `window` is one of Qt's, which need not have been shown yet.
     void setBlurBehind(WindowID window, const std::vector<Rect>& region, double scale) override;
+    void activate(WindowID window) override;
 
   private:
     class Watch;

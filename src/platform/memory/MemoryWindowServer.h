@@ -1,5 +1,5 @@
-// A window server without windows: compositing is switched by hand, and blurred windows are
-// remembered.
+// A window server without windows: compositing is switched by hand, and blurred and
+// activated windows are remembered.
 #pragma once
 
 #include "platform/WindowServer.h"
@@ -22,9 +22,12 @@ class MemoryWindowServer final : public WindowServer, public ObservableObject {
         }
     }
 
+    void activate(WindowID window) override { activated.push_back(window); }
+
     Published<bool> compositing{*this, true};
     Signal<void()> activeWindow;
     std::map<WindowID, std::vector<Rect>> blurred;
+    std::vector<WindowID> activated;
 };
 
 } // namespace orlune
