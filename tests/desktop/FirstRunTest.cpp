@@ -1,67 +1,102 @@
 // A stranger's first minutes: from nothing to the home page, over a real keyring, by the keyboard
 // alone and by the pointer alone.
-#include "tests/desktop/Desktop.h"
-#include "tests/desktop/OwnProgram.h"
-#include "tests/desktop/ScreenReader.h"
-#include "tests/desktop/SpeechService.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/desktop/WindowUser.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace orlune {
 namespace {
 
-using desktop::click;
-using desktop::Keyboard;
-using desktop::OwnProgram;
-using desktop::ScreenReader;
+namespace keycode = desktop::keycode;
 using desktop::waitUntil;
+using testing::HasSubstr;
 
-constexpr Keyboard::Keycode returnKey = 36;
-
-std::string storedKey() {
-    return desktop::run({"secret-tool", "lookup", "account", "deepgramAPIKey"});
-}
-
-class FirstRun : public testing::Test {
+class FirstRun : public desktop::DictatingUser {
   protected:
-    ~FirstRun() override {
-        EXPECT_EQ(OwnProgram({ORLUNE_PROGRAM, "quit"}).exitCode(), 0);
-        EXPECT_EQ(program.exitCode(), 0);
-        EXPECT_EQ(OwnProgram({ORLUNE_PROGRAM, "key", "remove"}).exitCode(), 0);
-    }
+    FirstRun() { launch(); }
 
-    void tap(Keyboard::Keycode code) {
-        keyboard.press(code);
-        keyboard.release(code);
+    void expectPermissions() {
+        ASSERT_TRUE(reader.shows("Two permissions. Nothing more."));
+        EXPECT_TRUE(waitUntil([this] {
+            return std::ranges::count(reader.elements(), "Allowed",
+                                      &desktop::ScreenReader::Element::name)
+                   == 2;
+        }));
     }
-
-    const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
-    test::TemporaryFolder configuration;
-    ScreenReader reader;
-    Keyboard keyboard;
-    desktop::SpeechService service{key};
-    OwnProgram program{{ORLUNE_PROGRAM}, [this] {
-                           auto environment = service.clientEnvironment();
-                           environment["XDG_CONFIG_HOME"] = configuration.path();
-                           return environment;
-                       }()};
 };
 
 TEST_F(FirstRun, ByTheKeyboardAlone) {
-    ASSERT_TRUE(reader.shows("Speak. Structure. Ship.")) << program.standardError();
-    tap(returnKey);
+    ASSERT_TRUE(reader.shows("Speak. Structure. Ship.")) << program->standardError();
+    ASSERT_TRUE(getsFocus("Continue"));
+    press({keycode::enter});
     ASSERT_TRUE(reader.shows("Connect Deepgram."));
-    desktop::run({"xdotool", "type", key});
-    tap(returnKey);
-    EXPECT_TRUE(reader.shows("Deepgram key saved securely"));
+    ASSERT_TRUE(getsFocus("Deepgram API key"));
+    type(key);
+    press({keycode::enter});
+    ASSERT_TRUE(reader.shows("Deepgram key saved securely"));
     EXPECT_EQ(storedKey(), key);
+    ASSERT_TRUE(getsFocus("Continue"));
+    press({keycode::enter});
+    expectPermissions();
+    press({keycode::enter});
+
+    ASSERT_TRUE(reader.shows("Try your first prompt."));
+    ASSERT_TRUE(getsFocus("Test area")) << "by itself";
+    EXPECT_TRUE(reader.shows("Press to start"));
+    dictate();
+    EXPECT_EQ(reader.await("Test area").text, "");
+    press({keycode::fn});
+    ASSERT_TRUE(reader.shows("Orlune is ready"));
+    EXPECT_FALSE(reader.find("Press to start"));
+    EXPECT_THAT(reader.await("Test area").text, HasSubstr("for a walk"));
+
+    moveTo("Start Using Orlune");
+    press({keycode::enter});
+    ASSERT_TRUE(reader.shows("Ready wherever you type"));
+    EXPECT_TRUE(does({"quit"}));
+    expectEnd();
+
+    launch();
+    bool isWelcomed = false;
+    ASSERT_TRUE(waitUntil([&] {
+        isWelcomed = isWelcomed || reader.find("Speak. Structure. Ship.");
+        return reader.find("Ready wherever you type").has_value();
+    }));
+    EXPECT_FALSE(isWelcomed);
 }
 
 TEST_F(FirstRun, ByThePointerAlone) {
     click(reader, "Continue");
     ASSERT_TRUE(reader.shows("Connect Deepgram."));
+    EXPECT_FALSE(reader.await("Continue").isEnabled);
+    click(reader, "Back");
+    ASSERT_TRUE(reader.shows("Speak. Structure. Ship."));
+    EXPECT_TRUE(reader.hides("Back"));
+    click(reader, "Continue");
+    EXPECT_FALSE(reader.await("Save Key").isEnabled);
+    QGuiApplication::clipboard()->setText(QString::fromStdString(key), QClipboard::Selection);
+    click(reader, "Deepgram API key", desktop::MouseButton::middle);
+    EXPECT_TRUE(waitUntil([this] { return reader.await("Save Key").isEnabled; }));
+    EXPECT_FALSE(reader.await("Continue").isEnabled);
+    EXPECT_EQ(storedKey(), "");
+    click(reader, "Save Key");
+    ASSERT_TRUE(reader.shows("Deepgram key saved securely"));
+    EXPECT_EQ(storedKey(), key);
+    click(reader, "Continue");
+    expectPermissions();
+    click(reader, "Continue");
+    ASSERT_TRUE(getsFocus("Test area"));
+    click(reader, "Back");
+    expectPermissions();
+    click(reader, "Continue");
+    click(reader, "Test area");
+    ASSERT_TRUE(getsFocus("Test area"));
+    click(reader, "Start Using Orlune");
+    EXPECT_TRUE(reader.shows("Ready wherever you type")) << "nothing has to be tried";
 }
 
 } // namespace

@@ -136,6 +136,13 @@ ScreenReader::ScreenReader() {
     }
 }
 
+std::string ScreenReader::busAddress() const {
+    const auto answer = run({"dbus-send", "--session", "--print-reply=literal",
+                             "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress"});
+    const auto begin = answer.find_first_not_of(' ');
+    return answer.substr(begin, answer.find('\n') - begin);
+}
+
 std::vector<ScreenReader::Element> ScreenReader::elements() const {
     std::vector<Element> elements;
     visitWindows([&](AtspiAccessible* window) {
@@ -154,9 +161,18 @@ std::optional<ScreenReader::Element> ScreenReader::find(std::string_view name) c
 
 std::optional<ScreenReader::Element> ScreenReader::focused() const {
     const auto all = elements();
-    // The innermost: windows are told to have the focus too.
-    const auto found = std::ranges::find_if(all.rbegin(), all.rend(), &Element::isFocused);
-    return found == all.rend() ? std::nullopt : std::optional(*found);
+    // What is round it or in it is told to have the focus too.
+    const auto found = std::ranges::find_if(
+        all, [](const auto& element) { return element.isFocused && element.isFocusable; });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+bool ScreenReader::reads(std::string_view part) const {
+    return std::ranges::any_of(elements(), [part](const auto& element) {
+        return std::ranges::any_of(
+            std::array{&Element::window, &Element::name, &Element::description, &Element::text},
+            [&](auto member) { return (element.*member).find(part) != std::string::npos; });
+    });
 }
 
 ScreenReader::Element ScreenReader::await(std::string_view name) const {
@@ -175,7 +191,50 @@ bool ScreenReader::hides(std::string_view name) const {
     return waitUntil([&] { return !find(name); });
 }
 
-void click(const ScreenReader& reader, std::string_view name) {
+struct Announcements::Listener {
+    static void hear(AtspiEvent* event, void* argument) {
+        auto& heard = *static_cast<Announcements*>(argument);
+        const std::string_view type(event->type);
+        const char* const told =
+            G_VALUE_HOLDS_STRING(&event->any_data) ? g_value_get_string(&event->any_data) : nullptr;
+        if (type == "object:state-changed:focused" && event->detail1) {
+            heard.focused_.push_back(taken(ask(
+                [&](GError** error) { return atspi_accessible_get_name(event->source, error); })));
+        } else if (type.starts_with("object:property-change") && told) {
+            heard.names_.emplace_back(told);
+        } else if (type.starts_with("object:text-changed") && told) {
+            heard.typed_ += told;
+        }
+        g_boxed_free(ATSPI_TYPE_EVENT, event);
+    }
+
+    static constexpr std::array events{"object:state-changed:focused",
+                                       "object:property-change:accessible-name",
+                                       "object:text-changed"};
+    Reference<AtspiEventListener> handle;
+};
+
+Announcements::Announcements()
+    : listener_(new Listener{Reference<AtspiEventListener>(
+          atspi_event_listener_new(&Listener::hear, this, nullptr))}) {
+    for (const char* const event : Listener::events) {
+        if (!ask([&](GError** error) {
+                return atspi_event_listener_register(listener_->handle.get(), event, error);
+            })) {
+            throw std::runtime_error("the accessibility bus tells nothing");
+        }
+    }
+}
+
+Announcements::~Announcements() {
+    for (const char* const event : Listener::events) {
+        ask([&](GError** error) {
+            return atspi_event_listener_deregister(listener_->handle.get(), event, error);
+        });
+    }
+}
+
+void click(const ScreenReader& reader, std::string_view name, MouseButton button) {
     auto target = reader.await(name);
     const bool rests = waitUntil([&] {
         const auto before = target;
@@ -186,7 +245,8 @@ void click(const ScreenReader& reader, std::string_view name) {
         throw std::runtime_error("cannot be clicked: " + std::string(name));
     }
     run({"xdotool", "mousemove", std::to_string(target.x + target.width / 2),
-         std::to_string(target.y + target.height / 2), "click", "1"});
+         std::to_string(target.y + target.height / 2), "click",
+         std::to_string(static_cast<int>(button))});
 }
 
 } // namespace orlune::desktop

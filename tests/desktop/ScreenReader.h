@@ -3,6 +3,7 @@
 // program does. Main thread; waiting turns Qt's loop.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ class ScreenReader {
     /// Tells the session that a screen reader is there; before the program starts, which looks
     /// then.
     ScreenReader();
+
+    /// The bus it listens on, for a program that does not find it on its session's bus.
+    std::string busAddress() const;
 
     struct Element {
         std::string window; ///< the title of the window it is in
@@ -33,6 +37,9 @@ class ScreenReader {
     /// The one that has the keyboard.
     std::optional<Element> focused() const;
 
+    /// Whether anything that is read contains this.
+    bool reads(std::string_view part) const;
+
     /// Waits for an element of this name. Throws when it does not come.
     Element await(std::string_view name) const;
     /// Whether such an element is there, and is gone, within the deadline of `waitUntil`.
@@ -40,7 +47,30 @@ class ScreenReader {
     [[nodiscard]] bool hides(std::string_view name) const;
 };
 
-/// A click with the left button in the middle of what is there, once it rests and can be clicked.
-void click(const ScreenReader& reader, std::string_view name);
+/// What the program tells of its own accord from now on, in order, as the loop turns.
+class Announcements {
+  public:
+    Announcements();
+    ~Announcements();
+
+    /// The names of what got the keyboard.
+    const std::vector<std::string>& focused() const { return focused_; }
+    /// New names of what is there, also of a text that has changed.
+    const std::vector<std::string>& names() const { return names_; }
+    /// All that was entered into editors, and all that was removed.
+    const std::string& typed() const { return typed_; }
+
+  private:
+    struct Listener;
+    std::unique_ptr<Listener> listener_;
+    std::vector<std::string> focused_;
+    std::vector<std::string> names_;
+    std::string typed_;
+};
+
+/// A click in the middle of what is there, once it rests and can be clicked.
+enum class MouseButton { left = 1, middle, right };
+void click(const ScreenReader& reader, std::string_view name,
+           MouseButton button = MouseButton::left);
 
 } // namespace orlune::desktop

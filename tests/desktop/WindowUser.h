@@ -1,0 +1,133 @@
+// Somebody at the windows of Orlune, with a screen reader for eyes and hands on the keyboard and on
+// the pointer.
+#pragma once
+
+#include "tests/desktop/Desktop.h"
+#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/ScreenReader.h"
+#include "tests/desktop/SpeechService.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orlune::desktop {
+
+namespace keycode {
+inline constexpr Keyboard::Keycode tab = 23;
+inline constexpr Keyboard::Keycode q = 24;
+inline constexpr Keyboard::Keycode w = 25;
+inline constexpr Keyboard::Keycode enter = 36;
+inline constexpr Keyboard::Keycode control = 37;
+inline constexpr Keyboard::Keycode alt = 64;
+inline constexpr Keyboard::Keycode f4 = 70;
+inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
+} // namespace keycode
+
+class WindowUser : public testing::Test {
+  protected:
+    /// Nothing stays behind: neither the program nor a key.
+    ~WindowUser() override {
+        if (program) {
+            EXPECT_TRUE(does({"quit"}));
+            expectEnd();
+        }
+        EXPECT_TRUE(does({"key", "remove"}));
+    }
+
+    void finishOnboarding() const {
+        const auto folder = configuration.path() / "app.orlune.Orlune";
+        std::filesystem::create_directory(folder);
+        test::write(folder / "defaults.json", R"({"hasCompletedOnboarding": true})");
+    }
+    void launch() { program.emplace(std::vector<std::string>{ORLUNE_PROGRAM}, environment); }
+    void expectEnd() {
+        EXPECT_EQ(program->exitCode(), 0);
+        EXPECT_THAT(program->standardError(),
+                    testing::MatchesRegex("(orlune.Latency.: [a-z_]+=[0-9]+\n)*"));
+        program.reset();
+    }
+    /// Whether `orlune` with these arguments succeeds.
+    [[nodiscard]] bool does(std::vector<std::string> arguments, std::string_view input = {}) const {
+        arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
+        OwnProgram command(arguments, environment);
+        command.type(input);
+        command.closeInput();
+        return command.exitCode() == 0;
+    }
+    /// As the desktop's own tool finds it.
+    std::string storedKey() const {
+        OwnProgram tool({"secret-tool", "lookup", "account", "deepgramAPIKey"}, environment);
+        EXPECT_TRUE(tool.exitCode());
+        return tool.standardOutput();
+    }
+
+    /// One after the other, and up again in the opposite order.
+    void press(const std::vector<Keyboard::Keycode>& keys) {
+        for (const auto key : keys) {
+            keyboard.press(key);
+        }
+        for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+            keyboard.release(*key);
+        }
+    }
+    static void type(const std::string& text) { run({"xdotool", "type", text}); }
+
+    bool isFocused(std::string_view name) const {
+        const auto element = reader.focused();
+        return element && element->name == name;
+    }
+    [[nodiscard]] testing::AssertionResult getsFocus(std::string_view name) const {
+        if (waitUntil([&] { return isFocused(name); })) {
+            return testing::AssertionSuccess();
+        }
+        const auto element = reader.focused();
+        return testing::AssertionFailure()
+               << (element ? element->role + ' ' + element->name : "nothing") << " has it";
+    }
+    /// Presses Tab, and waits until the screen reader is told where that leads.
+    void moveOn() {
+        const auto count = heard.focused().size();
+        press({keycode::tab});
+        ASSERT_TRUE(waitUntil([&] { return heard.focused().size() > count; }));
+    }
+    void moveTo(const std::string& name) {
+        for (int count = 0; !isFocused(name); ++count) {
+            ASSERT_LT(count, 20) << name << " is not reached";
+            ASSERT_NO_FATAL_FAILURE(moveOn());
+        }
+    }
+
+    const test::TemporaryFolder configuration;
+    OwnProgram::Environment environment{{"XDG_CONFIG_HOME", configuration.path()}};
+    const ScreenReader reader; // before the program: it looks for one when it starts
+    const Announcements heard;
+    Keyboard keyboard;
+    std::optional<OwnProgram> program;
+};
+
+/// With a speech service that takes this key alone, and a voice.
+class DictatingUser : public WindowUser {
+  protected:
+    DictatingUser() { environment.merge(service.clientEnvironment()); }
+
+    /// Up to the intent check.
+    void dictate() {
+        press({keycode::fn});
+        ASSERT_TRUE(waitUntil([this] { return reader.reads("Listening"); }));
+        speaker.speak();
+        press({keycode::fn});
+        ASSERT_TRUE(reader.shows("Intent check"));
+    }
+
+    const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
+    SpeechService service{key};
+    const Speaker speaker;
+};
+
+} // namespace orlune::desktop
