@@ -24,6 +24,8 @@ struct KeyEvent {
     ModifierFlags modifierFlags;
     /// A further `keyDown` of a key that stayed down.
     bool isARepeat = false;
+    /// The number by which the toolkit's own event names the same key; 0 when there is none.
+    std::uint32_t nativeKeyCode = 0;
 
     bool operator==(const KeyEvent&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetricsF>
+#include <QKeyEvent>
 
 #include <algorithm>
 #include <utility>
@@ -43,7 +44,7 @@ void ShortcutRecorderButton::beginRecording() {
     if (!isRecording()) {
         hadFocus_ = hasFocus();
     }
-    pressed_.reset();
+    watched_.clear();
     recorder_.begin();
     updateTitle();
     if (onCaptureStateChange) {
@@ -54,17 +55,22 @@ void ShortcutRecorderButton::beginRecording() {
     if (!monitor_) {
         monitor_ = keyEvents_.addLocalMonitor(KeyEventMask::keyDown | KeyEventMask::flagsChanged,
                                               [this](const auto& event) {
-                                                  watch(event);
+                                                  watched_.push_back(event);
                                                   return KeyEventAnswer::passOn;
                                               });
     }
 }
 
-void ShortcutRecorderButton::watch(const KeyEvent& event) {
-    if (event.type == KeyEvent::Type::keyDown) {
-        pressed_ = event;
-    } else {
-        pressed_.reset();
+/// Several keys may have been watched before the first of them is received, and some never are.
+void ShortcutRecorderButton::receiveWatched(const QKeyEvent& received) {
+    const bool isPress = received.type() == QEvent::KeyPress;
+    const auto found = std::ranges::find_if(watched_, [&](const KeyEvent& event) {
+        return event.nativeKeyCode == received.nativeScanCode()
+               && (isPress || event.type == KeyEvent::Type::flagsChanged);
+    });
+    if (found != watched_.end()) {
+        const auto event = *found;
+        watched_.erase(watched_.begin(), found + 1);
         receive(event);
     }
 }
@@ -76,9 +82,8 @@ bool ShortcutRecorderButton::event(QEvent* event) {
             event->accept(); // no shortcut of the window takes it
             return true;
         case QEvent::KeyPress:
-            if (const auto pressed = std::exchange(pressed_, std::nullopt)) {
-                receive(*pressed);
-            }
+        case QEvent::KeyRelease:
+            receiveWatched(*static_cast<QKeyEvent*>(event));
             return true;
         default:
             break;

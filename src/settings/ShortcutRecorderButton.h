@@ -9,6 +9,7 @@
 #include "settings/ShortcutRecorder.h"
 #include "ui/Button.h"
 
+#include <deque>
 #include <functional>
 #include <optional>
 
@@ -35,7 +36,7 @@ class ShortcutRecorderButton final : public ui::Button {
 
   private:
     void beginRecording();
-    void watch(const KeyEvent& event);
+    void receiveWatched(const QKeyEvent& received);
     void receive(const KeyEvent& event);
     void cancel();
     void finish(const std::optional<DictationShortcut>& shortcut);
@@ -45,8 +46,8 @@ class ShortcutRecorderButton final : public ui::Button {
     Sound& sound_;
     ShortcutRecorder recorder_;
     DictationShortcut shortcut_;
-    /// Went down, and may be on its way to this button.
-    std::optional<KeyEvent> pressed_;
+    /// What was pressed and may be on its way to this button, in the order of the keys.
+    std::deque<KeyEvent> watched_;
     bool hadFocus_ = false; ///< before the recording
     KeyEventMonitor monitor_;
 };

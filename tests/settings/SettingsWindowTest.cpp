@@ -19,17 +19,25 @@ class SettingsWindowTest : public SettingsPage {
   protected:
     auto stored(std::string_view key) { return dictation.platform.userDefaults.object(key); }
     QAbstractButton* recorder() { return button("Shortcut,"); }
-    /// A key that the desktop keeps for itself.
-    void pressElsewhere(std::uint16_t keyCode, Flags flags) {
-        dictation.platform.keyEventMonitors.sendToOwnWindow(
-            {KeyEvent::Type::keyDown, keyCode, flags});
+    /// A key that the desktop keeps for itself, or that the window receives later.
+    void watch(KeyEvent::Type type, std::uint16_t keyCode, Flags flags) {
+        dictation.platform.keyEventMonitors.sendToOwnWindow({.type = type,
+                                                             .keyCode = keyCode,
+                                                             .modifierFlags = flags,
+                                                             .nativeKeyCode = nativeCode(keyCode)});
+        settle();
+    }
+    void receive(QEvent::Type type, std::uint16_t keyCode, Qt::Key key) {
+        QKeyEvent event(type, key, Qt::NoModifier, nativeCode(keyCode), 0, 0);
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
         settle();
     }
     void press(std::uint16_t keyCode, Flags flags, Qt::Key key) {
-        pressElsewhere(keyCode, flags);
-        QTest::keyClick(QApplication::focusWidget(), key);
-        settle();
+        watch(KeyEvent::Type::keyDown, keyCode, flags);
+        receive(QEvent::KeyPress, keyCode, key);
+        receive(QEvent::KeyRelease, keyCode, key);
     }
+    static std::uint32_t nativeCode(std::uint16_t keyCode) { return 8U + keyCode; }
 };
 
 TEST_F(SettingsWindowTest, aCardChoosesTheMode) {
@@ -64,7 +72,7 @@ TEST_F(SettingsWindowTest, recordsAShortcut) {
     click("Shortcut,");
     EXPECT_EQ(recorder()->text(), "press shortcut");
     EXPECT_TRUE(dictation.state().isCapturingShortcut());
-    pressElsewhere(/*keyCode=*/48, Flags::option);
+    watch(KeyEvent::Type::keyDown, /*keyCode=*/48, Flags::option);
     EXPECT_TRUE(dictation.state().isCapturingShortcut());
     press(/*keyCode=*/0, Flags::none, Qt::Key_A);
     EXPECT_EQ(dictation.platform.sound.beeps, 1);
@@ -75,6 +83,24 @@ TEST_F(SettingsWindowTest, recordsAShortcut) {
     EXPECT_FALSE(recorder()->hasFocus());
     press(/*keyCode=*/1, Flags::command, Qt::Key_S);
     EXPECT_EQ(recorder()->text(), "⇧⌘a") << "no longer recording";
+}
+
+TEST_F(SettingsWindowTest, recordsWhatItReceivesAfterAllKeysAreUpAgain) {
+    constexpr std::uint16_t fn = 63;
+    constexpr std::uint16_t space = 49;
+    recorder()->setFocus();
+    QTest::keyClick(recorder(), Qt::Key_Space);
+    watch(KeyEvent::Type::flagsChanged, fn, Flags::function);
+    watch(KeyEvent::Type::keyDown, space, Flags::function);
+    watch(KeyEvent::Type::keyUp, space, Flags::function);
+    watch(KeyEvent::Type::flagsChanged, fn, Flags::none);
+    receive(QEvent::KeyPress, fn, Qt::Key_Control);
+    EXPECT_TRUE(dictation.state().isCapturingShortcut());
+    receive(QEvent::KeyPress, space, Qt::Key_Space);
+    receive(QEvent::KeyRelease, space, Qt::Key_Space);
+    receive(QEvent::KeyRelease, fn, Qt::Key_Control);
+    EXPECT_EQ(dictation.state().shortcut().get().displayName(), "fn Space");
+    EXPECT_FALSE(dictation.state().isCapturingShortcut()) << "the space pressed the button too";
 }
 
 TEST_F(SettingsWindowTest, aRecordingEndsOnceHoweverItIsLeft) {

@@ -40,7 +40,8 @@ std::optional<KeyEvent> KeyEdges::press(Keycode keycode) {
                                                  : KeyEvent::Type::keyDown,
                     .keyCode = held.virtualKey,
                     .modifierFlags = flags(),
-                    .isARepeat = !isNew};
+                    .isARepeat = !isNew,
+                    .nativeKeyCode = keycode};
 }
 
 std::optional<KeyEvent> KeyEdges::release(Keycode keycode) {
@@ -52,7 +53,8 @@ std::optional<KeyEvent> KeyEdges::release(Keycode keycode) {
     return KeyEvent{.type =
                         held.role.isModifier ? KeyEvent::Type::flagsChanged : KeyEvent::Type::keyUp,
                     .keyCode = held.virtualKey,
-                    .modifierFlags = flags()};
+                    .modifierFlags = flags(),
+                    .nativeKeyCode = keycode};
 }
 
 std::vector<KeyEdges::Edge> KeyEdges::releaseAll() {
