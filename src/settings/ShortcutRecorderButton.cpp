@@ -1,5 +1,6 @@
 #include "settings/ShortcutRecorderButton.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -52,6 +53,7 @@ void ShortcutRecorderButton::beginRecording() {
     }
     activateWindow();
     setFocus();
+    qApp->installEventFilter(this);
     if (!monitor_) {
         monitor_ = keyEvents_.addLocalMonitor(KeyEventMask::keyDown | KeyEventMask::flagsChanged,
                                               [this](const auto& event) {
@@ -92,6 +94,14 @@ bool ShortcutRecorderButton::event(QEvent* event) {
     return ui::Button::event(event);
 }
 
+/// Most of the page takes no focus when it is clicked.
+bool ShortcutRecorderButton::eventFilter(QObject* receiver, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonPress && receiver->isWidgetType() && receiver != this) {
+        cancel();
+    }
+    return ui::Button::eventFilter(receiver, event);
+}
+
 void ShortcutRecorderButton::receive(const KeyEvent& event) {
     using Answer = ShortcutRecorder::Answer;
     switch (recorder_.receive(event)) {
@@ -119,6 +129,7 @@ void ShortcutRecorderButton::cancel() {
 /// The recorder has ended.
 void ShortcutRecorderButton::finish(const std::optional<DictationShortcut>& shortcut) {
     monitor_.remove();
+    qApp->removeEventFilter(this);
     if (onCaptureStateChange) {
         onCaptureStateChange(false);
     }

@@ -1,7 +1,7 @@
 // Shows the dictation shortcut and records a new one: a click arms it, the next key with a modifier
-// or Fn by itself becomes the shortcut, Escape and the loss of the focus leave everything as it
-// was. Main thread. While it is armed a local monitor tells it which keys are pressed; those that
-// the desktop takes for itself, to switch windows perhaps, do not count.
+// or Fn by itself becomes the shortcut, Escape, a click elsewhere and the loss of the focus leave
+// everything as it was. Main thread. While it is armed a local monitor tells it which keys are
+// pressed; those that the desktop takes for itself, to switch windows perhaps, do not count.
 #pragma once
 
 #include "platform/KeyEvents.h"
@@ -27,6 +27,8 @@ class ShortcutRecorderButton final : public ui::Button {
     bool isRecording() const { return recorder_.isRecording(); }
     /// What it shows while it does not record.
     void setShortcut(const DictationShortcut& shortcut);
+
+    bool eventFilter(QObject* receiver, QEvent* event) override;
 
   protected:
     bool event(QEvent* event) override;
