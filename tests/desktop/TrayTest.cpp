@@ -1,86 +1,128 @@
-// The icon in a panel that comes up long after the program, as the panel sees it.
+// The icon and its menu in a panel, as the panel sees them, and what a click there does.
 
 #include "tests/desktop/Desktop.h"
-#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/RunningOrlune.h"
+#include "tests/desktop/TrayPanel.h"
 
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVariant>
-#include <QDBusVirtualObject>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <set>
 
 namespace orlune {
 namespace {
 
-using desktop::OwnProgram;
+using desktop::activeWindowTitle;
+using desktop::RunningOrlune;
+using desktop::TrayPanel;
 using desktop::waitUntil;
+using testing::ElementsAre;
 
-/// What a panel with a tray offers to programs.
-class Panel final : public QDBusVirtualObject {
-  public:
-    Panel() {
-        auto bus = QDBusConnection::sessionBus();
-        EXPECT_TRUE(bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this));
-        EXPECT_TRUE(bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
-    }
-    ~Panel() override {
-        QDBusConnection::sessionBus().unregisterService(
-            QStringLiteral("org.kde.StatusNotifierWatcher"));
-    }
+/// The panel comes up long after the program.
+class Tray : public testing::Test {
+  protected:
+    Tray() { EXPECT_TRUE(iconComes()); }
 
-    QString introspect(const QString& /*path*/) const override {
-        return QStringLiteral(R"(<interface name="org.kde.StatusNotifierWatcher">
-            <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
-            <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
-            </interface>)");
+    bool iconComes() {
+        return waitUntil([this] { return panel->hasIcon(); });
     }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        if (message.member() == QStringLiteral("Introspect")) {
-            return false; // answered by the library
-        }
-        if (message.member() == QStringLiteral("Get")) {
-            bus.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
-        } else {
-            if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
-                item = message.service();
-            }
-            bus.send(message.createReply());
-        }
-        return true;
+    bool tells(const std::string& tip) {
+        return waitUntil([&] { return panel->tells("Orlune: " + tip); });
+    }
+    bool offers(const std::string& item) {
+        return waitUntil([&] { return panel->offers(item); });
+    }
+    bool opens(const std::string& title) {
+        return waitUntil([&] { return activeWindowTitle() == title; });
     }
 
-    /// Who has registered an icon.
-    QString item;
+    RunningOrlune orlune;
+    std::optional<TrayPanel> panel = std::make_optional<TrayPanel>();
 };
 
-QDBusMessage ask(const QString& service, const char* path, const char* interface,
-                 const char* method, const QVariantList& arguments) {
-    auto call =
-        QDBusMessage::createMethodCall(service, QString::fromLatin1(path),
-                                       QString::fromLatin1(interface), QString::fromLatin1(method));
-    call.setArguments(arguments);
-    return QDBusConnection::sessionBus().call(call);
+TEST_F(Tray, ComesBackWhenThePanelHasCrashed) {
+    for (const bool isBack : {false, true}) {
+        if (isBack) {
+            panel.reset();
+            panel.emplace();
+            ASSERT_TRUE(iconComes());
+        }
+        EXPECT_EQ(panel->identifier(), "app.orlune.Orlune");
+        EXPECT_THAT(panel->menu(),
+                    ElementsAre("Open Orlune  Control+O", "-", "Start Dictation  Alt+Space",
+                                "Orlune Enabled [x]", "-", "(Press fn to speak)",
+                                "Settings…  Control+,", "-", "Quit Orlune  Control+Q"));
+        panel->choose("Settings…");
+        EXPECT_TRUE(opens("Orlune Settings"));
+        panel->activate();
+        EXPECT_TRUE(opens("Orlune"));
+    }
+    panel->choose("Settings…");
+    EXPECT_TRUE(opens("Orlune Settings"));
+    panel->choose("Open Orlune");
+    EXPECT_TRUE(opens("Orlune"));
+    panel->choose("Quit Orlune");
+    EXPECT_EQ(orlune.program().exitCode(), 0);
+    EXPECT_EQ(orlune.program().standardError(), "");
 }
 
-QVariant property(const QString& service, const char* name) {
-    const auto reply =
-        ask(service, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
-            {QStringLiteral("org.kde.StatusNotifierItem"), QString::fromLatin1(name)});
-    return reply.arguments().value(0).value<QDBusVariant>().variant();
+TEST_F(Tray, ShowsEachPhaseOfADictationThatItStartsStopsAndConfirms) {
+    panel->choose("Start Dictation");
+    ASSERT_TRUE(tells("Listening"));
+    EXPECT_TRUE(offers("Stop Dictation  Alt+Space"));
+    panel->choose("Stop Dictation");
+    ASSERT_TRUE(tells("Finishing"));
+    EXPECT_TRUE(offers("Start Dictation  Alt+Space"));
+    panel->choose("Start Dictation");
+    ASSERT_TRUE(tells("Check the intent")) << "nothing begins while one is being finished";
+    QGuiApplication::clipboard()->setText(QStringLiteral("not dictated"));
+    panel->choose("Start Dictation");
+    ASSERT_TRUE(tells("Press fn to speak"));
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), RunningOrlune::understoodWords);
+    ASSERT_EQ(desktop::OwnProgram({ORLUNE_PROGRAM, "key", "remove"}).exitCode(), 0);
+    panel->choose("Start Dictation");
+    ASSERT_TRUE(tells("Add your Deepgram API key in Settings"));
+    EXPECT_TRUE(tells("Press fn to speak"));
+
+    std::vector<std::string> tips;
+    std::map<std::string, std::set<QByteArray>> pictures;
+    for (const auto& icon : panel->shown()) {
+        if (icon.tip != "Orlune: Connecting securely") { // over before every panel has looked
+            tips.push_back(icon.tip.substr(std::string("Orlune: ").size()));
+            pictures[tips.back()].insert(icon.picture);
+        }
+    }
+    EXPECT_THAT(tips, ElementsAre("Press fn to speak", "Listening", "Finishing", "Check the intent",
+                                  "Inserted", "Press fn to speak",
+                                  "Add your Deepgram API key in Settings", "Press fn to speak"));
+    std::set<QByteArray> all;
+    for (const auto& [tip, ofPhase] : pictures) {
+        EXPECT_EQ(ofPhase.size(), 1U) << tip;
+        all.merge(std::set(ofPhase));
+    }
+    EXPECT_EQ(all.size(), 6U) << "each phase has a picture of its own";
 }
 
-TEST(Tray, AppearsInAPanelThatComesLaterAndOpensTheWindow) {
-    OwnProgram program({ORLUNE_PROGRAM, "--background"});
-    ASSERT_TRUE(waitUntil([] { return OwnProgram({ORLUNE_PROGRAM, "status"}).exitCode() == 0; }));
-    Panel panel;
-    ASSERT_TRUE(waitUntil([&] { return !panel.item.isEmpty(); })) << program.standardError();
-    EXPECT_EQ(property(panel.item, "Id").toString(), QStringLiteral("app.orlune.Orlune"));
-    ask(panel.item, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate", {0, 0});
-    EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "app.orlune.Orlune"; }));
-    EXPECT_EQ(OwnProgram({ORLUNE_PROGRAM, "quit"}).exitCode(), 0);
-    EXPECT_EQ(program.exitCode(), 0);
+TEST_F(Tray, SwitchesDictationOffExceptForTheOneThatRuns) {
+    panel->choose("Start Dictation");
+    ASSERT_TRUE(offers("Stop Dictation  Alt+Space"));
+    panel->choose("Orlune Enabled");
+    EXPECT_TRUE(offers("Orlune Enabled [ ]"));
+    panel->choose("Stop Dictation");
+    ASSERT_TRUE(tells("Check the intent"));
+    ASSERT_TRUE(orlune.does("cancel"));
+    ASSERT_TRUE(tells("Press fn to speak"));
+
+    panel->choose("Start Dictation");
+    EXPECT_EQ(orlune.phase(), "idle");
+    panel->choose("Orlune Enabled");
+    EXPECT_TRUE(offers("Orlune Enabled [x]"));
+    panel->choose("Start Dictation");
+    EXPECT_TRUE(tells("Listening"));
 }
 
 } // namespace

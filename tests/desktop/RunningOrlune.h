@@ -1,0 +1,49 @@
+// Orlune in the background, with a key and settings of its own, and a speech service that
+// understands the same words each time. Main thread; waiting turns Qt's loop.
+#pragma once
+
+#include "tests/desktop/OwnProgram.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orlune::desktop {
+
+class RunningOrlune {
+  public:
+    static constexpr auto understoodWords = "Rename the button.";
+
+    /// Starts it, and waits until it is idle.
+    RunningOrlune();
+    /// Removes the key.
+    ~RunningOrlune();
+    RunningOrlune(const RunningOrlune&) = delete;
+    RunningOrlune& operator=(const RunningOrlune&) = delete;
+
+    void restart();
+    OwnProgram& program() { return *program_; }
+
+    /// Whether `orlune` with this argument succeeds.
+    [[nodiscard]] bool does(const std::string& command);
+    /// A member of what `orlune status --json` tells, as text.
+    std::string status(const std::string& member);
+    std::string phase() { return status("phase"); }
+    [[nodiscard]] testing::AssertionResult reaches(const std::string& phase);
+
+  private:
+    void start();
+
+    const test::TemporaryFolder folder_;
+    std::unique_ptr<OwnProgram> service_;
+    std::string address_;
+    std::unique_ptr<OwnProgram> program_;
+};
+
+/// The title of the window that is in front.
+std::string activeWindowTitle();
+
+} // namespace orlune::desktop

@@ -1,0 +1,69 @@
+// A desktop's panel, as programs with a tray icon meet it on the session bus. It keeps a copy of
+// the icon and its menu, as panels do, and looks again only when the program says that something
+// has changed. Main thread, with Qt's loop running; crashes with its owner.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
+#include <string>
+#include <vector>
+
+namespace orlune::desktop {
+
+class TrayPanel final : public QDBusVirtualObject {
+    Q_OBJECT
+
+  public:
+    TrayPanel();
+    ~TrayPanel() override;
+
+    bool hasIcon() const { return !shown_.empty(); }
+    std::string identifier() const { return identifier_; }
+
+    struct Icon {
+        std::string tip;
+        QByteArray picture; ///< the pixels of its largest size
+
+        bool operator==(const Icon&) const = default;
+    };
+    /// All that has been shown, the present one last.
+    const std::vector<Icon>& shown() const { return shown_; }
+    bool tells(const std::string& tip) const { return hasIcon() && shown_.back().tip == tip; }
+
+    /// The items as a person reads them: "Quit Orlune  Control+Q", "Orlune Enabled [x]",
+    /// "(not to be chosen)", and "-" for a line.
+    std::vector<std::string> menu() const;
+    bool offers(const std::string& item) const;
+
+    /// Clicks on the icon, and on the item whose text begins like this.
+    void activate();
+    void choose(const std::string& title);
+
+    QString introspect(const QString& path) const override;
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override;
+
+  private Q_SLOTS:
+    void lookAtIcon();
+    void lookAtMenu();
+
+  private:
+    struct Item {
+        int id;
+        std::string text;
+    };
+
+    QVariantList ask(const QString& path, const QString& interface, const QString& method,
+                     const QVariantList& arguments);
+    void receive(const QString& program);
+
+    QDBusConnection bus_;
+    QString program_;
+    QString menuPath_;
+    std::string identifier_;
+    std::vector<Icon> shown_;
+    std::vector<Item> menu_;
+};
+
+} // namespace orlune::desktop
