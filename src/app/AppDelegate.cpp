@@ -12,7 +12,7 @@ namespace orlune {
 
 namespace {
 
-/// From the end of the launch until the main window comes to the front.
+/// From the end of the launch until its window comes to the front.
 constexpr auto activationDelay = std::chrono::milliseconds(200);
 
 void callIfSet(const std::function<void()>& action) {
@@ -33,14 +33,19 @@ void AppDelegate::applicationDidFinishLaunching(bool opensWindow) {
     hotkey_ = FnPushToTalkMonitor::make(state_, platform_.keyEventMonitors, platform_.mainActor);
     hotkey_->start();
     if (opensWindow) {
-        QTimer::singleShot(activationDelay, qApp, [this] { openMainWindow(); });
+        callIfSet(windows_.showMain);
+        QTimer::singleShot(activationDelay, qApp, [this] { activate(); });
     }
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
-    if (!windows_.activate || !windows_.activate()) {
+    if (!activate()) {
         openMainWindow();
     }
+}
+
+bool AppDelegate::activate() const {
+    return windows_.activate && windows_.activate();
 }
 
 void AppDelegate::openMainWindow() const {

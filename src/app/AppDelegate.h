@@ -17,6 +17,8 @@ class AppDelegate {
   public:
     /// How windows are opened and come to the front; an empty one does nothing.
     struct Windows {
+        /// Lets the main window appear, as any new window does.
+        std::function<void()> showMain;
         /// Brings forward what is open; false when nothing is.
         std::function<bool()> activate;
         std::function<void()> openMain;
@@ -37,6 +39,8 @@ class AppDelegate {
     void openSettings() const;
 
   private:
+    bool activate() const;
+
     const std::shared_ptr<AppState> state_;
     const Platform& platform_;
     const Windows windows_;

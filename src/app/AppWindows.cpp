@@ -15,6 +15,10 @@ AppWindows::AppWindows(std::shared_ptr<AppState> state, const Platform& platform
 
 AppWindows::~AppWindows() = default;
 
+void AppWindows::showMain() {
+    mainWindow().show();
+}
+
 bool AppWindows::activate() {
     const auto isOpen = [](const auto& window) {
         return window && window->isVisible() && !window->isMinimized();
@@ -31,13 +35,7 @@ bool AppWindows::activate() {
 }
 
 void AppWindows::presentMain() {
-    if (!main_) {
-        main_ = std::make_unique<MainWindow>(
-            state_, platform_,
-            MainWindow::Callbacks{.openSettings = [this] { presentSettings(); }});
-        addShortcuts(*main_);
-    }
-    main_->present();
+    mainWindow().present();
 }
 
 void AppWindows::presentSettings() {
@@ -46,6 +44,16 @@ void AppWindows::presentSettings() {
         addShortcuts(*settings_);
     }
     settings_->present();
+}
+
+MainWindow& AppWindows::mainWindow() {
+    if (!main_) {
+        main_ = std::make_unique<MainWindow>(
+            state_, platform_,
+            MainWindow::Callbacks{.openSettings = [this] { presentSettings(); }});
+        addShortcuts(*main_);
+    }
+    return *main_;
 }
 
 /// What the menu offers with these keys works in the windows too.

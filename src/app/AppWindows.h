@@ -20,6 +20,9 @@ class AppWindows {
                std::function<void()> quit);
     ~AppWindows();
 
+    /// As any new window appears; the desktop decides where it lies and whether it has the
+    /// keyboard.
+    void showMain();
     /// Brings forward what is open and not minimised, the settings last, which are opened over the
     /// main window. False when nothing is.
     bool activate();
@@ -27,6 +30,7 @@ class AppWindows {
     void presentSettings();
 
   private:
+    MainWindow& mainWindow();
     void addShortcuts(QWidget& window);
 
     const std::shared_ptr<AppState> state_;

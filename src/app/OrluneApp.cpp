@@ -117,7 +117,8 @@ void OrluneApp::launch(const Platform& platform) {
     const auto quit = [this] { terminate(); };
     windows_.emplace(state_, platform, quit);
     delegate_.emplace(state_, platform,
-                      AppDelegate::Windows{.activate = [this] { return windows_->activate(); },
+                      AppDelegate::Windows{.showMain = [this] { windows_->showMain(); },
+                                           .activate = [this] { return windows_->activate(); },
                                            .openMain = openMain,
                                            .openSettings = openSettings});
     statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,

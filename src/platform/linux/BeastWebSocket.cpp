@@ -31,9 +31,10 @@ class BeastWebSocketTask final : public WebSocketTask {
 } // namespace
 
 BeastWebSocketSession::BeastWebSocketSession(Executor executor, ProxySettings proxies)
-    : executor_(std::move(executor)), proxies_(std::move(proxies)), trust_(makeTrust()) {}
+    : executor_(std::move(executor)), proxies_(std::move(proxies)) {}
 
 std::shared_ptr<WebSocketTask> BeastWebSocketSession::webSocketTask(WebSocketRequest request) {
+    std::call_once(trustMade_, [this] { trust_ = makeTrust(); });
     return std::make_shared<BeastWebSocketTask>(
         std::make_shared<BeastConnection>(executor_, trust_, proxies_, std::move(request)));
 }
