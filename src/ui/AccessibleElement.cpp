@@ -11,7 +11,11 @@ namespace {
 
 constexpr auto kindProperty = "orluneAccessibility";
 
-enum Kind { hidden = 1, combined };
+enum Kind { hidden = 1, combined, concealed };
+
+int kind(const QObject& object) {
+    return object.property(kindProperty).toInt();
+}
 
 class HiddenElement final : public QAccessibleWidget {
   public:
@@ -39,7 +43,7 @@ QAccessibleInterface* makeElement(const QString& /*className*/, QObject* object)
     if (!widget) {
         return nullptr;
     }
-    switch (widget->property(kindProperty).toInt()) {
+    switch (kind(*widget)) {
     case hidden:
         return new HiddenElement(widget);
     case combined:
@@ -58,6 +62,51 @@ void setKind(QWidget& widget, Kind kind) {
     widget.setProperty(kindProperty, kind);
 }
 
+QString dots(const QString& text) {
+    return QString(text.size(), u'•');
+}
+
+/// The event with dots in it; as it is when it tells no text.
+void announceInDots(QAccessibleEvent& event) {
+    auto* const editor = event.object();
+    switch (event.type()) {
+    case QAccessible::TextInserted: {
+        const auto& insertion = static_cast<QAccessibleTextInsertEvent&>(event);
+        QAccessibleTextInsertEvent told(editor, insertion.changePosition(),
+                                        dots(insertion.textInserted()));
+        QAccessible::updateAccessibility(&told);
+        break;
+    }
+    case QAccessible::TextRemoved: {
+        const auto& removal = static_cast<QAccessibleTextRemoveEvent&>(event);
+        QAccessibleTextRemoveEvent told(editor, removal.changePosition(),
+                                        dots(removal.textRemoved()));
+        QAccessible::updateAccessibility(&told);
+        break;
+    }
+    case QAccessible::TextUpdated: {
+        const auto& update = static_cast<QAccessibleTextUpdateEvent&>(event);
+        QAccessibleTextUpdateEvent told(editor, update.changePosition(), dots(update.textRemoved()),
+                                        dots(update.textInserted()));
+        QAccessible::updateAccessibility(&told);
+        break;
+    }
+    default:
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+/// Stands before the desktop's own handling, which is reached while this is not installed.
+void announce(QAccessibleEvent* event) {
+    QAccessible::installUpdateHandler(nullptr);
+    if (event->object() && kind(*event->object()) == concealed) {
+        announceInDots(*event);
+    } else {
+        QAccessible::updateAccessibility(event);
+    }
+    QAccessible::installUpdateHandler(announce);
+}
+
 } // namespace
 
 void hideFromAccessibility(QWidget& widget) {
@@ -69,6 +118,11 @@ void combineForAccessibility(QWidget& widget, const QString& label) {
     if (widget.accessibleName() != label) {
         widget.setAccessibleName(label);
     }
+}
+
+void concealFromAccessibility(QWidget& editor) {
+    editor.setProperty(kindProperty, concealed);
+    QAccessible::installUpdateHandler(announce);
 }
 
 } // namespace orlune::ui

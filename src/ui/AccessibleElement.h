@@ -13,4 +13,7 @@ void hideFromAccessibility(QWidget& widget);
 /// The widget and all in it are one element with this label; setting it again changes the label.
 void combineForAccessibility(QWidget& widget, const QString& label);
 
+/// What is entered into the editor or removed from it is told as dots.
+void concealFromAccessibility(QWidget& editor);
+
 } // namespace orlune::ui

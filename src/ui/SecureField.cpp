@@ -1,6 +1,7 @@
 #include "ui/SecureField.h"
 
 #include "platform/SecureWipe.h"
+#include "ui/AccessibleElement.h"
 #include "ui/Button.h"
 #include "ui/Style.h"
 #include "ui/Surface.h"
@@ -59,6 +60,7 @@ class SecureField::Entry final : public QLineEdit {
         setEchoMode(Password);
         setPlaceholderText(prompt);
         setAccessibleName(accessibleName);
+        concealFromAccessibility(*this); // the system's line would tell each letter
         setFrame(false);
         setDragEnabled(false);
         setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText
