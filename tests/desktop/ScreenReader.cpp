@@ -34,6 +34,10 @@ std::string taken(gchar* text) {
     return copy;
 }
 
+std::string nameOf(AtspiAccessible* accessible) {
+    return taken(ask([&](GError** error) { return atspi_accessible_get_name(accessible, error); }));
+}
+
 std::string textOf(AtspiAccessible* accessible) {
     const Reference<AtspiText> text(atspi_accessible_get_text_iface(accessible));
     if (!text) {
@@ -43,69 +47,74 @@ std::string textOf(AtspiAccessible* accessible) {
         ask([&](GError** error) { return atspi_text_get_text(text.get(), 0, -1, error); }));
 }
 
-/// Reads the element and all in it that shows.
-void read(AtspiAccessible* accessible, const std::string& window,
-          std::vector<ScreenReader::Element>& elements) {
-    const Reference<AtspiStateSet> states(atspi_accessible_get_state_set(accessible));
-    const auto is = [&](AtspiStateType state) {
-        return states && atspi_state_set_contains(states.get(), state);
+ScreenReader::Element describe(AtspiAccessible* accessible, AtspiStateSet* states,
+                               const std::string& window, std::string name) {
+    const auto is = [&](AtspiStateType state) { return atspi_state_set_contains(states, state); };
+    const auto string = [&](auto function) {
+        return taken(ask([&](GError** error) { return function(accessible, error); }));
     };
-    if (!is(ATSPI_STATE_SHOWING)) {
+    ScreenReader::Element element{.window = window,
+                                  .role = string(atspi_accessible_get_role_name),
+                                  .name = std::move(name),
+                                  .description = string(atspi_accessible_get_description),
+                                  .text = textOf(accessible),
+                                  .isEnabled = is(ATSPI_STATE_ENABLED) != 0,
+                                  .isFocusable = is(ATSPI_STATE_FOCUSABLE) != 0,
+                                  .isFocused = is(ATSPI_STATE_FOCUSED) != 0,
+                                  .isChecked = is(ATSPI_STATE_CHECKED) != 0,
+                                  .isSelected = is(ATSPI_STATE_SELECTED) != 0,
+                                  .isActive = is(ATSPI_STATE_ACTIVE) != 0};
+    const Reference<AtspiComponent> component(atspi_accessible_get_component_iface(accessible));
+    if (AtspiRect* const area = !component ? nullptr : ask([&](GError** error) {
+            return atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, error);
+        })) {
+        std::tie(element.x, element.y, element.width, element.height) =
+            std::tie(area->x, area->y, area->width, area->height);
+        g_free(area);
+    }
+    return element;
+}
+
+/// Reads the element and all in it that shows and has something to tell; with a name, until the
+/// first one of that name.
+void read(AtspiAccessible* accessible, const std::string& window,
+          std::optional<std::string_view> wanted, std::vector<ScreenReader::Element>& elements) {
+    const Reference<AtspiStateSet> states(atspi_accessible_get_state_set(accessible));
+    if (!states || !atspi_state_set_contains(states.get(), ATSPI_STATE_SHOWING)) {
         return;
     }
-    const Reference<AtspiComponent> component(atspi_accessible_get_component_iface(accessible));
-    if (component) {
-        AtspiRect* const area = ask([&](GError** error) {
-            return atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, error);
-        });
-        if (area) {
-            const auto string = [&](auto function) {
-                return taken(ask([&](GError** error) { return function(accessible, error); }));
-            };
-            elements.push_back({.window = window,
-                                .role = string(atspi_accessible_get_role_name),
-                                .name = string(atspi_accessible_get_name),
-                                .description = string(atspi_accessible_get_description),
-                                .text = textOf(accessible),
-                                .x = area->x,
-                                .y = area->y,
-                                .width = area->width,
-                                .height = area->height,
-                                .isEnabled = is(ATSPI_STATE_ENABLED),
-                                .isFocusable = is(ATSPI_STATE_FOCUSABLE),
-                                .isFocused = is(ATSPI_STATE_FOCUSED),
-                                .isChecked = is(ATSPI_STATE_CHECKED),
-                                .isSelected = is(ATSPI_STATE_SELECTED)});
-            g_free(area);
-        }
+    auto name = nameOf(accessible);
+    const bool isTold =
+        !name.empty() || atspi_state_set_contains(states.get(), ATSPI_STATE_FOCUSABLE);
+    if (wanted ? name == *wanted : isTold) {
+        elements.push_back(describe(accessible, states.get(), window, std::move(name)));
     }
     const int count =
         ask([&](GError** error) { return atspi_accessible_get_child_count(accessible, error); });
-    for (int index = 0; index < count; ++index) {
+    for (int index = 0; index < count && !(wanted && !elements.empty()); ++index) {
         const Reference<AtspiAccessible> child(ask([&](GError** error) {
             return atspi_accessible_get_child_at_index(accessible, index, error);
         }));
         if (child) {
-            read(child.get(), window, elements);
+            read(child.get(), window, wanted, elements);
         }
     }
 }
 
-/// Calls with each window of the program.
-template <typename Visit>
-void visitWindows(const Visit& visit) {
+/// Reads the program's windows, one after the other.
+std::vector<ScreenReader::Element> read(std::optional<std::string_view> wanted = {}) {
+    std::vector<ScreenReader::Element> elements;
     const Reference<AtspiAccessible> desktop(atspi_get_desktop(0));
-    // What is remembered of elements would be brought up to date in a later turn of the loop.
-    atspi_accessible_set_cache_mask(desktop.get(), ATSPI_CACHE_NONE);
+    // What is remembered of elements would be brought up to date in a later turn of the loop, but
+    // what they are able to tell never changes.
+    atspi_accessible_set_cache_mask(desktop.get(), ATSPI_CACHE_INTERFACES);
     const int programs =
         ask([&](GError** error) { return atspi_accessible_get_child_count(desktop.get(), error); });
     for (int index = 0; index < programs; ++index) {
         const Reference<AtspiAccessible> program(ask([&](GError** error) {
             return atspi_accessible_get_child_at_index(desktop.get(), index, error);
         }));
-        if (!program || taken(ask([&](GError** error) {
-                            return atspi_accessible_get_name(program.get(), error);
-                        })) != "app.orlune.Orlune") {
+        if (!program || nameOf(program.get()) != "app.orlune.Orlune") {
             continue;
         }
         const int windows = ask(
@@ -114,11 +123,12 @@ void visitWindows(const Visit& visit) {
             const Reference<AtspiAccessible> window(ask([&](GError** error) {
                 return atspi_accessible_get_child_at_index(program.get(), number, error);
             }));
-            if (window) {
-                visit(window.get());
+            if (window && !(wanted && !elements.empty())) {
+                read(window.get(), nameOf(window.get()), wanted, elements);
             }
         }
     }
+    return elements;
 }
 
 auto place(const ScreenReader::Element& element) {
@@ -144,19 +154,12 @@ std::string ScreenReader::busAddress() const {
 }
 
 std::vector<ScreenReader::Element> ScreenReader::elements() const {
-    std::vector<Element> elements;
-    visitWindows([&](AtspiAccessible* window) {
-        read(window,
-             taken(ask([&](GError** error) { return atspi_accessible_get_name(window, error); })),
-             elements);
-    });
-    return elements;
+    return read();
 }
 
 std::optional<ScreenReader::Element> ScreenReader::find(std::string_view name) const {
-    const auto all = elements();
-    const auto found = std::ranges::find(all, name, &Element::name);
-    return found == all.end() ? std::nullopt : std::optional(*found);
+    const auto found = read(name);
+    return found.empty() ? std::nullopt : std::optional(found.front());
 }
 
 std::optional<ScreenReader::Element> ScreenReader::focused() const {
@@ -165,6 +168,12 @@ std::optional<ScreenReader::Element> ScreenReader::focused() const {
     const auto found = std::ranges::find_if(
         all, [](const auto& element) { return element.isFocused && element.isFocusable; });
     return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+std::string ScreenReader::activeWindow() const {
+    const auto all = elements();
+    const auto found = std::ranges::find_if(all, &Element::isActive);
+    return found == all.end() ? "" : found->window;
 }
 
 bool ScreenReader::reads(std::string_view part) const {
@@ -195,15 +204,12 @@ struct Announcements::Listener {
     static void hear(AtspiEvent* event, void* argument) {
         auto& heard = *static_cast<Announcements*>(argument);
         const std::string_view type(event->type);
-        const char* const told =
-            G_VALUE_HOLDS_STRING(&event->any_data) ? g_value_get_string(&event->any_data) : nullptr;
         if (type == "object:state-changed:focused" && event->detail1) {
-            heard.focused_.push_back(taken(ask(
-                [&](GError** error) { return atspi_accessible_get_name(event->source, error); })));
-        } else if (type.starts_with("object:property-change") && told) {
-            heard.names_.emplace_back(told);
-        } else if (type.starts_with("object:text-changed") && told) {
-            heard.typed_ += told;
+            heard.focused_.push_back(nameOf(event->source));
+        } else if (type.starts_with("object:property-change")) {
+            heard.names_.push_back(nameOf(event->source));
+        } else if (type.starts_with("object:text-changed")) {
+            heard.typed_ += g_value_get_string(&event->any_data);
         }
         g_boxed_free(ATSPI_TYPE_EVENT, event);
     }

@@ -25,18 +25,22 @@ class ScreenReader {
         std::string role;   ///< as the bus names it: "push button", "password text"
         std::string name;
         std::string description;
-        std::string text;        ///< what is in an editor
-        int x, y, width, height; ///< on the screen, in pixels
+        std::string text;                        ///< what is in an editor
+        int x = 0, y = 0, width = 0, height = 0; ///< on the screen, in pixels
         bool isEnabled, isFocusable, isFocused, isChecked, isSelected;
+        bool isActive; ///< the window in front
     };
 
-    /// All that shows in the program's windows, in reading order.
+    /// All that shows in the program's windows and has a name or can have the focus, in reading
+    /// order.
     std::vector<Element> elements() const;
     /// The first one of this name.
     std::optional<Element> find(std::string_view name) const;
     /// The one that has the keyboard.
     std::optional<Element> focused() const;
 
+    /// The title of the window in front, once the program knows where it lies; empty when none is.
+    std::string activeWindow() const;
     /// Whether anything that is read contains this.
     bool reads(std::string_view part) const;
 
@@ -55,7 +59,7 @@ class Announcements {
 
     /// The names of what got the keyboard.
     const std::vector<std::string>& focused() const { return focused_; }
-    /// New names of what is there, also of a text that has changed.
+    /// The names of what changed its name, as every text does that changes.
     const std::vector<std::string>& names() const { return names_; }
     /// All that was entered into editors, and all that was removed.
     const std::string& typed() const { return typed_; }

@@ -31,8 +31,8 @@ inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
 
 class WindowUser : public testing::Test {
   protected:
-    /// Nothing stays behind: neither the program nor a key.
-    ~WindowUser() override {
+    /// Nothing stays behind: neither the program nor a key. While all around them is still there.
+    void TearDown() override {
         if (program) {
             EXPECT_TRUE(does({"quit"}));
             expectEnd();
@@ -45,7 +45,11 @@ class WindowUser : public testing::Test {
         std::filesystem::create_directory(folder);
         test::write(folder / "defaults.json", R"({"hasCompletedOnboarding": true})");
     }
-    void launch() { program.emplace(std::vector<std::string>{ORLUNE_PROGRAM}, environment); }
+    void launch() {
+        program.emplace(std::vector<std::string>{ORLUNE_PROGRAM}, environment);
+        ASSERT_TRUE(waitUntil([this] { return reader.activeWindow() == "Orlune"; }))
+            << program->standardError();
+    }
     void expectEnd() {
         EXPECT_EQ(program->exitCode(), 0);
         EXPECT_THAT(program->standardError(),
@@ -78,6 +82,19 @@ class WindowUser : public testing::Test {
     }
     static void type(const std::string& text) { run({"xdotool", "type", text}); }
 
+    /// Whether something gets this name, after what was heard before. Also when it is gone soon.
+    [[nodiscard]] bool hears(std::string_view name) {
+        return waitUntil([&] {
+            const auto& names = heard.names();
+            while (heardNames_ < names.size()) {
+                if (names[heardNames_++] == name) {
+                    return true;
+                }
+            }
+            return false;
+        });
+    }
+
     bool isFocused(std::string_view name) const {
         const auto element = reader.focused();
         return element && element->name == name;
@@ -109,21 +126,15 @@ class WindowUser : public testing::Test {
     const Announcements heard;
     Keyboard keyboard;
     std::optional<OwnProgram> program;
+
+  private:
+    std::size_t heardNames_ = 0;
 };
 
 /// With a speech service that takes this key alone, and a voice.
 class DictatingUser : public WindowUser {
   protected:
     DictatingUser() { environment.merge(service.clientEnvironment()); }
-
-    /// Up to the intent check.
-    void dictate() {
-        press({keycode::fn});
-        ASSERT_TRUE(waitUntil([this] { return reader.reads("Listening"); }));
-        speaker.speak();
-        press({keycode::fn});
-        ASSERT_TRUE(reader.shows("Intent check"));
-    }
 
     const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
     SpeechService service{key};

@@ -1,0 +1,204 @@
+// The main window after the first run: dictating into its test area, the key, its end and its
+// return, and what a screen reader is told of each page.
+#include "tests/desktop/WindowUser.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include <algorithm>
+
+namespace orlune {
+namespace {
+
+namespace keycode = desktop::keycode;
+using desktop::waitUntil;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr auto home = "Ready wherever you type";
+constexpr auto keyField = "Deepgram API Key";
+
+std::string engine(const std::string& readiness) {
+    return "Orlune Engine, Deepgram streaming with your securely stored API key, " + readiness;
+}
+
+class Home : public desktop::DictatingUser {
+  protected:
+    Home() { finishOnboarding(); }
+
+    std::string testText() const { return reader.await("Test area").text; }
+};
+
+TEST_F(Home, TakesADictationAndTellsHowItGoes) {
+    const std::string idle = "Press fn to speak. Your prompt will appear at the active cursor";
+    ASSERT_TRUE(does({"key", "set"}, key + "\n"));
+    launch();
+    ASSERT_TRUE(reader.shows(idle));
+    for (const auto& fact : {std::string("Active"), std::string("Microphone, Ready"),
+                             std::string("Accessibility, Ready"), engine("Ready")}) {
+        EXPECT_TRUE(reader.shows(fact)) << fact;
+    }
+    EXPECT_FALSE(reader.await("Clear").isEnabled);
+    click(reader, "Test area");
+    ASSERT_TRUE(getsFocus("Test area"));
+    press({keycode::fn});
+    ASSERT_TRUE(hears("Listening. Press again when you're finished"));
+    speaker.speak();
+    press({keycode::fn});
+    EXPECT_TRUE(hears("Structuring your prompt. Finishing the transcript"));
+    ASSERT_TRUE(hears("Check the intent. Press Fn to insert or Escape to cancel"));
+    EXPECT_EQ(testText(), "");
+    press({keycode::fn});
+    EXPECT_TRUE(hears("Prompt inserted. Ready for the next one"));
+    EXPECT_TRUE(hears(idle));
+    EXPECT_THAT(testText(),
+                AllOf(StartsWith("Goal\nThe weather is nice today"), HasSubstr("for a walk")));
+    moveTo("Settings"); // the focus is to come back
+    click(reader, "Clear");
+    EXPECT_TRUE(getsFocus("Test area"));
+    EXPECT_EQ(testText(), "");
+    EXPECT_FALSE(reader.await("Clear").isEnabled);
+}
+
+TEST_F(Home, FollowsTheKeyThatNobodyReads) {
+    auto* const board = QGuiApplication::clipboard();
+    board->clear();
+    board->clear(QClipboard::Selection);
+    const std::string second = "99aabbccddeeff00112233445566778899aabbcc";
+    launch();
+    ASSERT_TRUE(reader.shows(engine("Setup")));
+    click(reader, "Settings");
+    ASSERT_TRUE(reader.shows("Required for transcription"));
+    moveTo(keyField);
+    type(key);
+    desktop::run({"xdotool", "key", "ctrl+a", "ctrl+c"});
+    EXPECT_FALSE(reader.reads(key));
+    press({keycode::enter});
+    ASSERT_TRUE(reader.shows("Key saved in Mac Keychain"));
+    EXPECT_TRUE(reader.shows(engine("Ready")));
+    EXPECT_EQ(storedKey(), key);
+    type(second);
+    click(reader, "Replace");
+    EXPECT_TRUE(waitUntil([&] { return storedKey() == second; }));
+    EXPECT_TRUE(reader.shows(engine("Ready")));
+    for (const auto& secret : {key, second}) {
+        EXPECT_FALSE(reader.reads(secret));
+        EXPECT_THAT(heard.names(), Not(testing::Contains(HasSubstr(secret))));
+        EXPECT_THAT(heard.typed(), Not(HasSubstr(secret)));
+        for (const auto mode : {QClipboard::Clipboard, QClipboard::Selection}) {
+            EXPECT_THAT(board->text(mode).toStdString(), Not(HasSubstr(secret)));
+        }
+    }
+    click(reader, "Remove");
+    EXPECT_TRUE(reader.shows("Key removed"));
+    EXPECT_TRUE(reader.shows(engine("Setup")));
+    EXPECT_EQ(storedKey(), "");
+    click(reader, "Enable Orlune");
+    EXPECT_TRUE(reader.shows("Paused"));
+}
+
+class MainWindow : public desktop::WindowUser {
+  protected:
+    static bool hasKeyboard() {
+        return waitUntil([] { return desktop::focusedClass() == "app.orlune.Orlune"; });
+    }
+
+    /// The screen reader is told of each control that Tab leads to, and these are all. With
+    /// `others`, to which arrows lead.
+    void expectControls(const std::string& window, const std::vector<std::string>& stops,
+                        const std::vector<std::string>& others = {}) {
+        SCOPED_TRACE(stops.front());
+        auto all = stops;
+        all.insert(all.end(), others.begin(), others.end());
+        const auto controls = [&] {
+            std::vector<std::string> found;
+            for (const auto& element : reader.elements()) {
+                if (element.window == window && element.isFocusable && element.isEnabled) {
+                    found.push_back(element.role + ": " + element.name);
+                }
+            }
+            return found;
+        };
+        const bool areThere =
+            waitUntil([&] { return std::ranges::is_permutation(controls(), all); });
+        EXPECT_TRUE(areThere) << testing::PrintToString(controls());
+        const auto nameOf = [](const std::string& stop) {
+            return stop.substr(stop.find(": ") + 2);
+        };
+        moveTo(nameOf(stops.front()));
+        for (std::size_t index = 1; index <= stops.size() && stops.size() > 1; ++index) {
+            ASSERT_NO_FATAL_FAILURE(moveOn());
+            const auto& stop = stops[index % stops.size()];
+            EXPECT_EQ(heard.focused().back(), nameOf(stop));
+            EXPECT_TRUE(getsFocus(nameOf(stop)));
+        }
+    }
+    void goOn(std::string_view page) {
+        moveTo("Continue");
+        press({keycode::enter});
+        ASSERT_TRUE(reader.shows(page));
+    }
+};
+
+TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
+    finishOnboarding();
+    launch();
+    ASSERT_TRUE(reader.shows(home));
+    const desktop::Program other({"xterm"});
+    const std::vector<std::pair<std::vector<desktop::Keyboard::Keycode>, std::vector<std::string>>>
+        waysOutAndBack{{{keycode::control, keycode::w}, {}},
+                       {{keycode::alt, keycode::f4}, {"show"}},
+                       {{keycode::alt, keycode::f4}, {}}};
+    for (const auto& [out, back] : waysOutAndBack) {
+        ASSERT_TRUE(does({"show"}));
+        ASSERT_TRUE(hasKeyboard());
+        press(out);
+        ASSERT_TRUE(reader.hides(home));
+        EXPECT_TRUE(does({"status"}));
+        ASSERT_TRUE(waitUntil([] { return desktop::focusedClass() == "XTerm"; }));
+        EXPECT_TRUE(does(back));
+        EXPECT_TRUE(reader.shows(home));
+        EXPECT_TRUE(hasKeyboard());
+    }
+    press({keycode::control, keycode::q});
+    expectEnd();
+}
+
+TEST_F(MainWindow, LetsAScreenReaderReachAndNameEachControl) {
+    launch();
+    ASSERT_TRUE(reader.shows("Speak. Structure. Ship."));
+    expectControls("Orlune", {"push button: Continue"});
+    goOn("Connect Deepgram.");
+    expectControls("Orlune", {"password text: Deepgram API key",
+                              "push button: Open Deepgram Console", "push button: Back"});
+    moveTo("Deepgram API key");
+    type("any-key");
+    expectControls("Orlune", {"password text: Deepgram API key", "push button: Save Key",
+                              "push button: Open Deepgram Console", "push button: Back"});
+    moveTo("Deepgram API key");
+    press({keycode::enter});
+    goOn("Two permissions. Nothing more.");
+    expectControls("Orlune", {"push button: Back", "push button: Continue"});
+    goOn("Try your first prompt.");
+    ASSERT_TRUE(getsFocus("Test area"));
+    expectControls("Orlune",
+                   {"text: Test area", "push button: Back", "push button: Start Using Orlune"});
+    moveTo("Start Using Orlune");
+    press({keycode::enter});
+    ASSERT_TRUE(reader.shows(home));
+    expectControls("Orlune", {"text: Test area", "push button: Settings"});
+    moveTo("Settings");
+    press({keycode::enter});
+    ASSERT_TRUE(reader.shows("Intent Check"));
+    expectControls("Orlune Settings",
+                   {"radio button: Tap to toggle. Press once to start, once to finish",
+                    "push button: Shortcut, fn", "check box: Enable Orlune",
+                    "check box: Intent Check", "password text: Deepgram API Key",
+                    "push button: Remove"},
+                   {"radio button: Hold to speak. Hold while speaking, release to finish"});
+}
+
+} // namespace
+} // namespace orlune
