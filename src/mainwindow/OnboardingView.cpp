@@ -169,8 +169,10 @@ void OnboardingView::showEvent(QShowEvent* event) {
 void OnboardingView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     // A closed window keeps no key that was entered and not saved; a minimised one does.
+    // In a later turn: a window that is shown until its end is hidden while it falls apart.
     if (!event->spontaneous()) {
-        keyEntry_->discardEntry();
+        QMetaObject::invokeMethod(
+            keyEntry_, [this] { keyEntry_->discardEntry(); }, Qt::QueuedConnection);
     }
 }
 
