@@ -30,8 +30,12 @@ class Tray : public testing::Test {
     bool iconComes() {
         return waitUntil([this] { return panel->hasIcon(); });
     }
-    bool tells(const std::string& tip) {
-        return waitUntil([&] { return panel->tells("Orlune: " + tip); });
+    testing::AssertionResult tells(const std::string& tip) {
+        if (waitUntil([&] { return panel->tells("Orlune: " + tip); })) {
+            return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure()
+               << "it tells " << panel->shown().back().tip << " and is " << orlune.phase();
     }
     bool offers(const std::string& item) {
         return waitUntil([&] { return panel->offers(item); });
@@ -71,6 +75,7 @@ TEST_F(Tray, ComesBackWhenThePanelHasCrashed) {
 }
 
 TEST_F(Tray, ShowsEachPhaseOfADictationThatItStartsStopsAndConfirms) {
+    QGuiApplication::clipboard()->setText(QStringLiteral("not dictated"));
     panel->choose("Start Dictation");
     ASSERT_TRUE(tells("Listening"));
     EXPECT_TRUE(offers("Stop Dictation  Alt+Space"));
@@ -79,7 +84,6 @@ TEST_F(Tray, ShowsEachPhaseOfADictationThatItStartsStopsAndConfirms) {
     EXPECT_TRUE(offers("Start Dictation  Alt+Space"));
     panel->choose("Start Dictation");
     ASSERT_TRUE(tells("Check the intent")) << "nothing begins while one is being finished";
-    QGuiApplication::clipboard()->setText(QStringLiteral("not dictated"));
     panel->choose("Start Dictation");
     ASSERT_TRUE(tells("Press fn to speak"));
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), RunningOrlune::understoodWords);
