@@ -62,8 +62,10 @@ int main(int argumentCount, char** arguments) {
     std::setlocale(LC_ALL, "");
     // A reader that goes away is an error of the write, not the end of the program.
     std::signal(SIGPIPE, SIG_IGN);
-    // The key and the user's words pass through memory; they do not belong into a core dump.
-    const rlimit noCoreDump{0, 0};
+    // The key and the user's words pass through memory; they do not belong into a core dump. A
+    // limit of 0 would not do: Linux still hands the dump to a program that collects them. With 1
+    // it makes none, and no file, which would need more.
+    const rlimit noCoreDump{1, 1};
     setrlimit(RLIMIT_CORE, &noCoreDump);
     const auto command = orlune::parseCommandLine({arguments + 1, arguments + argumentCount});
     return std::visit(orlune::CommandRunner(argumentCount, arguments), command);
