@@ -65,8 +65,8 @@ OnboardingView::OnboardingView(std::shared_ptr<AppState> state, const Platform& 
     for (auto* page : {static_cast<QWidget*>(new WelcomePage), keyPage(platform.urlOpener),
                        permissionsPage(), testPage(platform)}) {
         auto* view = ui::scrollView(page);
+        pageLayout->addWidget(view); // first: shown by itself it would be a window
         view->setVisible(steps_.empty());
-        pageLayout->addWidget(view);
         steps_.push_back(view);
     }
     pages_ = new ui::CrossFade(pageHolder);

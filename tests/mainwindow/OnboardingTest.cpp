@@ -22,6 +22,19 @@ struct OnboardingTest : WindowUser, testing::Test {
     }
 };
 
+TEST_F(OnboardingTest, comesUpAsOneWindow) {
+    struct Appearances final : QObject {
+        bool eventFilter(QObject* receiver, QEvent* event) override {
+            count += event->type() == QEvent::Show && receiver->isWindowType();
+            return false;
+        }
+        int count = 0;
+    } appearances;
+    qApp->installEventFilter(&appearances);
+    open();
+    EXPECT_EQ(appearances.count, 1) << "no part of it is shown before it lies in the window";
+}
+
 TEST_F(OnboardingTest, runsToItsEndByKeyboardAlone) {
     open();
     EXPECT_TRUE(tells("Step 1 of 4"));
