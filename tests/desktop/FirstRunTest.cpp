@@ -1,5 +1,6 @@
 // A stranger's first minutes: from nothing to the home page, over a real keyring, by the keyboard
 // alone and by the pointer alone.
+#include "tests/desktop/SpeechService.h"
 #include "tests/desktop/WindowUser.h"
 
 #include <QClipboard>
@@ -15,9 +16,12 @@ namespace keycode = desktop::keycode;
 using desktop::waitUntil;
 using testing::HasSubstr;
 
-class FirstRun : public desktop::DictatingUser {
+class FirstRun : public desktop::WindowUser {
   protected:
-    FirstRun() { launch(); }
+    FirstRun() {
+        environment.merge(service.clientEnvironment());
+        launch();
+    }
 
     void expectPermissions() {
         ASSERT_TRUE(reader.shows("Two permissions. Nothing more."));
@@ -27,6 +31,8 @@ class FirstRun : public desktop::DictatingUser {
                    == 2;
         }));
     }
+
+    desktop::SpeechService service{key};
 };
 
 TEST_F(FirstRun, ByTheKeyboardAlone) {
@@ -49,14 +55,14 @@ TEST_F(FirstRun, ByTheKeyboardAlone) {
     EXPECT_TRUE(reader.shows("Press to start"));
     press({keycode::fn});
     ASSERT_TRUE(hears("Listening"));
-    speaker.speak();
+    desktop::Speaker().speak();
     press({keycode::fn});
     ASSERT_TRUE(reader.shows("Intent check"));
     EXPECT_EQ(reader.await("Test area").text, "");
     press({keycode::fn});
     ASSERT_TRUE(reader.shows("Orlune is ready"));
     EXPECT_FALSE(reader.find("Press to start"));
-    EXPECT_THAT(reader.await("Test area").text, HasSubstr("for a walk"));
+    EXPECT_THAT(reader.await("Test area").text, HasSubstr("The weather is"));
 
     moveTo("Start Using Orlune");
     press({keycode::enter});

@@ -144,6 +144,8 @@ ScreenReader::ScreenReader() {
     if (!atspi_is_initialized() && atspi_init() != 0) {
         throw std::runtime_error("the accessibility bus cannot be reached");
     }
+    constexpr int generous = 30'000; // milliseconds; a program on a loaded machine answers late
+    atspi_set_timeout(generous, generous);
 }
 
 std::string ScreenReader::busAddress() const {

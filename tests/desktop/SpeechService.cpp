@@ -7,7 +7,7 @@
 
 namespace orlune::desktop {
 
-SpeechService::SpeechService(const std::string& key) {
+SpeechService::SpeechService(const std::string& key, const std::string& words) {
     using test::Certificate;
     const auto file = [this](const char* name) { return (folder_.path() / name).string(); };
     const Certificate authority("Orlune test authority");
@@ -17,9 +17,16 @@ SpeechService::SpeechService(const std::string& key) {
     test::write(file("chain.pem"), certificate.certificate());
     test::write(file("key.pem"), certificate.privateKey());
     test::write(file("accepted"), key);
-    program_.emplace(std::vector<std::string>{
-        ORLUNE_LOCAL_SERVICE, "--exit-with-parent", "--tls-certificate", file("chain.pem"),
-        "--tls-key", file("key.pem"), "--require-key-file", file("accepted")});
+    std::vector<std::string> command{
+        ORLUNE_LOCAL_SERVICE, "--exit-with-parent", "--tls-certificate",  file("chain.pem"),
+        "--tls-key",          file("key.pem"),      "--require-key-file", file("accepted")};
+    if (!words.empty()) {
+        test::write(file("script"),
+                    R"({"steps": [{"waitForText": "CloseStream"}, {"wait": 1}, {"final": ")" + words
+                        + R"("}, {"metadata": 1}, {"close": 1000}]})");
+        command.insert(command.end(), {"--script", file("script")});
+    }
+    program_.emplace(command);
     std::string address;
     if (!waitUntil([&] { return (address = program_->standardOutput()).ends_with('\n'); })) {
         throw std::runtime_error("the speech service did not start: " + program_->standardError());

@@ -14,7 +14,9 @@ namespace orlune::desktop {
 /// `orlune-local-service` with a certificate for localhost, which takes one key alone.
 class SpeechService {
   public:
-    explicit SpeechService(const std::string& key);
+    /// With words it understands these whatever is said, and takes its time over them, so that
+    /// "Finishing" is seen.
+    explicit SpeechService(const std::string& key, const std::string& words = {});
 
     /// Where a client finds the service, and whom it trusts.
     OwnProgram::Environment clientEnvironment() const;

@@ -5,7 +5,6 @@
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OwnProgram.h"
 #include "tests/desktop/ScreenReader.h"
-#include "tests/desktop/SpeechService.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -73,19 +72,20 @@ class WindowUser : public testing::Test {
 
     /// One after the other, and up again in the opposite order.
     void press(const std::vector<Keyboard::Keycode>& keys) {
-        for (const auto key : keys) {
-            keyboard.press(key);
+        for (const auto code : keys) {
+            keyboard.press(code);
         }
-        for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-            keyboard.release(*key);
+        for (auto code = keys.rbegin(); code != keys.rend(); ++code) {
+            keyboard.release(*code);
         }
     }
     static void type(const std::string& text) { run({"xdotool", "type", text}); }
 
     /// Whether something gets this name, after what was heard before. Also when it is gone soon.
-    [[nodiscard]] bool hears(std::string_view name) {
-        return waitUntil([&] {
-            const auto& names = heard.names();
+    [[nodiscard]] testing::AssertionResult hears(std::string_view name) {
+        const auto first = heardNames_;
+        const auto& names = heard.names();
+        const bool isHeard = waitUntil([&] {
             while (heardNames_ < names.size()) {
                 if (names[heardNames_++] == name) {
                     return true;
@@ -93,6 +93,12 @@ class WindowUser : public testing::Test {
             }
             return false;
         });
+        if (isHeard) {
+            return testing::AssertionSuccess();
+        }
+        const std::vector<std::string> others(names.begin() + static_cast<std::ptrdiff_t>(first),
+                                              names.end());
+        return testing::AssertionFailure() << "but " << testing::PrintToString(others);
     }
 
     bool isFocused(std::string_view name) const {
@@ -120,6 +126,7 @@ class WindowUser : public testing::Test {
         }
     }
 
+    const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
     const test::TemporaryFolder configuration;
     OwnProgram::Environment environment{{"XDG_CONFIG_HOME", configuration.path()}};
     const ScreenReader reader; // before the program: it looks for one when it starts
@@ -129,16 +136,6 @@ class WindowUser : public testing::Test {
 
   private:
     std::size_t heardNames_ = 0;
-};
-
-/// With a speech service that takes this key alone, and a voice.
-class DictatingUser : public WindowUser {
-  protected:
-    DictatingUser() { environment.merge(service.clientEnvironment()); }
-
-    const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
-    SpeechService service{key};
-    const Speaker speaker;
 };
 
 } // namespace orlune::desktop
