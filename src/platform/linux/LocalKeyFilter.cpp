@@ -1,11 +1,25 @@
 #include "platform/linux/LocalKeyFilter.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QWindow>
 
+#include <algorithm>
 #include <limits>
 
 namespace orlune {
+
+namespace {
+
+/// Nothing else on the keyboard closes a menu.
+bool closesMenu(const QKeyEvent& key) {
+    const auto windows = QGuiApplication::allWindows();
+    return key.key() == Qt::Key_Escape && std::ranges::any_of(windows, [](const QWindow* window) {
+               return window->type() == Qt::Popup && window->isVisible();
+           });
+}
+
+} // namespace
 
 LocalKeyFilter::LocalKeyFilter(Ask ask) : ask_(std::move(ask)) {
     QCoreApplication::instance()->installEventFilter(this);
@@ -33,7 +47,7 @@ bool LocalKeyFilter::eventFilter(QObject* receiver, QEvent* event) {
                               .isDown = type != QEvent::KeyRelease,
                               .isARepeat = key.isAutoRepeat(),
                               .isAnnouncement = isAnnouncement});
-    if (answer == KeyEventAnswer::passOn) {
+    if (answer == KeyEventAnswer::passOn || closesMenu(key)) {
         return false;
     }
     event->accept(); // of an announcement: no shortcut of the window's is to act on it

@@ -1,5 +1,6 @@
-// The keys our own windows are about to receive, with the chance to keep them from them. Installed
-// on the Qt application for as long as it lives; main thread.
+// The keys our own windows are about to receive, with the chance to keep them from them; an open
+// menu receives Escape whatever is answered. Installed on the Qt application for as long as it
+// lives; main thread.
 #pragma once
 
 #include "platform/KeyEvents.h"
