@@ -10,9 +10,10 @@ void present(QWidget& window, WindowServer& windowServer) {
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.show();
     window.raise();
-    // Where no window manager is asked, the toolkit sets the focus itself.
-    window.activateWindow();
     windowServer.activate(window.winId());
+    // Where there is no window manager to ask, the toolkit sets the focus itself. Afterwards: asked
+    // first, some desktops would announce that the window is ready instead.
+    window.activateWindow();
 }
 
 } // namespace orlune::ui
