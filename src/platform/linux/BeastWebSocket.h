@@ -18,7 +18,8 @@ namespace orlune {
 class BeastWebSocketSession final : public WebSocketSession {
   public:
     /// The system's trust store (SSL_CERT_FILE and SSL_CERT_DIR apply) is read once, with the first
-    /// connection: getting TLS ready takes 20 ms and 3 MB, which waiting in the tray can do without.
+    /// connection: getting TLS ready takes 20 ms and 3 MB, which waiting in the tray can do
+    /// without.
     BeastWebSocketSession(Executor executor, ProxySettings proxies);
 
     std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) override;
