@@ -148,6 +148,15 @@ void Keyboard::release(Keycode key) {
     std::erase(pressed_, key);
 }
 
+void Keyboard::tap(const std::vector<Keycode>& keys) {
+    for (const auto key : keys) {
+        press(key);
+    }
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        release(*key);
+    }
+}
+
 void Keyboard::useLayout(const std::vector<std::string>& arguments, unsigned int active) {
     std::vector<std::string> command{"setxkbmap"};
     command.insert(command.end(), arguments.begin(), arguments.end());

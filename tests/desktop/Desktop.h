@@ -50,6 +50,8 @@ class Keyboard {
     /// Through the server's own keyboard device, not through the one synthetic keys come from.
     void press(Keycode key);
     void release(Keycode key);
+    /// One after the other, and up again in the opposite order.
+    void tap(const std::vector<Keycode>& keys);
 
     /// Arguments of setxkbmap, and which of the layouts is active.
     void useLayout(const std::vector<std::string>& arguments, unsigned int active = 0);
@@ -64,6 +66,26 @@ class Keyboard {
     std::unique_ptr<Devices> devices_;
     std::vector<Keycode> pressed_;
 };
+
+/// Where keys are on a keyboard, with the names of the US layout.
+namespace keycode {
+inline constexpr Keyboard::Keycode escape = 9;
+inline constexpr Keyboard::Keycode tab = 23;
+inline constexpr Keyboard::Keycode q = 24;
+inline constexpr Keyboard::Keycode w = 25;
+inline constexpr Keyboard::Keycode enter = 36;
+inline constexpr Keyboard::Keycode control = 37;
+inline constexpr Keyboard::Keycode a = 38;
+inline constexpr Keyboard::Keycode k = 45;
+inline constexpr Keyboard::Keycode shift = 50;
+inline constexpr Keyboard::Keycode alt = 64;
+inline constexpr Keyboard::Keycode space = 65;
+inline constexpr Keyboard::Keycode f4 = 70;
+inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
+inline constexpr Keyboard::Keycode left = 113;
+inline constexpr Keyboard::Keycode right = 114;
+inline constexpr Keyboard::Keycode super = 133;
+} // namespace keycode
 
 /// The class of the window that receives the keys; empty when none does.
 std::string focusedClass();

@@ -38,34 +38,34 @@ class FirstRun : public desktop::WindowUser {
 TEST_F(FirstRun, ByTheKeyboardAlone) {
     ASSERT_TRUE(reader.shows("Speak. Structure. Ship."));
     ASSERT_TRUE(getsFocus("Continue"));
-    press({keycode::enter});
+    keyboard.tap({keycode::enter});
     ASSERT_TRUE(reader.shows("Connect Deepgram."));
     ASSERT_TRUE(getsFocus("Deepgram API key"));
     type(key);
-    press({keycode::enter});
+    keyboard.tap({keycode::enter});
     ASSERT_TRUE(reader.shows("Deepgram key saved securely"));
     EXPECT_EQ(storedKey(), key);
     ASSERT_TRUE(getsFocus("Continue"));
-    press({keycode::enter});
+    keyboard.tap({keycode::enter});
     expectPermissions();
-    press({keycode::enter});
+    keyboard.tap({keycode::enter});
 
     ASSERT_TRUE(reader.shows("Try your first prompt."));
     ASSERT_TRUE(getsFocus("Test area")) << "by itself";
     EXPECT_TRUE(reader.shows("Press to start"));
-    press({keycode::fn});
+    keyboard.tap({keycode::fn});
     ASSERT_TRUE(hears("Listening"));
     desktop::Speaker().speak();
-    press({keycode::fn});
+    keyboard.tap({keycode::fn});
     ASSERT_TRUE(reader.shows("Intent check"));
     EXPECT_EQ(reader.await("Test area").text, "");
-    press({keycode::fn});
+    keyboard.tap({keycode::fn});
     ASSERT_TRUE(reader.shows("Orlune is ready"));
     EXPECT_FALSE(reader.find("Press to start"));
     EXPECT_THAT(reader.await("Test area").text, HasSubstr("The weather is"));
 
     moveTo("Start Using Orlune");
-    press({keycode::enter});
+    keyboard.tap({keycode::enter});
     ASSERT_TRUE(reader.shows("Ready wherever you type"));
     EXPECT_TRUE(does({"quit"}));
     expectEnd();

@@ -44,7 +44,7 @@ class KeyringTrouble : public desktop::WindowUser {
 
     void expectRefusal(const char* reason, bool isContinueThere) {
         EXPECT_FALSE(reader.reads(reason));
-        press({keycode::enter});
+        keyboard.tap({keycode::enter});
         EXPECT_TRUE(waitUntil([&] { return reader.reads(reason); })) << reason;
         if (isContinueThere) {
             EXPECT_FALSE(reader.await("Continue").isEnabled);
@@ -64,7 +64,7 @@ class KeyringTrouble : public desktop::WindowUser {
         expectRefusal("did not answer within", isContinueThere);
         session.thawKeyring();
         EXPECT_EQ(storedKey(), "");
-        press({keycode::enter});
+        keyboard.tap({keycode::enter});
         EXPECT_TRUE(reader.shows(saved));
         EXPECT_EQ(storedKey(), "the-key");
     }

@@ -33,14 +33,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using Modifiers = DictationShortcut::Modifiers;
 
-namespace keycode {
-constexpr Keyboard::Keycode escape = 9;
-constexpr Keyboard::Keycode leftControl = 37;
-constexpr Keyboard::Keycode leftShift = 50;
-constexpr Keyboard::Keycode leftAlt = 64;
-constexpr Keyboard::Keycode space = 65;
-constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
-} // namespace keycode
+namespace keycode = desktop::keycode;
 
 constexpr QSize screen{1280, 800};
 constexpr QSize capsule{262, 82};
@@ -185,14 +178,14 @@ TEST_F(PushToTalk, HoldToSpeakListensWhileTheKeyIsDown) {
     start();
     keyboard_.press(keycode::fn);
     ASSERT_TRUE(reaches("listening"));
-    tap(keycode::leftShift);
+    tap(keycode::shift);
     EXPECT_EQ(phase(), "listening") << "Shift changes nothing";
     keyboard_.release(keycode::fn);
     ASSERT_TRUE(reaches("reviewing"));
 
     // The shortcut, Shift and Alt are still held while the text is pasted.
-    keyboard_.press(keycode::leftShift);
-    keyboard_.press(keycode::leftAlt);
+    keyboard_.press(keycode::shift);
+    keyboard_.press(keycode::alt);
     keyboard_.press(keycode::fn);
     EXPECT_TRUE(waitUntil([&] { return terminal.typed() == "Rename the button."; }))
         << terminal.typed();
@@ -222,13 +215,13 @@ TEST_F(PushToTalk, AKeyWithModifiersEndsWhenTheKeyComesUp) {
     desktop::run({"xset", "r", "rate", "50", "50"});
     const Terminal terminal;
     start();
-    keyboard_.press(keycode::leftControl);
-    keyboard_.press(keycode::leftAlt);
+    keyboard_.press(keycode::control);
+    keyboard_.press(keycode::alt);
     keyboard_.press(keycode::space);
     ASSERT_TRUE(reaches("listening"));
     // In this order: Alt and the repeating space would open the window manager's menu.
-    keyboard_.release(keycode::leftAlt);
-    keyboard_.release(keycode::leftControl);
+    keyboard_.release(keycode::alt);
+    keyboard_.release(keycode::control);
     EXPECT_TRUE(waitUntil([&] { return terminal.typed().size() > 3; })) << "the key repeats";
     EXPECT_EQ(phase(), "listening");
     keyboard_.release(keycode::space);
@@ -274,6 +267,7 @@ TEST_F(PushToTalk, ShowsOnTheScreenUnderThePointer) {
     desktop::movePointer(right.center());
     tap(keycode::fn);
     EXPECT_TRUE(rests(atRest(capsule, right)));
+    ASSERT_TRUE(reaches("listening")) << "before that a press does nothing";
     desktop::movePointer(left.center());
     tap(keycode::fn);
     ASSERT_TRUE(reaches("reviewing"));

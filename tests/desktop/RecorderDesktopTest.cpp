@@ -24,7 +24,7 @@ class Recorder : public desktop::SettingsUser {
         ASSERT_TRUE(says("press shortcut"));
     }
     void expectDictationBy(const Keys& shortcut) {
-        press(shortcut);
+        keyboard.tap(shortcut);
         ASSERT_TRUE(orlune.reaches("listening"));
         abandon();
     }
@@ -36,27 +36,27 @@ TEST_F(Recorder, MakesTheKeysThatArePressedTheShortcut) {
     const Keys fnSpace{keycode::fn, keycode::space};
 
     arm("fn");
-    press(fn);
+    keyboard.tap(fn);
     ASSERT_TRUE(says("fn")) << "the one that it was";
     expectNothingFrom({});
 
     arm("fn");
-    press(shiftSuperK);
+    keyboard.tap(shiftSuperK);
     ASSERT_TRUE(says("⇧⌘k"));
     expectNothingFrom(fn);
     expectDictationBy(shiftSuperK);
 
     arm("⇧⌘k");
-    press(fn);
+    keyboard.tap(fn);
     ASSERT_TRUE(says("fn"));
     expectNothingFrom(shiftSuperK);
     expectDictationBy(fn);
 
     // The recorder keeps the focus, and Space presses it.
     moveTo("Shortcut, fn");
-    press({keycode::space});
+    keyboard.tap({keycode::space});
     ASSERT_TRUE(says("press shortcut"));
-    press(fnSpace);
+    keyboard.tap(fnSpace);
     ASSERT_TRUE(says("fn space"));
     EXPECT_EQ(orlune.phase(), "idle");
     expectDictationBy(fnSpace);
@@ -82,7 +82,7 @@ TEST_F(Recorder, RefusesAKeyWithoutAModifierWithOneBeep) {
 
 TEST_F(Recorder, LeavesTheShortcutAloneWhenItIsLeft) {
     arm("fn");
-    press({keycode::escape});
+    keyboard.tap({keycode::escape});
     ASSERT_TRUE(says("fn"));
     EXPECT_TRUE(reader.shows("Intent Check")) << "Escape was meant for the recorder";
     expectDictationBy({keycode::fn});

@@ -6,33 +6,16 @@
 #include <boost/json/serialize.hpp>
 
 #include <stdexcept>
+#include <vector>
 
 namespace orlune::desktop {
 
-namespace {
-
-/// It takes its time over the last words, so that "Finishing" is seen.
-std::string script() {
-    return std::string(R"({"steps": [{"waitForText": "CloseStream"}, {"wait": 0.7}, {"final": ")")
-           + RunningOrlune::understoodWords + R"("}, {"metadata": 1}, {"close": 1000}]})";
-}
-
-} // namespace
-
 RunningOrlune::RunningOrlune() {
     OwnProgram setting({ORLUNE_PROGRAM, "key", "set"});
-    setting.type("any-key\n");
+    setting.type(std::string(key) + '\n');
     if (setting.exitCode() != 0) {
         throw std::runtime_error("no key could be stored: " + setting.standardError());
     }
-    const auto file = folder_.path() / "script.json";
-    test::write(file, script());
-    service_ = std::make_unique<OwnProgram>(std::vector<std::string>{
-        ORLUNE_LOCAL_SERVICE, "--exit-with-parent", "--script", file.string()});
-    if (!waitUntil([&] { return (address_ = service_->standardOutput()).ends_with('\n'); })) {
-        throw std::runtime_error("the speech service did not start: " + service_->standardError());
-    }
-    address_.pop_back();
     start();
 }
 
@@ -41,10 +24,9 @@ RunningOrlune::~RunningOrlune() {
 }
 
 void RunningOrlune::start() {
-    program_ =
-        std::make_unique<OwnProgram>(std::vector<std::string>{ORLUNE_PROGRAM, "--background"},
-                                     OwnProgram::Environment{{"XDG_CONFIG_HOME", folder_.path()},
-                                                             {"ORLUNE_ENDPOINT", address_}});
+    auto environment = service_.clientEnvironment();
+    environment["XDG_CONFIG_HOME"] = folder_.path();
+    program_.emplace(std::vector<std::string>{ORLUNE_PROGRAM, "--background"}, environment);
     EXPECT_TRUE(reaches("idle"));
 }
 
@@ -72,7 +54,7 @@ testing::AssertionResult RunningOrlune::reaches(const std::string& phase) {
         return testing::AssertionSuccess();
     }
     return testing::AssertionFailure() << "it is " << run({ORLUNE_PROGRAM, "status"})
-                                       << program_->standardError() << service_->standardError();
+                                       << program_->standardError() << service_.outputs();
 }
 
 std::string activeWindowTitle() {

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/SpeechService.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -37,10 +37,11 @@ class RunningOrlune {
   private:
     void start();
 
+    static constexpr auto key = "any-key";
+
     const test::TemporaryFolder folder_;
-    std::unique_ptr<OwnProgram> service_;
-    std::string address_;
-    std::unique_ptr<OwnProgram> program_;
+    SpeechService service_{key, understoodWords};
+    std::optional<OwnProgram> program_;
 };
 
 /// The title of the window that is in front.

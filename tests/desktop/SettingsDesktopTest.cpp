@@ -31,7 +31,7 @@ class Settings : public desktop::SettingsUser {
             click(reader, card);
         } else {
             moveTo(card == holdToSpeak ? tapToToggle : holdToSpeak);
-            press({card == holdToSpeak ? keycode::right : keycode::left});
+            keyboard.tap({card == holdToSpeak ? keycode::right : keycode::left});
         }
         ASSERT_TRUE(becomes(card, true));
     }
@@ -41,7 +41,7 @@ class Settings : public desktop::SettingsUser {
             click(reader, toggle);
         } else {
             moveTo(toggle);
-            press({keycode::space});
+            keyboard.tap({keycode::space});
         }
         ASSERT_TRUE(becomes(toggle, !wasChecked));
     }

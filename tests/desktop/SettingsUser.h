@@ -12,19 +12,6 @@
 
 namespace orlune::desktop {
 
-namespace keycode {
-inline constexpr Keyboard::Keycode escape = 9;
-inline constexpr Keyboard::Keycode tab = 23;
-inline constexpr Keyboard::Keycode a = 38;
-inline constexpr Keyboard::Keycode k = 45;
-inline constexpr Keyboard::Keycode shift = 50;
-inline constexpr Keyboard::Keycode space = 65;
-inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
-inline constexpr Keyboard::Keycode left = 113;
-inline constexpr Keyboard::Keycode right = 114;
-inline constexpr Keyboard::Keycode super = 133;
-} // namespace keycode
-
 class SettingsUser : public testing::Test {
   protected:
     using Keys = std::vector<Keyboard::Keycode>;
@@ -37,16 +24,6 @@ class SettingsUser : public testing::Test {
         EXPECT_TRUE(reader.shows("Intent Check"));
     }
 
-    /// One after the other, and up again in the opposite order.
-    void press(const Keys& keys) {
-        for (const auto key : keys) {
-            keyboard.press(key);
-        }
-        for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-            keyboard.release(*key);
-        }
-    }
-
     std::string focusedName() {
         const auto element = reader.focused();
         return element ? element->name : "";
@@ -54,7 +31,7 @@ class SettingsUser : public testing::Test {
     /// Presses Tab, and waits until it has had its effect. Whatever was pressed before had its own.
     void moveOn() {
         const auto before = focusedName();
-        press({keycode::tab});
+        keyboard.tap({keycode::tab});
         ASSERT_TRUE(waitUntil([&] { return focusedName() != before; })) << before;
     }
     void moveTo(const std::string& name) {
@@ -66,16 +43,16 @@ class SettingsUser : public testing::Test {
 
     /// Speaks, and ends.
     void dictate(const Keys& shortcut = {keycode::fn}) {
-        press(shortcut);
+        keyboard.tap(shortcut);
         ASSERT_TRUE(orlune.reaches("listening"));
-        press(shortcut);
+        keyboard.tap(shortcut);
     }
     void abandon() {
-        press({keycode::escape});
+        keyboard.tap({keycode::escape});
         ASSERT_TRUE(orlune.reaches("idle"));
     }
     void expectNothingFrom(const Keys& shortcut) {
-        press(shortcut);
+        keyboard.tap(shortcut);
         moveOn();
         EXPECT_EQ(orlune.phase(), "idle");
     }

@@ -17,17 +17,6 @@
 
 namespace orlune::desktop {
 
-namespace keycode {
-inline constexpr Keyboard::Keycode tab = 23;
-inline constexpr Keyboard::Keycode q = 24;
-inline constexpr Keyboard::Keycode w = 25;
-inline constexpr Keyboard::Keycode enter = 36;
-inline constexpr Keyboard::Keycode control = 37;
-inline constexpr Keyboard::Keycode alt = 64;
-inline constexpr Keyboard::Keycode f4 = 70;
-inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
-} // namespace keycode
-
 class WindowUser : public testing::Test {
   protected:
     /// Nothing stays behind: neither the program nor a key. While all around them is still there.
@@ -56,12 +45,16 @@ class WindowUser : public testing::Test {
         program.reset();
     }
     /// Whether `orlune` with these arguments succeeds.
-    [[nodiscard]] bool does(std::vector<std::string> arguments, std::string_view input = {}) const {
+    [[nodiscard]] testing::AssertionResult does(std::vector<std::string> arguments,
+                                                std::string_view input = {}) const {
         arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
         OwnProgram command(arguments, environment);
         command.type(input);
         command.closeInput();
-        return command.exitCode() == 0;
+        if (command.exitCode() == 0) {
+            return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << command.standardError();
     }
     /// As the desktop's own tool finds it.
     std::string storedKey() const {
@@ -70,15 +63,6 @@ class WindowUser : public testing::Test {
         return tool.standardOutput();
     }
 
-    /// One after the other, and up again in the opposite order.
-    void press(const std::vector<Keyboard::Keycode>& keys) {
-        for (const auto code : keys) {
-            keyboard.press(code);
-        }
-        for (auto code = keys.rbegin(); code != keys.rend(); ++code) {
-            keyboard.release(*code);
-        }
-    }
     static void type(const std::string& text) { run({"xdotool", "type", text}); }
 
     /// Whether something gets this name, after what was heard before. Also when it is gone soon.
@@ -116,7 +100,7 @@ class WindowUser : public testing::Test {
     /// Presses Tab, and waits until the screen reader is told where that leads.
     void moveOn() {
         const auto count = heard.focused().size();
-        press({keycode::tab});
+        keyboard.tap({keycode::tab});
         ASSERT_TRUE(waitUntil([&] { return heard.focused().size() > count; }));
     }
     void moveTo(const std::string& name) {
