@@ -148,6 +148,8 @@ TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
     launch();
     ASSERT_TRUE(reader.shows(home));
     const desktop::Program other({"xterm"});
+    const auto isLeft = [] { return desktop::focusedClass() == "XTerm"; };
+    ASSERT_TRUE(waitUntil(isLeft));
     const std::vector<std::pair<std::vector<desktop::Keyboard::Keycode>, std::vector<std::string>>>
         waysOutAndBack{{{keycode::control, keycode::w}, {}},
                        {{keycode::alt, keycode::f4}, {"show"}},
@@ -158,7 +160,7 @@ TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
         keyboard.tap(out);
         ASSERT_TRUE(reader.hides(home));
         EXPECT_TRUE(does({"status"}));
-        ASSERT_TRUE(waitUntil([] { return desktop::focusedClass() == "XTerm"; }));
+        ASSERT_TRUE(waitUntil(isLeft));
         EXPECT_TRUE(does(back));
         EXPECT_TRUE(reader.shows(home));
         EXPECT_TRUE(hasKeyboard());
