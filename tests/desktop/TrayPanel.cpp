@@ -47,6 +47,7 @@ std::string tipIn(const QVariant& tip) {
     }
     argument.endArray();
     argument >> title;
+    argument.endStructure();
     return title.toStdString();
 }
 
