@@ -33,7 +33,7 @@ class Home : public desktop::WindowUser {
 TEST_F(Home, TakesADictationAndTellsHowItGoes) {
     const std::string idle = "Press fn to speak. Your prompt will appear at the active cursor";
     const desktop::SpeechService service(
-        key, "Add a dark mode to the settings. Make sure the choice is kept.");
+        key, "Add a dark mode to the settings. Make sure the choice is kept.", /*pause=*/1);
     environment.merge(service.clientEnvironment());
     ASSERT_TRUE(does({"key", "set"}, key + "\n"));
     launch();

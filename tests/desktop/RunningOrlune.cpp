@@ -10,7 +10,7 @@
 
 namespace orlune::desktop {
 
-RunningOrlune::RunningOrlune() {
+RunningOrlune::RunningOrlune(double pause) : service_(key, understoodWords, pause) {
     OwnProgram setting({ORLUNE_PROGRAM, "key", "set"});
     setting.type(std::string(key) + '\n');
     if (setting.exitCode() != 0) {

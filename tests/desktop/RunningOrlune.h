@@ -17,8 +17,8 @@ class RunningOrlune {
   public:
     static constexpr auto understoodWords = "Rename the button.";
 
-    /// Starts it, and waits until it is idle.
-    RunningOrlune();
+    /// Starts it, and waits until it is idle. The service takes `pause` seconds over the words.
+    explicit RunningOrlune(double pause = 0);
     /// Removes the key.
     ~RunningOrlune();
     RunningOrlune(const RunningOrlune&) = delete;
@@ -40,7 +40,7 @@ class RunningOrlune {
     static constexpr auto key = "any-key";
 
     const test::TemporaryFolder folder_;
-    SpeechService service_{key, understoodWords};
+    SpeechService service_;
     std::optional<OwnProgram> program_;
 };
 

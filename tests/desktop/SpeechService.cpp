@@ -7,7 +7,7 @@
 
 namespace orlune::desktop {
 
-SpeechService::SpeechService(const std::string& key, const std::string& words) {
+SpeechService::SpeechService(const std::string& key, const std::string& words, double pause) {
     using test::Certificate;
     const auto file = [this](const char* name) { return (folder_.path() / name).string(); };
     const Certificate authority("Orlune test authority");
@@ -21,9 +21,9 @@ SpeechService::SpeechService(const std::string& key, const std::string& words) {
         ORLUNE_LOCAL_SERVICE, "--exit-with-parent", "--tls-certificate",  file("chain.pem"),
         "--tls-key",          file("key.pem"),      "--require-key-file", file("accepted")};
     if (!words.empty()) {
-        test::write(file("script"),
-                    R"({"steps": [{"waitForText": "CloseStream"}, {"wait": 1}, {"final": ")" + words
-                        + R"("}, {"metadata": 1}, {"close": 1000}]})");
+        test::write(file("script"), R"({"steps": [{"waitForText": "CloseStream"}, {"wait": )"
+                                        + std::to_string(pause) + R"(}, {"final": ")" + words
+                                        + R"("}, {"metadata": 1}, {"close": 1000}]})");
         command.insert(command.end(), {"--script", file("script")});
     }
     program_.emplace(command);

@@ -14,9 +14,9 @@ namespace orlune::desktop {
 /// `orlune-local-service` with a certificate for localhost, which takes one key alone.
 class SpeechService {
   public:
-    /// With words it understands these whatever is said, and takes its time over them, so that
-    /// "Finishing" is seen.
-    explicit SpeechService(const std::string& key, const std::string& words = {});
+    /// With words it understands these whatever is said. It takes `pause` seconds over them, so
+    /// that "Finishing" is seen; the program does not wait longer than 1.8.
+    explicit SpeechService(const std::string& key, const std::string& words = {}, double pause = 0);
 
     /// Where a client finds the service, and whom it trusts.
     OwnProgram::Environment clientEnvironment() const;

@@ -44,7 +44,7 @@ class Tray : public testing::Test {
         return waitUntil([&] { return activeWindowTitle() == title; });
     }
 
-    RunningOrlune orlune;
+    RunningOrlune orlune{/*pause=*/0.7};
     std::optional<TrayPanel> panel = std::make_optional<TrayPanel>();
 };
 
