@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <utility>
@@ -94,10 +95,14 @@ bool ShortcutRecorderButton::event(QEvent* event) {
     return ui::Button::event(event);
 }
 
-/// Most of the page takes no focus when it is clicked.
+/// Most of the page takes no focus when it is clicked. By the place, because a click that nobody
+/// takes is handed on to what lies around.
 bool ShortcutRecorderButton::eventFilter(QObject* receiver, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress && receiver->isWidgetType() && receiver != this) {
-        cancel();
+    if (event->type() == QEvent::MouseButtonPress && receiver->isWidgetType()) {
+        const auto place = static_cast<QMouseEvent*>(event)->globalPosition();
+        if (!QRectF(rect()).contains(mapFromGlobal(place))) {
+            cancel();
+        }
     }
     return ui::Button::eventFilter(receiver, event);
 }

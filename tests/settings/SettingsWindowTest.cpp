@@ -124,6 +124,8 @@ TEST_F(SettingsWindowTest, aRecordingEndsOnceHoweverItIsLeft) {
     EXPECT_TRUE(entry()->hasFocus());
 
     click("Shortcut,");
+    QTest::mouseClick(recorder(), Qt::RightButton);
+    EXPECT_TRUE(dictation.state().isCapturingShortcut());
     QTest::mouseClick(&window, Qt::LeftButton, {}, QPoint(1, 1));
     expectEnd();
 
