@@ -25,8 +25,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr Keyboard::Keycode rightControl = 105; // stands in for Fn
-
 struct Outcome {
     std::optional<int> exitCode;
     std::string output;
@@ -154,8 +152,7 @@ TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
 
 TEST_F(RunningProgram, HearsTheShortcutUntilTheScreenIsLocked) {
     const auto program = started();
-    keyboard.press(rightControl);
-    keyboard.release(rightControl);
+    keyboard.tap({desktop::keycode::fn});
     ASSERT_TRUE(reaches("listening")) << status();
     auto locked = QDBusMessage::createSignal(QStringLiteral("/ScreenSaver"),
                                              QStringLiteral("org.freedesktop.ScreenSaver"),
