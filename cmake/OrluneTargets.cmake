@@ -29,7 +29,7 @@ if(ORLUNE_HARDEN)
     check_pie_supported()
     target_compile_options(orlune_flags INTERFACE
         -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
-        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
     target_compile_definitions(orlune_flags INTERFACE _GLIBCXX_ASSERTIONS)
     target_link_options(orlune_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 endif()
@@ -52,10 +52,6 @@ orlune_precompiled_headers(orlune_pch HEADERS ${heavy_headers})
 orlune_precompiled_headers(orlune_views_pch
     HEADERS ${heavy_headers} <QBoxLayout> <QPainter> <QPainterPath> <QWidget>
     LINK Qt6::Widgets)
-if(BUILD_TESTING)
-    orlune_precompiled_headers(orlune_test_pch HEADERS ${heavy_headers} <gmock/gmock.h> <gtest/gtest.h>
-        LINK GTest::gmock GTest::gtest)
-endif()
 
 # orlune_library(<name> [VIEWS] SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
 # One library per floor: what a floor may include is what it links. VIEWS: Qt's widgets are

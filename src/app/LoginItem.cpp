@@ -48,7 +48,7 @@ std::string quoted(const std::string& argument) {
 } // namespace
 
 LoginItem::LoginItem(const fs::path& configurationHome)
-    : file_(configurationHome / "autostart" / (std::string(bundleIdentifier) + ".desktop")) {}
+    : file_((configurationHome / "autostart" / bundleIdentifier) += ".desktop") {}
 
 bool LoginItem::isEnabled() const {
     std::ifstream stream(file_);

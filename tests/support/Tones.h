@@ -27,7 +27,7 @@ double amplitudeAt(double frequency, const Samples& samples, double sampleRate) 
     double frame = 0;
     for (const auto sample : samples) {
         const double angle = 2 * std::numbers::pi * frequency * frame++ / sampleRate;
-        sum += std::polar(static_cast<double>(sample), angle);
+        sum += static_cast<double>(sample) * std::polar(1.0, angle);
     }
     return 2 * std::abs(sum) / frame;
 }
