@@ -196,6 +196,12 @@ void AppState::beginDictation() {
 
 Awaitable<void> AppState::connect(std::string key, SessionID identity) {
     try {
+        // Packets of a superseded dictation must not reach the connection of this one.
+        auto drained = lastSendTask_.value();
+        co_await std::move(drained);
+        if (!isConnecting(identity)) {
+            co_return;
+        }
         auto onTranscript = [weakSelf = weak_from_this(), identity,
                              main = main_](std::string text) {
             boost::asio::post(main, [weakSelf, identity, text = std::move(text)] {
@@ -230,6 +236,7 @@ void AppState::startCapture(SessionID identity) {
                 co_await std::move(sending);
             }
         });
+    lastSendTask_ = audioSendTask_;
     const auto format = audio_.prepare(
         [weakSelf = weak_from_this(), main = main_](double level) {
             boost::asio::post(main, [weakSelf, level] {
@@ -301,6 +308,10 @@ Awaitable<void> AppState::finish(Task sending, SessionID identity) {
     try {
         auto drained = sending.value();
         co_await std::move(drained);
+        // The connection may be that of a newer dictation by now.
+        if (sessionID_ != identity) {
+            co_return;
+        }
         auto finishing = deepgram_->finish();
         const std::string transcript = co_await std::move(finishing);
         if (sessionID_ != identity) {
@@ -378,7 +389,8 @@ void AppState::tearDownCapture() {
         audioPacketStream_->continuation.finish();
         audioPacketStream_.reset();
     }
-    std::exchange(audioSendTask_, {}).cancel();
+    audioSendTask_ = {};
+    lastSendTask_.cancel(); // also when it drains what was said before the end
 }
 
 void AppState::cancelTranscription() {

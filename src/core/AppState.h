@@ -163,6 +163,9 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     Task hideTask_;
     std::optional<AudioPacketStream> audioPacketStream_;
     Task audioSendTask_;
+    /// The newest send task, until the next one: it may still drain packets when the dictation
+    /// that it belongs to has been superseded.
+    Task lastSendTask_;
 };
 
 } // namespace orlune

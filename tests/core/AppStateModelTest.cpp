@@ -190,7 +190,7 @@ class RandomOrder {
     explicit RandomOrder(unsigned seed) : random_(seed) { harness_.state(); }
 
     void step() {
-        switch (pick(16)) {
+        switch (pick(17)) {
         case 0:
         case 1:
         case 2:
@@ -236,6 +236,9 @@ class RandomOrder {
             note("hear");
             harness_.hear();
             break;
+        case 14:
+            supersede();
+            break;
         default:
             advance();
             break;
@@ -268,6 +271,39 @@ class RandomOrder {
         note((isFinal ? "final '" : "interim '") + std::string(text) + "'");
         harness_.result(text, isFinal);
         model_.result(text, isFinal);
+    }
+
+    /// Ends, cancels and begins within one turn. Nothing of the first dictation, neither its
+    /// packets nor its close message, may reach the connection of the second.
+    void supersede() {
+        if (model_.phase != "listening") {
+            return;
+        }
+        const bool isHeld = pick(2) == 0;
+        note(isHeld ? "supersede behind a slow line" : "supersede");
+        const auto old = harness_.platform.webSockets.task();
+        if (isHeld) {
+            old->holdSending();
+        }
+        harness_.hear();
+        harness_.hear();
+        harness_.state().endDictation();
+        if (pick(2) == 0) {
+            harness_.platform.runUntilIdle(); // held, the first waits for its packets here
+            if (!isHeld || !model_.canSend) {
+                model_.end();
+            }
+        }
+        harness_.state().cancelDictation();
+        harness_.state().beginDictation();
+        old->releaseSending();
+        harness_.platform.runUntilIdle();
+        model_.cancel();
+        model_.begin();
+        const auto current = harness_.platform.webSockets.task();
+        if (current != old) {
+            ASSERT_TRUE(current->sent().empty()) << story_;
+        }
     }
 
     void cutTheLine() {
