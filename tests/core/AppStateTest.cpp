@@ -162,6 +162,20 @@ TEST(AppStateTest, theLatencyOfFirstTextAndOfInsertionIsLogged) {
                     MemoryLog::Entry{Log::Level::info, "Latency", "key_release_to_insert_ms=999"}));
 }
 
+TEST(AppStateTest, textThatComesBeforeTheCaptureIsNotMeasuredFromTheLastDictation) {
+    DictationHarness harness;
+    harness.dictate("one");
+    harness.confirm();
+    const auto measured = harness.platform.log.entries().size();
+    harness.platform.audioEngine.format.channelCount = 0; // this dictation never captures
+    harness.state().beginDictation();
+    while (harness.platform.webSockets.tasks().size() < 2 && harness.platform.queue.runOne()) {
+    }
+    harness.result("early", /*isFinal=*/true);
+    EXPECT_EQ(harness.transcript(), "early");
+    EXPECT_EQ(harness.platform.log.entries().size(), measured);
+}
+
 TEST(AppStateTest, everyFailureHasItsTextStaysTwoSecondsAndLeavesNothingRunning) {
     struct Row {
         const char* expected;
