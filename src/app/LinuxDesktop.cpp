@@ -24,11 +24,16 @@
 
 #include <QGuiApplication>
 
+#include <chrono>
 #include <optional>
 
 namespace orlune {
 
 namespace {
+
+/// How long the program's end waits for a service to answer a close: a few round trips around the
+/// world, and no more than a person bears after Ctrl-C.
+constexpr std::chrono::seconds closingLimit{1};
 
 /// The replacement, or what stands in its place for as long as the desktop does.
 template <typename Real, typename Interface, typename Make>
@@ -147,6 +152,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
 
 /// No work may run, on either thread, once the first facility is gone.
 LinuxDesktop::Facilities::~Facilities() {
+    webSockets->closeAll(closingLimit);
     background.stop();
     mainActor.reset();
 }

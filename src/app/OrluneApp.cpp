@@ -23,9 +23,6 @@ namespace orlune {
 
 namespace {
 
-/// What a cancelled dictation is given to close its connection properly.
-constexpr auto closingTime = std::chrono::milliseconds(300);
-
 /// The shared state stands on the platform, so it goes first.
 class SharedState {
   public:
@@ -34,12 +31,6 @@ class SharedState {
     SharedState(const SharedState&) = delete;
     SharedState& operator=(const SharedState&) = delete;
 };
-
-bool isUnderWay(const AppState& state) {
-    using Case = AppState::Phase::Case;
-    const auto& phase = state.phase().get();
-    return phase.is(Case::listening) || phase.is(Case::processing) || phase.is(Case::reviewing);
-}
 
 /// Painted, so that the windows have it also where the program is not installed.
 QIcon applicationIcon() {
@@ -131,9 +122,8 @@ void OrluneApp::launch(const Platform& platform) {
 
 void OrluneApp::terminate() {
     remote_.release();
-    const bool closes = isUnderWay(*state_) && !std::exchange(isTerminating_, true);
     state_->cancelDictation();
-    QTimer::singleShot(closes ? closingTime : closingTime.zero(), qApp, &QCoreApplication::quit);
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
 }
 
 void OrluneApp::perform(RemoteRequest request) {

@@ -53,7 +53,6 @@ class OrluneApp {
     std::optional<AppWindows> windows_;
     std::optional<AppDelegate> delegate_;
     std::optional<StatusItem> statusItem_;
-    bool isTerminating_ = false;
 };
 
 } // namespace orlune

@@ -135,10 +135,7 @@ void TerminalDictation::enter(AppState::Phase::Case phase) {
         const bool wasCancelled = message == "Cancelled";
         exitCode_ = wasCancelled ? exitCancelled : exitFailed;
         view_.print(wasCancelled ? message + "\n" : "orlune: " + message + "\n");
-        // A moment is left for the connection to close with its proper code.
-        if (!wasCancelled) {
-            quit(exitCode_);
-        }
+        quit(exitCode_);
         break;
     }
     case Case::idle:

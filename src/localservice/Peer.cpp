@@ -160,7 +160,7 @@ asio::awaitable<std::optional<Peer::Incoming>> Peer::read() {
     auto token = asio::redirect_error(asio::use_awaitable, error);
     co_await stream_.async_read(buffer_, token);
     if (error == websocket::error::closed) {
-        end_ = "closed by handshake";
+        end_ = "closed with " + std::to_string(stream_.reason().code);
         co_return std::nullopt;
     }
     if (error) {

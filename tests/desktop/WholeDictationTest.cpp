@@ -78,6 +78,13 @@ class WholeDictation : public testing::Test {
         return code;
     }
 
+    /// A process that ends before its close message is out shows there as a broken connection.
+    void expectServiceSawClose(int code) {
+        const auto closed = "closed with " + std::to_string(code) + "\n";
+        EXPECT_TRUE(waitUntil([&] { return service_.outputs().find(closed) != std::string::npos; }))
+            << service_.outputs();
+    }
+
     void expectShownAndMeasured(OwnProgram& program) {
         EXPECT_THAT(program.standardError(),
                     AllOf(HasSubstr("\nGoal\n  The weather is nice today"),
@@ -103,6 +110,7 @@ TEST_F(WholeDictation, ArrivesInATerminal) {
     EXPECT_THAT(desktop::recordings(), Not(testing::IsEmpty()));
     speakAndEnd(*program);
     EXPECT_EQ(end(*program), 0) << program->standardError();
+    expectServiceSawClose(1000);
     expectShownAndMeasured(*program);
     EXPECT_TRUE(waitUntil([&] { return textOf(file).find("walk.") != std::string::npos; }));
     const auto typed = textOf(file);
@@ -143,7 +151,16 @@ TEST_F(WholeDictation, IsCancelledByAnInterrupt) {
     EXPECT_TRUE(waitUntil([] { return desktop::recordings().empty(); }))
         << "the microphone is still open";
     EXPECT_EQ(end(*program), 130);
+    expectServiceSawClose(1001);
     EXPECT_EQ(program->standardOutput(), "");
+}
+
+TEST_F(WholeDictation, ClosesItsConnectionWhenNothingWasSaid) {
+    const auto program = listening({});
+    program->type("\n");
+    EXPECT_EQ(end(*program), 1);
+    EXPECT_THAT(program->standardError(), HasSubstr("No speech was transcribed"));
+    expectServiceSawClose(1000);
 }
 
 TEST_F(WholeDictation, KeepsWhatWasHeardWhenTheSoundServerDies) {

@@ -63,9 +63,11 @@ void requireSendable(const WebSocketRequest& request) {
 
 BeastConnection::BeastConnection(const Executor& executor,
                                  std::shared_ptr<asio::ssl::context> trust, ProxySettings proxies,
-                                 WebSocketRequest request)
+                                 WebSocketRequest request,
+                                 std::shared_ptr<OpenConnections> openConnections)
     : strand_(asio::make_strand(executor)), trust_(std::move(trust)), proxies_(std::move(proxies)),
-      request_(std::move(request)), limit_(strand_), room_(strand_) {}
+      openConnections_(std::move(openConnections)), request_(std::move(request)), limit_(strand_),
+      room_(strand_) {}
 
 BeastConnection::~BeastConnection() {
     wipeRequest();
@@ -88,15 +90,17 @@ template <typename Work>
 void BeastConnection::spawn(Work work) {
     // The coroutines turn their errors into the connection's end; what is left is a broken
     // assumption, such as memory that has run out.
-    asio::co_spawn(strand_, std::move(work), [self = shared_from_this()](std::exception_ptr error) {
-        if (error) {
-            std::fputs("orlune: an error escaped a connection\n", stderr);
-            self->end("The connection was lost");
-            if (self->transport_) {
-                self->transport_->drop();
+    asio::co_spawn(
+        strand_, std::move(work),
+        [self = shared_from_this(), open = openConnections_->hold()](std::exception_ptr error) {
+            if (error) {
+                std::fputs("orlune: an error escaped a connection\n", stderr);
+                self->end("The connection was lost");
+                if (self->transport_) {
+                    self->transport_->drop();
+                }
             }
-        }
-    });
+        });
 }
 
 void BeastConnection::resume() {

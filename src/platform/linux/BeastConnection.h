@@ -7,6 +7,7 @@
 #include "platform/Continuation.h"
 #include "platform/WebSocket.h"
 #include "platform/linux/BeastTransport.h"
+#include "platform/linux/OpenConnections.h"
 
 #include <boost/asio/steady_timer.hpp>
 
@@ -20,7 +21,8 @@ namespace orlune {
 class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
   public:
     BeastConnection(const Executor& executor, std::shared_ptr<boost::asio::ssl::context> trust,
-                    ProxySettings proxies, WebSocketRequest request);
+                    ProxySettings proxies, WebSocketRequest request,
+                    std::shared_ptr<OpenConnections> openConnections);
     ~BeastConnection();
     BeastConnection(const BeastConnection&) = delete;
     BeastConnection& operator=(const BeastConnection&) = delete;
@@ -64,6 +66,7 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     const Executor strand_;
     const std::shared_ptr<boost::asio::ssl::context> trust_;
     const ProxySettings proxies_;
+    const std::shared_ptr<OpenConnections> openConnections_;
     WebSocketRequest request_;
 
     // On the strand alone.

@@ -31,12 +31,19 @@ class BeastWebSocketTask final : public WebSocketTask {
 } // namespace
 
 BeastWebSocketSession::BeastWebSocketSession(Executor executor, ProxySettings proxies)
-    : executor_(std::move(executor)), proxies_(std::move(proxies)) {}
+    : executor_(std::move(executor)), proxies_(std::move(proxies)),
+      openConnections_(std::make_shared<OpenConnections>()) {}
 
 std::shared_ptr<WebSocketTask> BeastWebSocketSession::webSocketTask(WebSocketRequest request) {
     std::call_once(trustMade_, [this] { trust_ = makeTrust(); });
-    return std::make_shared<BeastWebSocketTask>(
-        std::make_shared<BeastConnection>(executor_, trust_, proxies_, std::move(request)));
+    auto connection = std::make_shared<BeastConnection>(executor_, trust_, proxies_,
+                                                        std::move(request), openConnections_);
+    openConnections_->add(connection);
+    return std::make_shared<BeastWebSocketTask>(std::move(connection));
+}
+
+bool BeastWebSocketSession::closeAll(std::chrono::milliseconds limit) {
+    return openConnections_->close(limit);
 }
 
 } // namespace orlune

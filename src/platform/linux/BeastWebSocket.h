@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/WebSocket.h"
+#include "platform/linux/OpenConnections.h"
 #include "platform/linux/ProxySettings.h"
 
 #include <boost/asio/ssl/context.hpp>
@@ -24,9 +25,15 @@ class BeastWebSocketSession final : public WebSocketSession {
 
     std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) override;
 
+    /// Closes every connection that is not closed yet, as going away, and waits until the last one
+    /// is gone: a program that ends earlier breaks off closes that are under way. False when some
+    /// are left after `limit`. Blocks; not on the session's executor.
+    bool closeAll(std::chrono::milliseconds limit);
+
   private:
     const Executor executor_;
     const ProxySettings proxies_;
+    const std::shared_ptr<OpenConnections> openConnections_;
     std::once_flag trustMade_;
     std::shared_ptr<boost::asio::ssl::context> trust_; ///< from the first connection on
 };

@@ -423,6 +423,36 @@ TEST_F(BeastWebSocketTest, aCancelledWaitLosesNothingOfTheOthers) {
     EXPECT_EQ(receive(*task), "kept");
 }
 
+TEST_F(BeastWebSocketTest, aProgramThatEndsClosesEveryConnectionWithinItsLimit) {
+    std::promise<std::uint16_t> code;
+    const Peer peer([&](tcp::socket& socket) {
+        websocket::stream<tcp::socket&> stream(socket);
+        stream.accept();
+        beast::error_code error;
+        beast::flat_buffer buffer;
+        while (!error) {
+            stream.read(buffer, error);
+        }
+        code.set_value(error == websocket::error::closed ? stream.reason().code : 1006);
+    });
+    const auto task = open(peer);
+    EXPECT_EQ(send(*task, "a"), "done");
+    EXPECT_TRUE(session->closeAll(deadline));
+    EXPECT_EQ(code.get_future().get(), websocket::close_code::going_away);
+    EXPECT_TRUE(session->closeAll(0ms)) << "nothing is left to wait for";
+
+    std::promise<void> isOver;
+    const Peer silent([&](tcp::socket& socket) {
+        websocket::stream<tcp::socket&> stream(socket);
+        stream.accept();
+        isOver.get_future().wait();
+    });
+    const auto unanswered = open(silent);
+    EXPECT_EQ(send(*unanswered, "a"), "done");
+    EXPECT_FALSE(session->closeAll(50ms));
+    isOver.set_value();
+}
+
 TEST_F(BeastWebSocketTest, tasksMayBeDroppedAndTheThreadStoppedAtAnyTime) {
     const Peer peer(servePlain);
     auto dropped = open(peer);
