@@ -159,12 +159,10 @@ asio::awaitable<std::optional<Peer::Incoming>> Peer::read() {
     error_code error;
     auto token = asio::redirect_error(asio::use_awaitable, error);
     co_await stream_.async_read(buffer_, token);
-    if (error == websocket::error::closed) {
-        end_ = "closed with " + std::to_string(stream_.reason().code);
-        co_return std::nullopt;
-    }
     if (error) {
-        end_ = error.message();
+        if (!closeCode_) {
+            end_ = error.message();
+        }
         co_return std::nullopt;
     }
     Incoming incoming{.isText = stream_.got_text(),
@@ -246,14 +244,17 @@ void Peer::remember(Observation::Kind kind, std::string_view payload) {
 }
 
 void Peer::rememberClose() {
+    if (closeCode_) {
+        return;
+    }
     const auto& reason = stream_.reason();
+    closeCode_ = reason.code == 0 ? std::uint16_t{1005} : reason.code;
+    end_ = "closed with " + std::to_string(*closeCode_);
     record([&](Observation& observation) {
-        if (!observation.closeCode) {
-            observation.closeCode = reason.code == 0 ? std::uint16_t{1005} : reason.code;
-            const std::string_view text(reason.reason.data(), reason.reason.size());
-            observation.received.push_back(
-                {.kind = Observation::Kind::close, .size = text.size(), .text = std::string(text)});
-        }
+        observation.closeCode = closeCode_;
+        const std::string_view text(reason.reason.data(), reason.reason.size());
+        observation.received.push_back(
+            {.kind = Observation::Kind::close, .size = text.size(), .text = std::string(text)});
     });
 }
 

@@ -64,6 +64,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
     std::string requestID_;
     std::string name_; // for the log
     std::size_t number_ = 0;
+    std::optional<std::uint16_t> closeCode_; ///< of the client's close
     std::string end_ = "cut off";
 };
 
