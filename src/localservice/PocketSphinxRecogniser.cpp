@@ -1,12 +1,9 @@
 #include "localservice/PocketSphinxRecogniser.h"
 
-#include <pocketsphinx.h>
+#include "localservice/PocketSphinx.h"
 
 #include <algorithm>
 #include <array>
-#include <cassert>
-#include <sphinxbase/cmn.h>
-#include <sphinxbase/err.h>
 #include <stdexcept>
 
 namespace orlune {
@@ -20,8 +17,6 @@ constexpr double secondsPerFrame = 0.01;
 /// Later utterances of a stream correct it.
 constexpr std::array<float, 13> meanOfVoices = {57.2F, 8.2F,  6.8F,  23.2F, -1.8F, -0.7F, 5.0F,
                                                 -8.5F, -4.4F, -4.6F, 5.8F,  2.0F,  2.8F};
-
-using Configuration = std::unique_ptr<cmd_ln_t, void (*)(cmd_ln_t*)>;
 
 /// The library ends the process over some unreadable models, so what it needs is looked for first.
 void requireFile(const std::filesystem::path& path) {
@@ -37,50 +32,24 @@ void requireFile(const std::filesystem::path& path) {
 /// utterance ("fwdflat") gains one word in a hundred and makes every final 0.2 s later. Without the
 /// noise remover, which takes the beginning of clean speech for noise, four more words in a hundred
 /// are right. 4000 states are enough.
-Configuration makeConfiguration(const std::filesystem::path& directory) {
-    std::vector<std::string> words = {"orlune-local-service",
-                                      "-hmm",
-                                      (directory / "en-us").string(),
-                                      "-lm",
-                                      (directory / "en-us.lm.bin").string(),
-                                      "-dict",
-                                      (directory / "cmudict-en-us.dict").string(),
-                                      "-fwdflat",
-                                      "no",
-                                      "-bestpath",
-                                      "yes",
-                                      "-maxhmmpf",
-                                      "4000",
-                                      "-remove_noise",
-                                      "no",
-                                      "-remove_silence",
-                                      "no",
-                                      "-dither",
-                                      "no"};
-    std::vector<char*> arguments;
-    for (auto& word : words) {
-        arguments.push_back(word.data());
-    }
-    return {cmd_ln_parse_r(nullptr, ps_args(), static_cast<int>(arguments.size()), arguments.data(),
-                           TRUE),
-            [](cmd_ln_t* configuration) { cmd_ln_free_r(configuration); }};
-}
-
-ps_decoder_t* makeDecoder(const std::filesystem::path& directory) {
+pocketsphinx::Decoder makeDecoder(const std::filesystem::path& directory) {
     for (const auto* file :
          {"en-us.lm.bin", "cmudict-en-us.dict", "en-us/mdef", "en-us/means", "en-us/variances",
           "en-us/sendump", "en-us/transition_matrices", "en-us/feat.params", "en-us/noisedict"}) {
         requireFile(directory / file);
     }
-    // Its log is a thousand lines for every start.
-    static const bool quiet = [] {
-        err_set_logfp(nullptr);
-        return true;
-    }();
-    static_cast<void>(quiet);
-    const auto configuration = makeConfiguration(directory);
-    auto* decoder = configuration ? ps_init(configuration.get()) : nullptr;
-    if (decoder == nullptr) {
+    static const bool isSilent = (pocketsphinx::silence(), true);
+    static_cast<void>(isSilent);
+    auto decoder = pocketsphinx::makeDecoder({{"hmm", (directory / "en-us").string()},
+                                              {"lm", (directory / "en-us.lm.bin").string()},
+                                              {"dict", (directory / "cmudict-en-us.dict").string()},
+                                              {"fwdflat", "no"},
+                                              {"bestpath", "yes"},
+                                              {"maxhmmpf", "4000"},
+                                              {"remove_noise", "no"},
+                                              {"remove_silence", "no"},
+                                              {"dither", "no"}});
+    if (!decoder) {
         throw std::runtime_error("The speech model in " + directory.string() + " cannot be read.");
     }
     return decoder;
@@ -94,14 +63,12 @@ bool isSpoken(std::string_view word) {
 } // namespace
 
 PocketSphinxRecogniser::PocketSphinxRecogniser(const std::filesystem::path& modelDirectory)
-    : decoder_(makeDecoder(modelDirectory), [](ps_decoder_t* decoder) { ps_free(decoder); }) {
-    assert(feat_cepsize(ps_get_feat(decoder_.get())) == static_cast<int>(meanOfVoices.size()));
-}
+    : decoder_(makeDecoder(modelDirectory)) {}
 
 PocketSphinxRecogniser::~PocketSphinxRecogniser() = default;
 
 void PocketSphinxRecogniser::startStream() {
-    cmn_live_set(ps_get_feat(decoder_.get())->cmn_struct, meanOfVoices.data());
+    pocketsphinx::setCepstralMean(*decoder_, meanOfVoices);
 }
 
 void PocketSphinxRecogniser::startUtterance() {

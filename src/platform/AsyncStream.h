@@ -27,7 +27,7 @@ class AsyncStream {
         std::atomic<bool> finished = false;
         // Written by the consumer before it publishes `asleep()`, read by the one producer whose
         // exchange takes that mark away; the exchange orders the two.
-        Continuation<std::monostate> sleeper;
+        orlune::Continuation<std::monostate> sleeper;
         Node asleepMark;
 
         // Oldest first; the consumer's own.

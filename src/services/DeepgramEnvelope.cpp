@@ -54,7 +54,7 @@ std::optional<DeepgramService::Envelope> DeepgramService::Envelope::decode(std::
     json::monotonic_resource memory(firstBytes.data(), firstBytes.size());
     json::parse_options options;
     options.max_depth = deepestNesting;
-    json::error_code error;
+    boost::system::error_code error;
     const auto root =
         json::parse(json::string_view(data.data(), data.size()), error, &memory, options);
     if (error) {

@@ -2,9 +2,8 @@
 
 #include "overlay/IntentCheckView.h"
 
-#include "ui/Text.h"
-
 #include <QApplication>
+#include <QLabel>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -34,7 +33,7 @@ class Card {
 
     QStringList texts() const {
         QStringList all;
-        for (const auto* text : view_.findChildren<ui::Text*>()) {
+        for (const auto* text : view_.findChildren<QLabel*>()) {
             all << text->text();
         }
         return all;
@@ -47,9 +46,9 @@ class Card {
         return view_.rect().contains(place) && place.height() >= text.minimumSizeHint().height();
     }
 
-    const ui::Text& found(const QString& wanted) const {
-        const auto all = view_.findChildren<ui::Text*>();
-        return **std::ranges::find(all, wanted, &ui::Text::text);
+    const QLabel& found(const QString& wanted) const {
+        const auto all = view_.findChildren<QLabel*>();
+        return **std::ranges::find(all, wanted, &QLabel::text);
     }
 
     QRectF outline() const { return view_.outline().boundingRect(); }

@@ -3,9 +3,9 @@
 
 #include "settings/SettingsWindow.h"
 #include "tests/support/DictationHarness.h"
-#include "ui/Text.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 
@@ -45,7 +45,7 @@ class SettingsPage : public testing::Test {
     }
 
     bool shows(const QString& text) {
-        return std::ranges::any_of(window.findChildren<ui::Text*>(), [&](const auto* candidate) {
+        return std::ranges::any_of(window.findChildren<QLabel*>(), [&](const auto* candidate) {
             return candidate->isVisible() && candidate->text() == text;
         });
     }

@@ -38,7 +38,7 @@ std::string bracketed(const std::string& host) {
 } // namespace
 
 WebSocketAddress WebSocketAddress::parse(std::string_view text) {
-    const auto url = boost::urls::parse_uri(boost::urls::string_view(text.data(), text.size()));
+    const auto url = boost::urls::parse_uri(boost::core::string_view(text.data(), text.size()));
     if (!url || (url->scheme() != "wss" && url->scheme() != "ws")) {
         throw WebSocketError("The address of the speech service isn't a WebSocket URL");
     }
