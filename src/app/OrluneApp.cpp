@@ -14,6 +14,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QWindow>
 
 #include <chrono>
 #include <cstdio>
@@ -60,7 +61,8 @@ OrluneApp::OrluneApp(const LaunchOptions& options, const TerminationSignals& sig
     : options_(options), signals_(signals),
       remote_({
           .reopen = [this] { delegate_->applicationShouldHandleReopen(); },
-          .perform = [this](RemoteRequest request) { perform(request); },
+          .perform = [this](RemoteRequest request) { return perform(request); },
+          .keyChanged = [this] { state_->refreshHasDeepgramAPIKey(); },
           .status = [this] { return statusJson(*state_); },
       }) {}
 
@@ -115,6 +117,13 @@ void OrluneApp::launch(const Platform& platform) {
     statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,
                                                         .openSettings = openSettings,
                                                         .quit = quit});
+    // The keyring may have been locked or late when the program started.
+    QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &focusFollower_,
+                     [this](QWindow* window) {
+                         if (window && state_) {
+                             state_->refreshHasDeepgramAPIKey();
+                         }
+                     });
     QTimer::singleShot(0, qApp, [this] {
         delegate_->applicationDidFinishLaunching(/*opensWindow=*/!options_.isInBackground);
     });
@@ -126,7 +135,8 @@ void OrluneApp::terminate() {
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
 }
 
-void OrluneApp::perform(RemoteRequest request) {
+std::optional<std::string> OrluneApp::perform(RemoteRequest request) {
+    using Recovery = AppState::Recovery;
     switch (request) {
     case RemoteRequest::toggle:
         toggleDictation(*state_);
@@ -143,6 +153,17 @@ void OrluneApp::perform(RemoteRequest request) {
     case RemoteRequest::cancel:
         state_->cancelDictation();
         break;
+    case RemoteRequest::recover:
+        switch (state_->recoverUninsertedText()) {
+        case Recovery::recovered:
+            break;
+        case Recovery::nothingToRecover:
+            return "there is nothing to recover: everything that was said was inserted, or ten "
+                   "minutes have passed";
+        case Recovery::refused:
+            return "another program keeps the clipboard; try again";
+        }
+        break;
     case RemoteRequest::show:
         delegate_->openMainWindow();
         break;
@@ -153,6 +174,7 @@ void OrluneApp::perform(RemoteRequest request) {
         terminate();
         break;
     }
+    return std::nullopt;
 }
 
 int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments) {

@@ -10,8 +10,11 @@
 #include "app/StatusItem.h"
 #include "app/TerminationSignals.h"
 
+#include <QObject>
+
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace orlune {
 
@@ -43,7 +46,8 @@ class OrluneApp {
         OrluneApp& app_;
     };
 
-    void perform(RemoteRequest request);
+    /// Why the request was turned down; none when it was carried out.
+    std::optional<std::string> perform(RemoteRequest request);
     void launch(const Platform& platform);
 
     const LaunchOptions options_;
@@ -53,6 +57,7 @@ class OrluneApp {
     std::optional<AppWindows> windows_;
     std::optional<AppDelegate> delegate_;
     std::optional<StatusItem> statusItem_;
+    QObject focusFollower_; ///< ends the connection that it receives
 };
 
 } // namespace orlune

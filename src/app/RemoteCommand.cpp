@@ -31,6 +31,9 @@ std::optional<std::string> ask(const char* method) {
     case Kind::nobodyThere:
         failed("Orlune isn't running; \"orlune\" without a command starts it");
         break;
+    case Kind::refused:
+        failed(answer.text);
+        break;
     case Kind::failed:
         failed("Orlune doesn't answer: " + answer.text);
         break;
@@ -57,6 +60,12 @@ int runStatusCommand(const StatusOptions& options) {
     return exitDone;
 }
 
+void tellThatKeyChanged() {
+    if (const auto bus = SessionBus::open()) {
+        bus->call(runningInstance, keyChangedMethod);
+    }
+}
+
 std::optional<int> reopenRunningInstance() {
     const auto bus = SessionBus::open();
     if (!bus) {
@@ -69,6 +78,7 @@ std::optional<int> reopenRunningInstance() {
         return exitDone;
     case Kind::nobodyThere:
         return std::nullopt;
+    case Kind::refused:
     case Kind::failed:
         break;
     }

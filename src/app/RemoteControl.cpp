@@ -18,7 +18,8 @@ constexpr auto introspection = R"(<interface name="org.freedesktop.Application">
   <method name="ActivateAction"><arg type="s" name="action_name" direction="in"/><arg type="av" name="parameter" direction="in"/><arg type="a{sv}" name="platform_data" direction="in"/></method>
 </interface>
 <interface name="%1">
-%2  <method name="Status"><arg type="s" name="json" direction="out"/></method>
+%2  <method name="KeyChanged"/>
+  <method name="Status"><arg type="s" name="json" direction="out"/></method>
 </interface>
 )";
 
@@ -77,7 +78,9 @@ class RemoteControl::Door final : public QDBusVirtualObject {
             answer(message, connection, {QString::fromStdString(handlers_.status())});
             return true;
         }
-        if (isCall(message, applicationInterface, "Activate", "a{sv}")) {
+        if (isCall(message, busInterface, keyChangedMethod, "")) {
+            handlers_.keyChanged();
+        } else if (isCall(message, applicationInterface, "Activate", "a{sv}")) {
             handlers_.reopen();
         } else if (isCall(message, applicationInterface, "Open", "asa{sv}")) {
             // There are no documents to open.
@@ -85,7 +88,11 @@ class RemoteControl::Door final : public QDBusVirtualObject {
             if (*request == RemoteRequest::quit) {
                 release();
             }
-            handlers_.perform(*request);
+            if (const auto refusal = handlers_.perform(*request)) {
+                connection.send(message.createErrorReply(QLatin1String(refusalError),
+                                                         QString::fromStdString(*refusal)));
+                return true;
+            }
         } else {
             return false; // the bus library answers that there is no such method
         }

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orlune {
@@ -17,7 +18,10 @@ class RemoteControl {
     struct Handlers {
         /// The program was launched once more.
         std::function<void()> reopen;
-        std::function<void(RemoteRequest)> perform;
+        /// Returns why a request was turned down; none when it was carried out.
+        std::function<std::optional<std::string>(RemoteRequest)> perform;
+        /// Another program may have stored or removed the key.
+        std::function<void()> keyChanged;
         /// A JSON object about the present state.
         std::function<std::string()> status;
     };

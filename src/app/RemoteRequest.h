@@ -9,7 +9,7 @@
 
 namespace orlune {
 
-enum class RemoteRequest { toggle, start, stop, confirm, cancel, show, settings, quit };
+enum class RemoteRequest { toggle, start, stop, confirm, cancel, recover, show, settings, quit };
 
 struct RemoteRequestText {
     RemoteRequest request;
@@ -24,6 +24,8 @@ inline constexpr std::array remoteRequests{
     RemoteRequestText{RemoteRequest::stop, "stop", "stop listening and take what was said"},
     RemoteRequestText{RemoteRequest::confirm, "confirm", "insert the prompt under review"},
     RemoteRequestText{RemoteRequest::cancel, "cancel", "abandon the dictation"},
+    RemoteRequestText{RemoteRequest::recover, "recover",
+                      "put words that were not inserted on the clipboard"},
     RemoteRequestText{RemoteRequest::show, "show", "open the main window"},
     RemoteRequestText{RemoteRequest::settings, "settings", "open the settings"},
     RemoteRequestText{RemoteRequest::quit, "quit", "end the program"},
@@ -39,6 +41,10 @@ std::optional<RemoteRequest> remoteRequestOfMethod(std::string_view method);
 inline constexpr auto busName = "app.orlune.Orlune";
 inline constexpr auto busPath = "/app/orlune/Orlune";
 inline constexpr auto busInterface = "app.orlune.Orlune1";
+/// Told to a running program when the stored key may be another one; it reads it by itself.
+inline constexpr auto keyChangedMethod = "KeyChanged";
+/// The name of the error with which a request is turned down, with a text for a person.
+inline constexpr auto refusalError = "app.orlune.Orlune1.Error.Refused";
 /// How desktops start and reach programs.
 inline constexpr auto applicationInterface = "org.freedesktop.Application";
 

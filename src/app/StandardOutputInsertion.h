@@ -29,12 +29,13 @@ class StandardOutputInsertion final : public Pasteboard,
                                                      bool isKeyDown) override {
         return KeyboardEvent{virtualKey, isKeyDown, {}};
     }
-    void post(EventTapLocation /*location*/, const KeyboardEvent& event) override {
+    bool post(EventTapLocation /*location*/, const KeyboardEvent& event) override {
         if (event.isKeyDown) {
             text_ += '\n';
             std::fwrite(text_.data(), 1, text_.size(), stdout);
             wroteAll_ = std::fflush(stdout) == 0 && wroteAll_;
         }
+        return true;
     }
 
     bool isProcessTrusted() override { return true; }

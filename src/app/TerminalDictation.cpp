@@ -135,6 +135,9 @@ void TerminalDictation::enter(AppState::Phase::Case phase) {
         const bool wasCancelled = message == "Cancelled";
         exitCode_ = wasCancelled ? exitCancelled : exitFailed;
         view_.print(wasCancelled ? message + "\n" : "orlune: " + message + "\n");
+        if (const auto& words = state_->uninsertedText(); !words.empty()) {
+            view_.print("\nNot inserted\n" + words + "\n");
+        }
         quit(exitCode_);
         break;
     }

@@ -162,6 +162,14 @@ void AppState::saveDeepgramAPIKey(std::string_view key) {
     hasDeepgramAPIKey_.set(true);
 }
 
+void AppState::refreshHasDeepgramAPIKey() {
+    platform_.mainActor.assertCurrent();
+    const auto isStored = keychain_.contains(SecretKey::deepgramAPIKey);
+    if (isStored && *isStored != hasDeepgramAPIKey_.get()) {
+        hasDeepgramAPIKey_.set(*isStored);
+    }
+}
+
 // MARK: Beginning
 
 void AppState::beginDictation() {
@@ -178,6 +186,9 @@ void AppState::beginDictation() {
     if (!key || key->empty()) {
         fail("Add your Deepgram API key in Settings");
         return;
+    }
+    if (!hasDeepgramAPIKey_.get()) {
+        hasDeepgramAPIKey_.set(true); // stored by another program, or behind a lock until now
     }
     hideTask_.cancel();
     const auto identity = newSessionID();
@@ -350,6 +361,8 @@ void AppState::confirmIntent() {
 
 void AppState::insert(const std::string& text) {
     inserter_.insert(text);
+    uninsertedText_.forget();
+    expiryTask_.cancel();
     interimTranscript_.set(text);
     statusMessage_.set("Inserted");
     phase_.set(Phase::success());
@@ -367,6 +380,7 @@ void AppState::cancelDictation() {
         return;
     }
     sessionID_ = newSessionID();
+    keepUninsertedText();
     tearDownCapture();
     cancelTranscription();
     interimTranscript_.set({});
@@ -376,11 +390,43 @@ void AppState::cancelDictation() {
 }
 
 void AppState::fail(const std::string& message) {
+    keepUninsertedText();
     tearDownCapture();
     cancelTranscription();
     statusMessage_.set(message);
     phase_.set(Phase::failure(message));
     scheduleHide(hideAfterFailure);
+}
+
+/// What the dictation would have inserted, were it confirmed now.
+void AppState::keepUninsertedText() {
+    const auto* check = phase_.get().intentCheck();
+    auto text = check ? check->formattedInstruction() : interimTranscript_.get();
+    const bool isUnderWay =
+        check || phase_.get().is(Case::listening) || phase_.get().is(Case::processing);
+    if (!isUnderWay || trimmedWhitespaceAndNewlines(text).empty()) {
+        return;
+    }
+    uninsertedText_.keep(std::move(text), platform_.clock.now());
+    expiryTask_.cancel();
+    expiryTask_ = Task::start(
+        main_, [weakSelf = weak_from_this(), &clock = platform_.clock]() -> Awaitable<void> {
+            auto sleeping = clock.sleep(UninsertedText::keptFor);
+            co_await std::move(sleeping);
+            if (const auto self = weakSelf.lock()) {
+                self->uninsertedText_.expire(clock.now());
+            }
+        });
+}
+
+AppState::Recovery AppState::recoverUninsertedText() {
+    platform_.mainActor.assertCurrent();
+    if (uninsertedText_.text().empty()) {
+        return Recovery::nothingToRecover;
+    }
+    platform_.pasteboard.clearContents();
+    return platform_.pasteboard.setString(uninsertedText_.text()) ? Recovery::recovered
+                                                                  : Recovery::refused;
 }
 
 void AppState::tearDownCapture() {

@@ -9,6 +9,7 @@
 #include "core/AudioPacketStream.h"
 #include "core/DictationShortcut.h"
 #include "core/IntentCheck.h"
+#include "core/UninsertedText.h"
 #include "core/WaveformState.h"
 #include "platform/Platform.h"
 #include "platform/Published.h"
@@ -107,6 +108,21 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     /// Abandons the dictation. Acts while `listening`, `processing` or `reviewing`.
     void cancelDictation();
 
+    /// Words that a failed or cancelled dictation left behind; empty when there are none. Kept
+    /// until the next dictation is inserted, or for ten minutes.
+    const std::string& uninsertedText() const { return uninsertedText_.text(); }
+    enum class Recovery {
+        recovered,
+        nothingToRecover,
+        refused, ///< the desktop gave the clipboard to nobody; the text is kept
+    };
+    /// Puts those words on the pasteboard, where they stay until they are pasted by hand.
+    Recovery recoverUninsertedText();
+
+    /// Looks again whether a key is stored, without asking the user to unlock anything. What cannot
+    /// be told changes nothing.
+    void refreshHasDeepgramAPIKey();
+
     /// Stores the key without the whitespace around it; a blank key is ignored. Throws the secret
     /// store's error.
     void saveDeepgramAPIKey(std::string_view key);
@@ -128,6 +144,7 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     void receiveLevel(double level);
     void insert(const std::string& text);
     void fail(const std::string& message);
+    void keepUninsertedText();
     void scheduleHide(Clock::Duration after);
     void tearDownCapture();
     void cancelTranscription();
@@ -160,6 +177,8 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     std::optional<Clock::Instant> speechStartedAt_;
     std::optional<Clock::Instant> stopRequestedAt_;
     bool recordedFirstText_ = false;
+    UninsertedText uninsertedText_;
+    Task expiryTask_;
     Task hideTask_;
     std::optional<AudioPacketStream> audioPacketStream_;
     Task audioSendTask_;

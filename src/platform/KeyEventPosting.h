@@ -33,8 +33,9 @@ class KeyEventPosting {
     /// None when this key cannot be posted. The event carries no flags.
     virtual std::optional<KeyboardEvent>
     createKeyboardEvent(const EventSource& source, std::uint16_t virtualKey, bool isKeyDown) = 0;
-    /// Command-V is the paste chord of the focused window, whatever that is there.
-    virtual void post(EventTapLocation location, const KeyboardEvent& event) = 0;
+    /// Command-V is the paste chord of the focused window, whatever that is there. False when no
+    /// key was posted: the layout lacks the chord, or the window would paste somebody else's text.
+    virtual bool post(EventTapLocation location, const KeyboardEvent& event) = 0;
 };
 
 } // namespace orlune

@@ -10,7 +10,8 @@ class Pasteboard {
     virtual ~Pasteboard() = default;
 
     virtual void clearContents() = 0;
-    /// Offers `text` (UTF-8) as plain text and nothing else. False when the desktop refused.
+    /// Offers `text` (UTF-8) as plain text and nothing else. False when the desktop refused; the
+    /// text is then offered once more in the next turn, so that the user can paste it.
     virtual bool setString(const std::string& text) = 0;
 };
 

@@ -44,8 +44,11 @@ void TextInsertionService::insert(const std::string& text) const {
     // Command alone, whatever the user still holds.
     keyDown->flags = ModifierFlags::command;
     keyUp->flags = ModifierFlags::command;
-    keyEvents_->post(EventTapLocation::hidEventTap, *keyDown);
-    keyEvents_->post(EventTapLocation::hidEventTap, *keyUp);
+    const bool isDown = keyEvents_->post(EventTapLocation::hidEventTap, *keyDown);
+    const bool isUp = keyEvents_->post(EventTapLocation::hidEventTap, *keyUp);
+    if (!isDown || !isUp) {
+        throw InsertionError(Case::eventCreation);
+    }
 }
 
 } // namespace orlune

@@ -250,7 +250,8 @@ TEST(AppStateTest, everyFailureHasItsTextStaysTwoSecondsAndLeavesNothingRunning)
         harness.platform.advance(1ms);
         EXPECT_EQ(harness.phase(), "idle");
         EXPECT_EQ(harness.transcript(), "");
-        EXPECT_FALSE(harness.platform.clock.nextWake())
+        const auto wake = harness.platform.clock.nextWake(); // only to forget the words, if any
+        EXPECT_TRUE(!wake || *wake > harness.platform.clock.now() + 9min)
             << row.expected << ": somebody still sleeps";
     }
 }
@@ -403,6 +404,100 @@ TEST(AppStateTest, levelsMoveTheWaveformOnlyWhileListening) {
     harness.cancel();
     harness.platform.advance(350ms);
     EXPECT_EQ(harness.state().waveform().frame().get(), WaveformState::Frame{});
+}
+
+TEST(AppStateTest, wordsThatWereNotInsertedCanBeRecovered) {
+    struct Row {
+        const char* what;
+        void (*lose)(DictationHarness&);
+        const char* kept;
+    };
+    const Row rows[] = {
+        {"Escape while listening",
+         [](auto& harness) {
+             harness.begin();
+             harness.result("half of it", /*isFinal=*/false);
+             harness.cancel();
+         },
+         "half of it"},
+        {"Escape during the review",
+         [](auto& harness) {
+             harness.dictate("fix the form, keep it short");
+             harness.cancel();
+         },
+         "Goal\nFix the form.\n\nRequirements\n- Keep it short."},
+        {"a line that breaks",
+         [](auto& harness) {
+             harness.begin();
+             harness.result("before the break", /*isFinal=*/true);
+             harness.socket().failReceiving("gone");
+             harness.socket().failSending("gone");
+             harness.end();
+         },
+         "before the break"},
+        {"a paste that fails",
+         [](auto& harness) {
+             harness.platform.pasteboard.refuses = true;
+             harness.dictate("fix the form");
+             harness.confirm();
+             harness.platform.pasteboard.refuses = false;
+         },
+         "Fix the form."},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        DictationHarness harness;
+        row.lose(harness);
+        ASSERT_TRUE(harness.phase().starts_with("failure"));
+        harness.platform.advance(5s); // long back to idle
+        harness.begin();
+        harness.cancel(); // without a word: the older ones stay
+        EXPECT_EQ(harness.state().recoverUninsertedText(), AppState::Recovery::recovered);
+        EXPECT_EQ(harness.platform.pasteboard.contents(), row.kept);
+    }
+}
+
+TEST(AppStateTest, recoverableWordsGoWithTheNextInsertionAndAfterTenMinutes) {
+    using Recovery = AppState::Recovery;
+    DictationHarness harness;
+    EXPECT_EQ(harness.state().recoverUninsertedText(), Recovery::nothingToRecover);
+    const auto lose = [&] {
+        harness.dictate("lost words");
+        harness.cancel();
+    };
+    lose();
+    harness.dictate("inserted words");
+    harness.confirm();
+    EXPECT_EQ(harness.state().uninsertedText(), "");
+
+    lose();
+    harness.platform.advance(9min);
+    lose(); // the ten minutes begin anew
+    harness.platform.advance(9min + 59s);
+    harness.platform.pasteboard.refuses = true;
+    EXPECT_EQ(harness.state().recoverUninsertedText(), Recovery::refused);
+    EXPECT_EQ(harness.state().uninsertedText(), "Lost words.");
+    harness.platform.advance(2s);
+    EXPECT_EQ(harness.state().recoverUninsertedText(), Recovery::nothingToRecover);
+}
+
+TEST(AppStateTest, aKeyThatComesLaterIsNoticed) {
+    DictationHarness harness(/*key=*/"");
+    EXPECT_FALSE(harness.state().hasDeepgramAPIKey());
+    harness.storeKey("secret");
+    harness.state().refreshHasDeepgramAPIKey();
+    EXPECT_TRUE(harness.state().hasDeepgramAPIKey());
+    harness.platform.secretItems.items.clear();
+    harness.platform.secretItems.copyMatchingStatus = {SecretStatus::Code::timedOut, "locked"};
+    harness.state().refreshHasDeepgramAPIKey();
+    EXPECT_TRUE(harness.state().hasDeepgramAPIKey()) << "a lock tells nothing";
+    harness.platform.secretItems.copyMatchingStatus = {};
+    harness.state().refreshHasDeepgramAPIKey();
+    EXPECT_FALSE(harness.state().hasDeepgramAPIKey());
+
+    harness.storeKey("secret");
+    harness.begin();
+    EXPECT_TRUE(harness.state().hasDeepgramAPIKey()) << "the dictation has just read it";
 }
 
 } // namespace

@@ -99,6 +99,8 @@ INSTANTIATE_TEST_SUITE_P(
                             [](auto&, auto& keys) { keys.refusesKeyDown = true; }, "text"},
                     Refusal{"noKeyUpMeansNoKeyDownEither",
                             [](auto&, auto& keys) { keys.refusesKeyUp = true; }, "text"},
+                    Refusal{"noChordInTheLayoutLeavesTheTextForPastingByHand",
+                            [](auto&, auto& keys) { keys.refusesPosting = true; }, "text"},
                     Refusal{"aRefusedClipboardIsNeverPasted",
                             [](auto& pasteboard, auto&) { pasteboard.refuses = true; },
                             std::nullopt}),

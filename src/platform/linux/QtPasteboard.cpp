@@ -58,7 +58,12 @@ void QtPasteboard::clearContents() {
 
 bool QtPasteboard::setString(const std::string& text) {
     clearing_->stop();
-    return offer(QString::fromStdString(text), QClipboard::Clipboard);
+    const auto offered = QString::fromStdString(text);
+    if (offer(offered, QClipboard::Clipboard)) {
+        return true;
+    }
+    QTimer::singleShot(0, clearing_.get(), [offered] { offer(offered, QClipboard::Clipboard); });
+    return false;
 }
 
 bool QtPasteboard::ownPrimarySelection() {

@@ -23,6 +23,10 @@ class Error {
 
     sd_bus_error* receive() { return &error_; }
     bool is(const char* name) const { return sd_bus_error_has_name(&error_, name) > 0; }
+    /// Errors of an interface begin with its name.
+    bool isOf(std::string_view interface) const {
+        return error_.name && std::string_view(error_.name).starts_with(interface);
+    }
     std::string text() const {
         return error_.message ? error_.message : error_.name ? error_.name : "no answer";
     }
@@ -84,7 +88,11 @@ SessionBus::Answer SessionBus::call(const Address& address, const char* method,
     }
     const bool isNobodyThere =
         error.is(SD_BUS_ERROR_SERVICE_UNKNOWN) || error.is(SD_BUS_ERROR_NAME_HAS_NO_OWNER);
-    return {isNobodyThere ? Answer::Kind::nobodyThere : Answer::Kind::failed, error.text()};
+    if (isNobodyThere) {
+        return {Answer::Kind::nobodyThere, error.text()};
+    }
+    return {error.isOf(address.interface) ? Answer::Kind::refused : Answer::Kind::failed,
+            error.text()};
 }
 
 std::optional<bool> SessionBus::flag(const Address& address, const char* property) {

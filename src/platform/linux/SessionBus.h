@@ -28,7 +28,8 @@ class SessionBus {
         enum class Kind {
             answered,
             nobodyThere, ///< no running program has the name
-            failed,      ///< refused, or no answer in time
+            refused,     ///< an error of the interface's own
+            failed,      ///< no answer in time, or none that can be understood
         };
         Kind kind = Kind::failed;
         /// The text that was answered, where there is one; else the error.

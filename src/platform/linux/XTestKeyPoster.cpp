@@ -182,15 +182,8 @@ XTestKeyPoster::createKeyboardEvent(const EventSource&, std::uint16_t virtualKey
         .virtualKey = virtualKey, .isKeyDown = isKeyDown, .flags = ModifierFlags::none};
 }
 
-void XTestKeyPoster::post(EventTapLocation, const KeyboardEvent& event) {
-    if (!connect()) {
-        return;
-    }
-    if (event.isKeyDown) {
-        press(event);
-    } else {
-        release(event);
-    }
+bool XTestKeyPoster::post(EventTapLocation, const KeyboardEvent& event) {
+    return connect() && (event.isKeyDown ? press(event) : release(event));
 }
 
 std::optional<XTestKeyPoster::Chord>
@@ -225,16 +218,16 @@ XTestKeyPoster::plainChord(const KeyboardEvent& event, const KeyboardLayout& lay
     return chord;
 }
 
-void XTestKeyPoster::press(const KeyboardEvent& event) {
+bool XTestKeyPoster::press(const KeyboardEvent& event) {
     const auto layout = KeyboardLayout::read(connection_->display());
     if (!layout || down_.contains(event.virtualKey)) {
-        return;
+        return false;
     }
     const bool isPaste =
         event.virtualKey == virtualV && (event.flags & chordFlags) == ModifierFlags::command;
     auto chord = isPaste ? pasteChord(*layout) : plainChord(event, *layout);
     if (!chord) {
-        return;
+        return false;
     }
 
     auto ours = releases_->underWay();
@@ -264,18 +257,20 @@ void XTestKeyPoster::press(const KeyboardEvent& event) {
     if (!held.empty()) {
         call(hooks_.onModifiersReleased, held);
     }
+    return connection_->isAlive();
 }
 
-void XTestKeyPoster::release(const KeyboardEvent& event) {
+bool XTestKeyPoster::release(const KeyboardEvent& event) {
     const auto pressed = down_.extract(event.virtualKey);
     if (pressed.empty()) {
-        return;
+        return false;
     }
     // The other way round than they went down.
     auto keys = pressed.mapped().modifiers;
     keys.push_back(pressed.mapped().key);
     std::ranges::reverse(keys);
     releases_->schedule(keys);
+    return true;
 }
 
 } // namespace orlune

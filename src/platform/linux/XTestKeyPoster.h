@@ -47,7 +47,7 @@ class XTestKeyPoster final : public KeyEventPosting {
                                                      std::uint16_t virtualKey,
                                                      bool isKeyDown) override;
     /// A key-up releases what its key-down pressed, and nothing when that pressed nothing.
-    void post(EventTapLocation location, const KeyboardEvent& event) override;
+    bool post(EventTapLocation location, const KeyboardEvent& event) override;
 
   private:
     struct Chord {
@@ -56,8 +56,8 @@ class XTestKeyPoster final : public KeyEventPosting {
     };
 
     bool connect();
-    void press(const KeyboardEvent& event);
-    void release(const KeyboardEvent& event);
+    bool press(const KeyboardEvent& event);
+    bool release(const KeyboardEvent& event);
     std::optional<Chord> pasteChord(const KeyboardLayout& layout) const;
     std::optional<Chord> plainChord(const KeyboardEvent& event, const KeyboardLayout& layout) const;
 

@@ -21,9 +21,13 @@ std::optional<KeyboardEvent> MemoryKeyEventPosting::createKeyboardEvent(const Ev
         .virtualKey = virtualKey, .isKeyDown = isKeyDown, .flags = ModifierFlags::none};
 }
 
-void MemoryKeyEventPosting::post(EventTapLocation location, const KeyboardEvent& event) {
+bool MemoryKeyEventPosting::post(EventTapLocation location, const KeyboardEvent& event) {
+    if (refusesPosting) {
+        return false;
+    }
     posted_.push_back({.location = location, .event = event});
     log_->push_back((event.isKeyDown ? "down " : "up ") + std::to_string(event.virtualKey));
+    return true;
 }
 
 } // namespace orlune

@@ -23,7 +23,7 @@ class MemoryKeyEventPosting final : public KeyEventPosting {
     std::optional<KeyboardEvent> createKeyboardEvent(const EventSource& source,
                                                      std::uint16_t virtualKey,
                                                      bool isKeyDown) override;
-    void post(EventTapLocation location, const KeyboardEvent& event) override;
+    bool post(EventTapLocation location, const KeyboardEvent& event) override;
 
     const std::vector<Posted>& posted() const { return posted_; }
     const MemoryEvents& log() const { return log_; }
@@ -32,6 +32,8 @@ class MemoryKeyEventPosting final : public KeyEventPosting {
     bool refusesSource = false;
     bool refusesKeyDown = false;
     bool refusesKeyUp = false;
+    /// While true, nothing is posted.
+    bool refusesPosting = false;
 
   private:
     MemoryEvents log_;

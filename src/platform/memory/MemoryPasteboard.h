@@ -22,6 +22,7 @@ class MemoryPasteboard final : public Pasteboard {
     const MemoryEvents& log() const { return log_; }
 
     /// While true, as when the desktop gives the clipboard to nobody: `setString` is refused.
+    /// Nothing is offered once more.
     bool refuses = false;
 
   private:
