@@ -11,6 +11,8 @@
 #include <sphinxbase/err.h>
 #else
 #define ORLUNE_HAS_SPHINXBASE 0
+#include <locale>
+#include <pocketsphinx/err.h>
 #include <sstream>
 #endif
 
@@ -47,11 +49,7 @@ Decoder makeDecoder(const std::vector<std::pair<std::string, std::string>>& sett
 }
 
 void silence() {
-#if ORLUNE_HAS_SPHINXBASE
     err_set_logfp(nullptr);
-#else
-    err_set_loglevel(ERR_ERROR);
-#endif
 }
 
 void setCepstralMean(ps_decoder_t& decoder, std::span<const float> mean) {
