@@ -239,6 +239,7 @@ bool AppState::isConnecting(SessionID identity) const {
 }
 
 void AppState::startCapture(SessionID identity) {
+    platform_.mainActor.assertCurrent();
     const auto& packets = audioPacketStream_.emplace();
     audioSendTask_ = Task::start(
         platform_.background, [stream = packets.stream, client = deepgram_]() -> Awaitable<void> {
@@ -273,12 +274,14 @@ void AppState::startCapture(SessionID identity) {
 }
 
 void AppState::receiveLevel(double level) {
+    platform_.mainActor.assertCurrent();
     if (phase_.get().is(Case::listening)) {
         waveform_.push(level);
     }
 }
 
 void AppState::receiveTranscript(const std::string& text, SessionID identity) {
+    platform_.mainActor.assertCurrent();
     if (sessionID_ != identity) {
         return;
     }
@@ -360,6 +363,7 @@ void AppState::confirmIntent() {
 }
 
 void AppState::insert(const std::string& text) {
+    platform_.mainActor.assertCurrent();
     inserter_.insert(text);
     uninsertedText_.forget();
     expiryTask_.cancel();
@@ -390,6 +394,7 @@ void AppState::cancelDictation() {
 }
 
 void AppState::fail(const std::string& message) {
+    platform_.mainActor.assertCurrent();
     keepUninsertedText();
     tearDownCapture();
     cancelTranscription();

@@ -169,7 +169,7 @@ TEST(AppStateTest, textThatComesBeforeTheCaptureIsNotMeasuredFromTheLastDictatio
     const auto measured = harness.platform.log.entries().size();
     harness.platform.audioEngine.format.channelCount = 0; // this dictation never captures
     harness.state().beginDictation();
-    while (harness.platform.webSockets.tasks().size() < 2 && harness.platform.queue.runOne()) {
+    while (harness.platform.webSockets.tasks().size() < 2 && harness.platform.runOne()) {
     }
     harness.result("early", /*isFinal=*/true);
     EXPECT_EQ(harness.transcript(), "early");

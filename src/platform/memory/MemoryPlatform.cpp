@@ -10,12 +10,12 @@ MemoryPlatform::~MemoryPlatform() {
             socket->cancel(WebSocketCloseCode::goingAway);
         }
         clock.forgetSleepers();
-    } while (queue.runUntilIdle() > 0);
+    } while (runUntilIdle() > 0);
 }
 
 Platform MemoryPlatform::bundle(MainActor& mainActor) {
     return Platform{mainActor,
-                    queue.executor(),
+                    background.executor(),
                     clock,
                     audioEngine.factory(),
                     audioConverter.factory(),
@@ -37,13 +37,21 @@ Platform MemoryPlatform::bundle(MainActor& mainActor) {
 }
 
 void MemoryPlatform::advance(Clock::Duration duration) {
-    queue.runUntilIdle();
+    runUntilIdle();
     const auto end = clock.now() + duration;
     while (clock.now() < end) {
         const auto next = std::min(end, clock.nextWake().value_or(end));
         clock.advance(next - clock.now());
-        queue.runUntilIdle();
+        runUntilIdle();
     }
+}
+
+std::size_t MemoryPlatform::runUntilIdle() {
+    std::size_t total = 0;
+    while (const auto ran = background.runUntilIdle() + queue.runUntilIdle()) {
+        total += ran;
+    }
+    return total;
 }
 
 } // namespace orlune

@@ -1,4 +1,5 @@
-// A whole platform in memory: every facility by hand, one queue and one clock for all of it. What
+// A whole platform in memory: every facility by hand, a queue for the main actor, one for the
+// background, and one clock. What
 // happened to sockets, pasteboard, keys and trust stands in one order in `events`. What was made
 // from `bundle()` ends before it.
 #pragma once
@@ -41,10 +42,16 @@ struct MemoryPlatform {
     /// Turns the clock in steps, so that everybody who sleeps wakes at his own time, and runs what
     /// that queues.
     void advance(Clock::Duration duration);
-    void runUntilIdle() { queue.runUntilIdle(); }
+    /// Turns both queues until nothing is left on either. Returns how many turns ran.
+    std::size_t runUntilIdle();
+    /// The oldest turn of the background, or of the main actor when there is none. False when
+    /// nothing is left.
+    bool runOne() { return background.runOne() || queue.runOne(); }
 
     MemoryEvents events = makeMemoryEvents();
-    TurnQueue queue; // before whatever resumes work on it
+    // Before whatever resumes work on them.
+    TurnQueue queue;
+    TurnQueue background;
     ManualClock clock;
     MemoryLog log;
     MemoryUserDefaults userDefaults;
