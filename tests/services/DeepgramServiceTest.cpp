@@ -326,5 +326,39 @@ TEST_F(DeepgramServiceTest, theServiceIsReleasedOnceItsConnectionHasEnded) {
     EXPECT_TRUE(observed.expired());
 }
 
+/// A whole stream, whose connection breaks at its first operation, at its second, and so on until
+/// it comes through. Whatever breaks, finishing ends, with the words that had come until then.
+TEST_F(DeepgramServiceTest, aConnectionMayBreakAtAnyOperation) {
+    // Three packets, the close message, and a receive behind each message but the last.
+    constexpr int operations = 7;
+    for (int number = 1; number <= operations + 1; ++number) {
+        SCOPED_TRACE("operation " + std::to_string(number));
+        reported.clear();
+        start();
+        const auto socket = sockets.task();
+        socket->failAtOperation(number); // from here: the first receive waits already
+        send("one");
+        deliver(results("hello", "true"));
+        send("two");
+        deliver(results("wor"));
+        send("three");
+        finish();
+        deliver(results("world", "true"));
+        deliver(metadata);
+        EXPECT_LE(waitForOutcome(), 1800ms);
+        ASSERT_TRUE(outcome);
+        const bool isWhole = number > operations;
+        if (isWhole) {
+            EXPECT_EQ(outcome, "hello world");
+        } else if (!outcome->starts_with("error: ")) {
+            EXPECT_EQ(*outcome, reported.empty() ? "" : reported.back());
+        }
+        cancel();
+        EXPECT_FALSE(socket->closeCodes().empty());
+        finish();
+        EXPECT_EQ(outcome, "error: Speech service isn't connected");
+    }
+}
+
 } // namespace
 } // namespace orlune

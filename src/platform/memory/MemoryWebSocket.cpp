@@ -46,7 +46,7 @@ Awaitable<WebSocketMessage> MemoryWebSocketTask::receive() {
 void MemoryWebSocketTask::acceptSend(WebSocketMessage message,
                                      const Continuation<std::monostate>& sent) {
     const std::lock_guard lock(mutex_);
-    if (sendError_) {
+    if (breaksNow() || sendError_) {
         sent.fail(makeError(*sendError_));
         return;
     }
@@ -63,7 +63,7 @@ void MemoryWebSocketTask::acceptSend(WebSocketMessage message,
 
 void MemoryWebSocketTask::acceptReceive(const Continuation<WebSocketMessage>& receiver) {
     const std::lock_guard lock(mutex_);
-    if (!incoming_.empty()) {
+    if (!breaksNow() && !incoming_.empty()) {
         receiver.resume(std::move(incoming_.front()));
         incoming_.pop_front();
     } else if (receiveError_) {
@@ -71,6 +71,25 @@ void MemoryWebSocketTask::acceptReceive(const Continuation<WebSocketMessage>& re
     } else {
         receiver_ = receiver;
     }
+}
+
+void MemoryWebSocketTask::failAtOperation(int number) {
+    const std::lock_guard lock(mutex_);
+    operationsUntilFailure_ = number;
+}
+
+bool MemoryWebSocketTask::breaksNow() {
+    if (operationsUntilFailure_ == 0 || --operationsUntilFailure_ > 0) {
+        return false;
+    }
+    constexpr auto text = "the connection broke";
+    failHeld(text);
+    incoming_.clear();
+    receiveError_ = text;
+    if (receiver_) {
+        std::exchange(receiver_, std::nullopt)->fail(makeError(text));
+    }
+    return true;
 }
 
 void MemoryWebSocketTask::failHeld(const std::string& text) {

@@ -33,6 +33,8 @@ class MemoryWebSocketTask final : public WebSocketTask,
     void failReceiving(std::string text);
     /// From now on sending fails, also what is being held.
     void failSending(std::string text);
+    /// The connection breaks with the n-th operation from now, a send or a receive, counted from 1.
+    void failAtOperation(int number);
     /// From now on `send` waits, as behind a slow connection, until it is released.
     void holdSending();
     void releaseSending();
@@ -60,6 +62,9 @@ class MemoryWebSocketTask final : public WebSocketTask,
     mutable std::mutex mutex_;
     bool resumed_ = false;
     bool holding_ = false;
+    bool breaksNow();
+
+    int operationsUntilFailure_ = 0; ///< 0: none fails
     std::optional<std::string> sendError_;
     std::optional<std::string> receiveError_;
     std::vector<WebSocketMessage> sent_;
