@@ -36,6 +36,7 @@ constexpr Keyboard::Keycode a = 38;
 constexpr Keyboard::Keycode leftShift = 50;
 constexpr Keyboard::Keycode leftAlt = 64;
 constexpr Keyboard::Keycode space = 65;
+constexpr Keyboard::Keycode capsLock = 66;
 constexpr Keyboard::Keycode rightControl = 105;
 constexpr Keyboard::Keycode rightSuper = 134;
 } // namespace keycode
@@ -171,6 +172,33 @@ TEST_F(KeyEventsDesktopTest, TheStandInMovesWithItsSymbolAndStaysWhenNoKeyHasIt)
     seen.clear();
     tap(keycode::rightSuper);
     EXPECT_THAT(seenSoFar(), ElementsAre("flags 63 fn", "flags 63"));
+}
+
+TEST_F(KeyEventsDesktopTest, EscapeIsTheKeyThatIsCalledSo) {
+    const auto tapUntil = [this](Keyboard::Keycode key, const std::string& event) {
+        return waitUntil([&] {
+            tap(key);
+            return testing::Value(seenSoFar(), Contains(event));
+        });
+    };
+    const auto isEscape = [this](Keyboard::Keycode key) {
+        seen.clear();
+        tap(key);
+        return seenSoFar() == std::vector<std::string>{"down 53", "up 53"};
+    };
+    keyboard.useLayout({"us,ru", "-option", "caps:swapescape"}, /*active=*/1);
+    EXPECT_TRUE(tapUntil(keycode::capsLock, "down 53"));
+    seen.clear();
+    tap(keycode::escape);
+    EXPECT_THAT(seenSoFar(), ElementsAre("flags 57", "flags 57"));
+
+    keyboard.useLayout({"us", "-option", "", "-option", "caps:escape"});
+    EXPECT_TRUE(tapUntil(keycode::escape, "down 53"));
+    EXPECT_TRUE(isEscape(keycode::capsLock)) << "both are";
+
+    keyboard.useLayout({"us", "-option", ""});
+    EXPECT_TRUE(tapUntil(keycode::capsLock, "flags 57"));
+    EXPECT_TRUE(isEscape(keycode::escape));
 }
 
 TEST_F(KeyEventsDesktopTest, AKeyboardThatIsPluggedInAgainIsSeen) {

@@ -1,18 +1,10 @@
 #include "platform/linux/KeyEdges.h"
 
-#include "platform/linux/VirtualKeyCodes.h"
-
 namespace orlune {
 
 namespace {
 
-constexpr std::uint16_t virtualFunction = 63;
 constexpr int missesOfARelease = 2;
-
-/// The stand-in answers with the code of the key it stands for.
-std::optional<std::uint16_t> virtualKeyOf(KeyEdges::Keycode keycode, KeyRoles::Role role) {
-    return role.flag == ModifierFlags::function ? virtualFunction : virtualKeyForKeycode(keycode);
-}
 
 } // namespace
 
@@ -26,7 +18,7 @@ ModifierFlags KeyEdges::flags() const {
 
 std::optional<KeyEvent> KeyEdges::press(Keycode keycode) {
     const auto role = roles_.roleOf(keycode);
-    const auto virtualKey = virtualKeyOf(keycode, role);
+    const auto virtualKey = roles_.virtualKeyOf(keycode);
     if (!virtualKey) {
         return std::nullopt; // a key that no keyboard of a Mac has
     }

@@ -1,11 +1,17 @@
 #include "platform/linux/KeyRoles.h"
 
+#include "platform/linux/VirtualKeyCodes.h"
+
 #include <X11/XF86keysym.h>
 #include <X11/keysym.h>
 
 namespace orlune {
 
 namespace {
+
+constexpr std::uint16_t virtualEscape = 53;
+constexpr std::uint16_t virtualCapsLock = 57;
+constexpr std::uint16_t virtualFunction = 63;
 
 /// KEY_FN as a symbol; older headers do not name it.
 constexpr KeyboardLayout::Keysym functionSymbol = 0x100811d0;
@@ -44,8 +50,38 @@ KeyRoles::Role roleOfSymbol(KeyboardLayout::Keysym symbol) {
 
 } // namespace
 
+KeyRoles::KeyRoles() {
+    for (std::size_t key = 0; key < virtualKeys_.size(); ++key) {
+        virtualKeys_[key] = virtualKeyForKeycode(static_cast<std::uint16_t>(key));
+    }
+}
+
+void KeyRoles::assign(Keycode keycode, Role role) {
+    roles_[keycode] = role;
+    if (role.flag == ModifierFlags::function) {
+        virtualKeys_[keycode] = virtualFunction;
+    }
+}
+
+/// Escape is the one key that is looked for by what it says, and people do move it (`caps:escape`,
+/// `caps:swapescape`). Where no key is called Escape, the one in its place remains.
+void KeyRoles::moveEscape(const KeyboardLayout& layout) {
+    if (layout.keycodeOf(XK_Escape)) {
+        for (std::size_t key = 0; key < virtualKeys_.size(); ++key) {
+            const auto symbol = layout.symbolOf(static_cast<Keycode>(key));
+            if (symbol == XK_Escape) {
+                virtualKeys_[key] = virtualEscape;
+            } else if (virtualKeys_[key] == virtualEscape) {
+                virtualKeys_[key] =
+                    symbol == XK_Caps_Lock ? std::optional(virtualCapsLock) : std::nullopt;
+            }
+        }
+    }
+}
+
 KeyRoles KeyRoles::of(const KeyboardLayout& layout, std::optional<Keycode> functionKey) {
     KeyRoles roles;
+    roles.moveEscape(layout);
     for (std::size_t key = 0; key < roles.roles_.size(); ++key) {
         const auto keycode = static_cast<Keycode>(key);
         roles.assign(keycode, roleOfSymbol(layout.symbolOf(keycode)));
