@@ -397,8 +397,13 @@ TEST_F(ChordTest, IsControlV) {
     EXPECT_THAT(events, ElementsAre("will post", "did post"));
 }
 
-TEST_F(ChordTest, IsShiftInsertInATerminal) {
-    EXPECT_THAT(chordWith({}, "kitty"), ElementsAre("down 50", "down 118", "up 118", "up 50"));
+TEST_F(ChordTest, IsWhatPastesInTheWindow) {
+    for (const auto* window : {"kitty", "Emacs", "Gvim"}) {
+        EXPECT_THAT(chordWith({}, window), ElementsAre("down 50", "down 118", "up 118", "up 50"));
+        events.clear();
+    }
+    EXPECT_THAT(chordWith({}, "cool-retro-term"),
+                ElementsAre("down 37", "down 50", "down 55", "up 55", "up 50", "up 37"));
 }
 
 TEST_F(ChordTest, ComesAfterTheUsersShiftWhichIsReportedAndNotPressedAgain) {

@@ -125,7 +125,7 @@ void releaseHeld(Keystrokes& keys, const KeyboardLayout& layout, std::vector<Key
 
 XTestKeyPoster::XTestKeyPoster(std::vector<std::string> terminals, Hooks hooks,
                                std::string displayName)
-    : terminals_(std::move(terminals)), hooks_(std::move(hooks)),
+    : pasteKeys_(std::move(terminals)), hooks_(std::move(hooks)),
       displayName_(std::move(displayName)) {}
 
 XTestKeyPoster::~XTestKeyPoster() {
@@ -189,11 +189,15 @@ bool XTestKeyPoster::post(EventTapLocation, const KeyboardEvent& event) {
 std::optional<XTestKeyPoster::Chord>
 XTestKeyPoster::pasteChord(const KeyboardLayout& layout) const {
     const auto control = modifierKey(layout, controlSymbols);
+    const auto shift = modifierKey(layout, shiftSymbols);
     const auto v = layout.keycodeOf(XK_v);
-    if (control && v && !terminals_.include(classOfFocusedWindow(connection_->display()))) {
+    const auto wanted = pasteKeys_.of(classOfFocusedWindow(connection_->display()));
+    if (control && v && wanted == PasteKeys::Chord::controlV) {
         return Chord{.modifiers = {*control}, .key = *v};
     }
-    const auto shift = modifierKey(layout, shiftSymbols);
+    if (control && shift && v && wanted == PasteKeys::Chord::controlShiftV) {
+        return Chord{.modifiers = {*control, *shift}, .key = *v};
+    }
     const auto named = layout.keycodeOf(XK_Insert);
     const auto insert = named ? named : keyInPlace(virtualInsert);
     if (!shift || !insert || (hooks_.ownPrimarySelection && !hooks_.ownPrimarySelection())) {

@@ -5,7 +5,7 @@
 
 #include "platform/KeyEventPosting.h"
 #include "platform/linux/KeyboardLayout.h"
-#include "platform/linux/TerminalWindows.h"
+#include "platform/linux/PasteKeys.h"
 
 #include <functional>
 #include <map>
@@ -36,7 +36,7 @@ class XTestKeyPoster final : public KeyEventPosting {
         std::function<void(const std::vector<Keycode>&)> onModifiersReleased = {};
     };
 
-    /// `terminals`: window classes to treat as terminals beside those known. An empty display name
+    /// `terminals`: further window classes in which Shift-Insert pastes. An empty display name
     /// means the DISPLAY of the environment.
     XTestKeyPoster(std::vector<std::string> terminals, Hooks hooks, std::string displayName = {});
     /// Lets go of every key that is still down.
@@ -61,7 +61,7 @@ class XTestKeyPoster final : public KeyEventPosting {
     std::optional<Chord> pasteChord(const KeyboardLayout& layout) const;
     std::optional<Chord> plainChord(const KeyboardEvent& event, const KeyboardLayout& layout) const;
 
-    TerminalWindows terminals_;
+    PasteKeys pasteKeys_;
     Hooks hooks_;
     std::string displayName_;
     std::unique_ptr<XConnection> connection_;
