@@ -14,7 +14,6 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <QWindow>
 
 #include <chrono>
 #include <cstdio>
@@ -62,7 +61,6 @@ OrluneApp::OrluneApp(const LaunchOptions& options, const TerminationSignals& sig
       remote_({
           .reopen = [this] { delegate_->applicationShouldHandleReopen(); },
           .perform = [this](RemoteRequest request) { return perform(request); },
-          .keyChanged = [this] { state_->refreshHasDeepgramAPIKey(); },
           .status = [this] { return statusJson(*state_); },
       }) {}
 
@@ -117,13 +115,6 @@ void OrluneApp::launch(const Platform& platform) {
     statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,
                                                         .openSettings = openSettings,
                                                         .quit = quit});
-    // The keyring may have been locked or late when the program started.
-    QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &focusFollower_,
-                     [this](QWindow* window) {
-                         if (window && state_) {
-                             state_->refreshHasDeepgramAPIKey();
-                         }
-                     });
     QTimer::singleShot(0, qApp, [this] {
         delegate_->applicationDidFinishLaunching(/*opensWindow=*/!options_.isInBackground);
     });

@@ -10,8 +10,6 @@
 #include "app/StatusItem.h"
 #include "app/TerminationSignals.h"
 
-#include <QObject>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,7 +55,6 @@ class OrluneApp {
     std::optional<AppWindows> windows_;
     std::optional<AppDelegate> delegate_;
     std::optional<StatusItem> statusItem_;
-    QObject focusFollower_; ///< ends the connection that it receives
 };
 
 } // namespace orlune

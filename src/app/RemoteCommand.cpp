@@ -60,12 +60,6 @@ int runStatusCommand(const StatusOptions& options) {
     return exitDone;
 }
 
-void tellThatKeyChanged() {
-    if (const auto bus = SessionBus::open()) {
-        bus->call(runningInstance, keyChangedMethod);
-    }
-}
-
 std::optional<int> reopenRunningInstance() {
     const auto bus = SessionBus::open();
     if (!bus) {

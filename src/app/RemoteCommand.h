@@ -16,9 +16,6 @@ int runRemoteCommand(const RemoteOptions& options);
 /// The same; the status is on standard output.
 int runStatusCommand(const StatusOptions& options);
 
-/// Lets a running instance look for the key again. Does nothing when none runs.
-void tellThatKeyChanged();
-
 /// Tells an instance that runs already that the program was launched once more. The exit code; none
 /// when no instance runs, or there is no bus on which to find one.
 std::optional<int> reopenRunningInstance();

@@ -18,8 +18,7 @@ constexpr auto introspection = R"(<interface name="org.freedesktop.Application">
   <method name="ActivateAction"><arg type="s" name="action_name" direction="in"/><arg type="av" name="parameter" direction="in"/><arg type="a{sv}" name="platform_data" direction="in"/></method>
 </interface>
 <interface name="%1">
-%2  <method name="KeyChanged"/>
-  <method name="Status"><arg type="s" name="json" direction="out"/></method>
+%2  <method name="Status"><arg type="s" name="json" direction="out"/></method>
 </interface>
 )";
 
@@ -78,9 +77,7 @@ class RemoteControl::Door final : public QDBusVirtualObject {
             answer(message, connection, {QString::fromStdString(handlers_.status())});
             return true;
         }
-        if (isCall(message, busInterface, keyChangedMethod, "")) {
-            handlers_.keyChanged();
-        } else if (isCall(message, applicationInterface, "Activate", "a{sv}")) {
+        if (isCall(message, applicationInterface, "Activate", "a{sv}")) {
             handlers_.reopen();
         } else if (isCall(message, applicationInterface, "Open", "asa{sv}")) {
             // There are no documents to open.

@@ -20,8 +20,6 @@ class RemoteControl {
         std::function<void()> reopen;
         /// Returns why a request was turned down; none when it was carried out.
         std::function<std::optional<std::string>(RemoteRequest)> perform;
-        /// Another program may have stored or removed the key.
-        std::function<void()> keyChanged;
         /// A JSON object about the present state.
         std::function<std::string()> status;
     };

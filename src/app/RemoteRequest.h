@@ -41,8 +41,6 @@ std::optional<RemoteRequest> remoteRequestOfMethod(std::string_view method);
 inline constexpr auto busName = "app.orlune.Orlune";
 inline constexpr auto busPath = "/app/orlune/Orlune";
 inline constexpr auto busInterface = "app.orlune.Orlune1";
-/// Told to a running program when the stored key may be another one; it reads it by itself.
-inline constexpr auto keyChangedMethod = "KeyChanged";
 /// The name of the error with which a request is turned down, with a text for a person.
 inline constexpr auto refusalError = "app.orlune.Orlune1.Error.Refused";
 /// How desktops start and reach programs.

@@ -38,12 +38,7 @@ class CommandRunner {
     }
     int operator()(const KeyOptions& options) const {
         SecretServiceItems keyring;
-        const int exitCode = runKeyCommand(options, keyring, STDIN_FILENO);
-        // Also after a failure: a replacement removes the old key first.
-        if (options.action != KeyOptions::Action::status) {
-            tellThatKeyChanged();
-        }
-        return exitCode;
+        return runKeyCommand(options, keyring, STDIN_FILENO);
     }
     int operator()(const AutostartOptions& options) const { return runAutostartCommand(options); }
     int operator()(const Answer& answer) const {

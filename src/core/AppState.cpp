@@ -162,14 +162,6 @@ void AppState::saveDeepgramAPIKey(std::string_view key) {
     hasDeepgramAPIKey_.set(true);
 }
 
-void AppState::refreshHasDeepgramAPIKey() {
-    platform_.mainActor.assertCurrent();
-    const auto isStored = keychain_.contains(SecretKey::deepgramAPIKey);
-    if (isStored && *isStored != hasDeepgramAPIKey_.get()) {
-        hasDeepgramAPIKey_.set(*isStored);
-    }
-}
-
 // MARK: Beginning
 
 void AppState::beginDictation() {
@@ -186,9 +178,6 @@ void AppState::beginDictation() {
     if (!key || key->empty()) {
         fail("Add your Deepgram API key in Settings");
         return;
-    }
-    if (!hasDeepgramAPIKey_.get()) {
-        hasDeepgramAPIKey_.set(true); // stored by another program, or behind a lock until now
     }
     hideTask_.cancel();
     const auto identity = newSessionID();

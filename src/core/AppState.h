@@ -119,10 +119,6 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     /// Puts those words on the pasteboard, where they stay until they are pasted by hand.
     Recovery recoverUninsertedText();
 
-    /// Looks again whether a key is stored, without asking the user to unlock anything. What cannot
-    /// be told changes nothing.
-    void refreshHasDeepgramAPIKey();
-
     /// Stores the key without the whitespace around it; a blank key is ignored. Throws the secret
     /// store's error.
     void saveDeepgramAPIKey(std::string_view key);

@@ -49,9 +49,6 @@ class SecretItems {
 
     /// The data of at most one matching item.
     virtual Match copyMatching(const SecretItemQuery& query) = 0;
-    /// Whether a matching item is there, within a fraction of a second and without asking anybody
-    /// for a password. None when the store does not tell, as a locked one may.
-    virtual std::optional<bool> contains(const SecretItemQuery& query) = 0;
     /// Adds an item that is not there yet. An add that was reported as failed does not happen
     /// later.
     virtual SecretStatus add(const SecretItemQuery& query, std::string_view data,

@@ -36,9 +36,6 @@ class KeychainStore {
     /// reason, and when the item is not UTF-8. An item without data is the empty text.
     std::optional<std::string> string(SecretKey key) const;
 
-    /// Whether an item is there, without unlocking anything; none when that cannot be told.
-    std::optional<bool> contains(SecretKey key) const { return items_.contains(query(key)); }
-
     /// Replaces the secret; an empty value removes it. What was there is deleted first, so that
     /// after a failed replacement nothing is stored. Throws Error when the new value is refused.
     void set(std::string_view value, SecretKey key) const;

@@ -481,24 +481,5 @@ TEST(AppStateTest, recoverableWordsGoWithTheNextInsertionAndAfterTenMinutes) {
     EXPECT_EQ(harness.state().recoverUninsertedText(), Recovery::nothingToRecover);
 }
 
-TEST(AppStateTest, aKeyThatComesLaterIsNoticed) {
-    DictationHarness harness(/*key=*/"");
-    EXPECT_FALSE(harness.state().hasDeepgramAPIKey());
-    harness.storeKey("secret");
-    harness.state().refreshHasDeepgramAPIKey();
-    EXPECT_TRUE(harness.state().hasDeepgramAPIKey());
-    harness.platform.secretItems.items.clear();
-    harness.platform.secretItems.copyMatchingStatus = {SecretStatus::Code::timedOut, "locked"};
-    harness.state().refreshHasDeepgramAPIKey();
-    EXPECT_TRUE(harness.state().hasDeepgramAPIKey()) << "a lock tells nothing";
-    harness.platform.secretItems.copyMatchingStatus = {};
-    harness.state().refreshHasDeepgramAPIKey();
-    EXPECT_FALSE(harness.state().hasDeepgramAPIKey());
-
-    harness.storeKey("secret");
-    harness.begin();
-    EXPECT_TRUE(harness.state().hasDeepgramAPIKey()) << "the dictation has just read it";
-}
-
 } // namespace
 } // namespace orlune

@@ -20,7 +20,6 @@ void wipeAnswer(SecretItems::Match& match) {
     }
 }
 void wipeAnswer(SecretStatus&) {}
-void wipeAnswer(std::optional<bool>&) {}
 
 /// What a caller and the thread share about one call: either the answer comes in time, or the
 /// caller gives up, never both.
@@ -96,16 +95,6 @@ SecretItems::Match SecretServiceItems::copyMatching(const SecretItemQuery& query
     });
     auto answer = call->wait(options_.readBound);
     return answer ? std::move(*answer) : Match{timedOut(options_.readBound), std::nullopt};
-}
-
-std::optional<bool> SecretServiceItems::contains(const SecretItemQuery& query) {
-    const auto call = std::make_shared<Call<std::optional<bool>>>();
-    thread_.post([this, call, query] {
-        if (call->isAwaited()) {
-            call->answer(session_->contains(query));
-        }
-    });
-    return call->wait(glanceBound).value_or(std::nullopt);
 }
 
 SecretStatus SecretServiceItems::add(const SecretItemQuery& query, std::string_view data,

@@ -21,9 +21,6 @@ class SecretServiceItems final : public SecretItems {
     /// Half of it: replacing a secret is a removal and an add, and must not take longer either.
     static constexpr std::chrono::milliseconds changeBound{1500};
 
-    /// For a question that a window asks as it becomes active: a few frames.
-    static constexpr std::chrono::milliseconds glanceBound{250};
-
     struct Options {
         bool hasDisplay = true; ///< a screen on which a person can be asked
         std::chrono::milliseconds readBound = SecretServiceItems::readBound;
@@ -35,7 +32,6 @@ class SecretServiceItems final : public SecretItems {
     explicit SecretServiceItems(Options options = sessionOptions());
 
     Match copyMatching(const SecretItemQuery& query) override;
-    std::optional<bool> contains(const SecretItemQuery& query) override;
     /// Exactly once, or not at all when the answer is not success: what the keyring stored after
     /// the bound is withdrawn again as soon as it answers, unless the program ends before.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,

@@ -123,21 +123,6 @@ GlibObject<GAsyncResult> SecretServiceSession::await(Start start) {
     return result;
 }
 
-std::optional<bool> SecretServiceSession::contains(const SecretItemQuery& query) {
-    std::optional<bool> isThere;
-    const auto status = guarded([&] {
-        if (!search(query).empty()) {
-            isThere = true;
-            return;
-        }
-        const auto collection = defaultCollection();
-        if (!collection || !secret_collection_get_locked(collection.get())) {
-            isThere = false;
-        }
-    });
-    return status.isSuccess() ? isThere : std::nullopt;
-}
-
 SecretItems::Match SecretServiceSession::copyMatching(const SecretItemQuery& query) {
     SecretItems::Match match;
     match.status = guarded([&] {

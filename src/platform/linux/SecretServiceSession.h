@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace orlune {
@@ -20,8 +19,6 @@ class SecretServiceSession {
     SecretServiceSession(GlibThread& thread, bool hasDisplay);
 
     SecretItems::Match copyMatching(const SecretItemQuery& query);
-    /// Without unlocking anything; none when a lock, or a failure, hides the answer.
-    std::optional<bool> contains(const SecretItemQuery& query);
     /// Asks `isWanted` last before the item is made: unlocking may have taken minutes. When the
     /// provider did not say whether it made the item, the item is withdrawn before this returns.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,

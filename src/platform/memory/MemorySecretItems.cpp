@@ -26,14 +26,6 @@ SecretItems::Match MemorySecretItems::copyMatching(const SecretItemQuery& query)
     return {{}, item->data};
 }
 
-std::optional<bool> MemorySecretItems::contains(const SecretItemQuery& query) {
-    record("contains", query);
-    if (!copyMatchingStatus.isSuccess()) {
-        return std::nullopt;
-    }
-    return std::any_of(items.begin(), items.end(), matches(query));
-}
-
 SecretStatus MemorySecretItems::add(const SecretItemQuery& query, std::string_view data,
                                     SecretAccessibility accessibility) {
     record("add", query);

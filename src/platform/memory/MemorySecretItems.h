@@ -17,8 +17,6 @@ class MemorySecretItems final : public SecretItems {
     };
 
     Match copyMatching(const SecretItemQuery& query) override;
-    /// None while `copyMatchingStatus` is not success.
-    std::optional<bool> contains(const SecretItemQuery& query) override;
     SecretStatus add(const SecretItemQuery& query, std::string_view data,
                      SecretAccessibility accessibility) override;
     SecretStatus remove(const SecretItemQuery& query) override;
