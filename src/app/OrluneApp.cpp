@@ -14,6 +14,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QWindow>
 
 #include <chrono>
 #include <cstdio>
@@ -62,6 +63,7 @@ OrluneApp::OrluneApp(const LaunchOptions& options, const TerminationSignals& sig
           .reopen = [this] { delegate_->applicationShouldHandleReopen(); },
           .perform = [this](RemoteRequest request) { return perform(request); },
           .status = [this] { return statusJson(*state_); },
+          .keyChanged = [this] { state_->checkDeepgramAPIKey(); },
       }) {}
 
 int OrluneApp::run() {
@@ -85,6 +87,14 @@ int OrluneApp::run() {
     });
     const TakeDown takesDown(*this);
     launch(platform);
+    // Not after the state has been taken down.
+    const QObject whileRunning;
+    QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &whileRunning,
+                     [this](const QWindow* window) {
+                         if (window) {
+                             state_->checkDeepgramAPIKey();
+                         }
+                     });
     desktop.watchScreenLock([this] { state_->cancelDictation(); });
     return QCoreApplication::exec();
 }

@@ -60,6 +60,12 @@ int runStatusCommand(const StatusOptions& options) {
     return exitDone;
 }
 
+void announceKeyChange() {
+    if (const auto bus = SessionBus::open()) {
+        bus->tell(runningInstance, keyChangedMethod);
+    }
+}
+
 std::optional<int> reopenRunningInstance() {
     const auto bus = SessionBus::open();
     if (!bus) {

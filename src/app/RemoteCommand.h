@@ -16,6 +16,9 @@ int runRemoteCommand(const RemoteOptions& options);
 /// The same; the status is on standard output.
 int runStatusCommand(const StatusOptions& options);
 
+/// Tells an instance that runs, if any, that the key in the keyring has changed.
+void announceKeyChange();
+
 /// Tells an instance that runs already that the program was launched once more. The exit code; none
 /// when no instance runs, or there is no bus on which to find one.
 std::optional<int> reopenRunningInstance();

@@ -19,6 +19,7 @@ constexpr auto introspection = R"(<interface name="org.freedesktop.Application">
 </interface>
 <interface name="%1">
 %2  <method name="Status"><arg type="s" name="json" direction="out"/></method>
+  <method name="KeyChanged"/>
 </interface>
 )";
 
@@ -81,6 +82,8 @@ class RemoteControl::Door final : public QDBusVirtualObject {
             handlers_.reopen();
         } else if (isCall(message, applicationInterface, "Open", "asa{sv}")) {
             // There are no documents to open.
+        } else if (isCall(message, busInterface, keyChangedMethod, "")) {
+            handlers_.keyChanged();
         } else if (const auto request = requestIn(message)) {
             if (*request == RemoteRequest::quit) {
                 release();

@@ -22,6 +22,8 @@ class RemoteControl {
         std::function<std::optional<std::string>(RemoteRequest)> perform;
         /// A JSON object about the present state.
         std::function<std::string()> status;
+        /// The key in the keyring was changed from outside.
+        std::function<void()> keyChanged;
     };
     enum class Claim { granted, anotherRuns, noBus };
 

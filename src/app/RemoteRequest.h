@@ -43,6 +43,8 @@ inline constexpr auto busPath = "/app/orlune/Orlune";
 inline constexpr auto busInterface = "app.orlune.Orlune1";
 /// The name of the error with which a request is turned down, with a text for a person.
 inline constexpr auto refusalError = "app.orlune.Orlune1.Error.Refused";
+/// Not a request of a person: the key in the keyring was set or removed. The key is not passed.
+inline constexpr auto keyChangedMethod = "KeyChanged";
 /// How desktops start and reach programs.
 inline constexpr auto applicationInterface = "org.freedesktop.Application";
 

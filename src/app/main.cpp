@@ -38,7 +38,11 @@ class CommandRunner {
     }
     int operator()(const KeyOptions& options) const {
         SecretServiceItems keyring;
-        return runKeyCommand(options, keyring, STDIN_FILENO);
+        const int exitCode = runKeyCommand(options, keyring, STDIN_FILENO);
+        if (exitCode == exitDone && options.action != KeyOptions::Action::status) {
+            announceKeyChange();
+        }
+        return exitCode;
     }
     int operator()(const AutostartOptions& options) const { return runAutostartCommand(options); }
     int operator()(const Answer& answer) const {

@@ -159,7 +159,30 @@ void AppState::saveDeepgramAPIKey(std::string_view key) {
         return;
     }
     keychain_.set(trimmed, SecretKey::deepgramAPIKey);
-    hasDeepgramAPIKey_.set(true);
+    setHasDeepgramAPIKey(true);
+}
+
+void AppState::setHasDeepgramAPIKey(bool hasKey) {
+    ++keyCheck_;
+    hasDeepgramAPIKey_.set(hasKey);
+}
+
+void AppState::checkDeepgramAPIKey() {
+    platform_.mainActor.assertCurrent();
+    keychain_.checkPresence(SecretKey::deepgramAPIKey, [weakSelf = weak_from_this(), main = main_,
+                                                        check = ++keyCheck_](
+                                                           SecretItems::Presence presence) {
+        boost::asio::post(main, [weakSelf, check, presence] {
+            const auto self = weakSelf.lock();
+            if (!self || check != self->keyCheck_ || presence == SecretItems::Presence::unknown) {
+                return;
+            }
+            const bool hasKey = presence == SecretItems::Presence::present;
+            if (self->hasDeepgramAPIKey_.get() != hasKey) {
+                self->hasDeepgramAPIKey_.set(hasKey);
+            }
+        });
+    });
 }
 
 // MARK: Beginning
@@ -178,6 +201,9 @@ void AppState::beginDictation() {
     if (!key || key->empty()) {
         fail("Add your Deepgram API key in Settings");
         return;
+    }
+    if (!hasDeepgramAPIKey_.get()) {
+        setHasDeepgramAPIKey(true);
     }
     hideTask_.cancel();
     const auto identity = newSessionID();

@@ -20,6 +20,7 @@
 
 #include <boost/uuid/uuid.hpp>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -92,7 +93,7 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     const Published<DictationShortcut>& shortcut() const { return shortcut_; }
 
     // Settings. The last three are persisted by every call, also when the value is unchanged.
-    void setHasDeepgramAPIKey(bool hasKey) { hasDeepgramAPIKey_.set(hasKey); }
+    void setHasDeepgramAPIKey(bool hasKey);
     void setEnabled(bool enabled) { isEnabled_.set(enabled); }
     void setCapturingShortcut(bool capturing) { isCapturingShortcut_.set(capturing); }
     void setIntentCheckEnabled(bool enabled);
@@ -122,6 +123,10 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     /// Stores the key without the whitespace around it; a blank key is ignored. Throws the secret
     /// store's error.
     void saveDeepgramAPIKey(std::string_view key);
+
+    /// Looks whether the key is stored, which another program or a late keyring may have changed.
+    /// Returns at once and asks nobody to unlock anything; what cannot be told changes nothing.
+    void checkDeepgramAPIKey();
 
     /// "Hold fn to speak" or "Press fn to speak", with the shortcut's own name.
     std::string idleInstruction() const;
@@ -168,6 +173,8 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     const std::shared_ptr<DeepgramService> deepgram_;
     TextInsertionService inserter_;
     Logger latencyLog_;
+
+    std::uint64_t keyCheck_ = 0; ///< an answer to an earlier one is out of date
 
     SessionID sessionID_;
     std::optional<Clock::Instant> speechStartedAt_;

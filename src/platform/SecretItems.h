@@ -3,6 +3,7 @@
 // status, never with a frozen program. Used on the main actor.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -45,10 +46,17 @@ class SecretItems {
         std::optional<std::string> data; ///< the item's bytes, present on success
     };
 
+    enum class Presence { present, absent, unknown };
+    using PresenceHandler = std::function<void(Presence)>;
+
     virtual ~SecretItems() = default;
 
     /// The data of at most one matching item.
     virtual Match copyMatching(const SecretItemQuery& query) = 0;
+    /// Whether there is an item with data, without waiting and without asking a person to unlock
+    /// anything. A locked item counts as present. The handler is called once, on any thread,
+    /// perhaps within this call; never when the store ends before.
+    virtual void checkPresence(const SecretItemQuery& query, PresenceHandler handler) = 0;
     /// Adds an item that is not there yet. An add that was reported as failed does not happen
     /// later.
     virtual SecretStatus add(const SecretItemQuery& query, std::string_view data,

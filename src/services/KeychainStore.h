@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orlune {
 
@@ -35,6 +36,11 @@ class KeychainStore {
     /// The stored text; none when there is no item, when the store cannot be read for whatever
     /// reason, and when the item is not UTF-8. An item without data is the empty text.
     std::optional<std::string> string(SecretKey key) const;
+
+    /// Whether the secret is stored, without waiting or asking anybody; see SecretItems.
+    void checkPresence(SecretKey key, SecretItems::PresenceHandler handler) const {
+        items_.checkPresence(query(key), std::move(handler));
+    }
 
     /// Replaces the secret; an empty value removes it. What was there is deleted first, so that
     /// after a failed replacement nothing is stored. Throws Error when the new value is refused.

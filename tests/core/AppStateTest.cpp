@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <vector>
 
 namespace orlune {
 namespace {
@@ -98,6 +99,38 @@ TEST(AppStateSettingsTest, savesATrimmedKeyIgnoresABlankOneAndReportsARefusal) {
     EXPECT_TRUE(AppState::make(harness.platform.bundle())->hasDeepgramAPIKey().get());
     harness.storeKey("");
     EXPECT_FALSE(AppState::make(harness.platform.bundle())->hasDeepgramAPIKey().get());
+}
+
+TEST(AppStateSettingsTest, looksAgainWhetherThereIsAKey) {
+    DictationHarness harness("");
+    auto& state = harness.state();
+    std::vector<bool> announced;
+    const auto recording =
+        state.hasDeepgramAPIKey().subscribe([&](bool hasKey) { announced.push_back(hasKey); });
+    const auto check = [&] {
+        state.checkDeepgramAPIKey();
+        harness.platform.runUntilIdle();
+    };
+    harness.storeKey("abc");
+    check();
+    check();
+    EXPECT_THAT(announced, ElementsAre(true)) << "only what differs is announced";
+    harness.platform.secretItems.copyMatchingStatus = {SecretStatus::Code::timedOut, "Locked"};
+    check();
+    EXPECT_TRUE(state.hasDeepgramAPIKey().get()) << "nothing was learnt";
+    harness.platform.secretItems.copyMatchingStatus = {};
+    harness.storeKey("");
+    check();
+    EXPECT_FALSE(state.hasDeepgramAPIKey().get());
+
+    state.checkDeepgramAPIKey();
+    state.saveDeepgramAPIKey("new");
+    harness.platform.runUntilIdle();
+    EXPECT_TRUE(state.hasDeepgramAPIKey().get()) << "the answer from before came too late";
+
+    state.setHasDeepgramAPIKey(false);
+    harness.begin();
+    EXPECT_TRUE(state.hasDeepgramAPIKey().get()) << "a dictation has read it";
 }
 
 TEST(AppStateTest, aDictationWithReviewHappensInExactlyThisOrder) {

@@ -150,6 +150,29 @@ TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
     EXPECT_TRUE(keyboard.down().empty());
 }
 
+TEST_F(RunningProgram, KnowsWhetherThereIsAKeyWhoeverChangesIt) {
+    const auto program = started();
+    const auto hasKey = [](bool isThere) {
+        return waitUntil([=] {
+            const auto text = status();
+            return !text.empty()
+                   && boost::json::parse(text).at("hasDeepgramAPIKey").as_bool() == isThere;
+        });
+    };
+    EXPECT_TRUE(hasKey(true));
+    EXPECT_EQ(outcome({"key", "remove"}).exitCode, 0);
+    EXPECT_TRUE(hasKey(false));
+    EXPECT_EQ(outcome({"key", "set"}, {}, key + "\n").exitCode, 0);
+    EXPECT_TRUE(hasKey(true));
+
+    // As the desktop's password manager does, which tells nobody.
+    desktop::run({"secret-tool", "clear", "service", "app.orlune.Orlune"});
+    EXPECT_TRUE(succeeds("show"));
+    EXPECT_TRUE(hasKey(false)) << "a window that becomes active looks again";
+    EXPECT_EQ(outcome({"key", "set"}, {}, key + "\n").exitCode, 0);
+    EXPECT_TRUE(hasKey(true));
+}
+
 TEST_F(RunningProgram, HearsTheShortcutUntilTheScreenIsLocked) {
     const auto program = started();
     keyboard.tap({desktop::keycode::fn});

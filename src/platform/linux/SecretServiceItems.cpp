@@ -97,6 +97,13 @@ SecretItems::Match SecretServiceItems::copyMatching(const SecretItemQuery& query
     return answer ? std::move(*answer) : Match{timedOut(options_.readBound), std::nullopt};
 }
 
+void SecretServiceItems::checkPresence(const SecretItemQuery& query, PresenceHandler handler) {
+    thread_.post([this, query, handler = std::move(handler)] {
+        const auto presence = session_->presence(query);
+        handler(presence);
+    });
+}
+
 SecretStatus SecretServiceItems::add(const SecretItemQuery& query, std::string_view data,
                                      SecretAccessibility) {
     const auto call = std::make_shared<Call<SecretStatus>>();

@@ -32,6 +32,7 @@ class SecretServiceItems final : public SecretItems {
     explicit SecretServiceItems(Options options = sessionOptions());
 
     Match copyMatching(const SecretItemQuery& query) override;
+    void checkPresence(const SecretItemQuery& query, PresenceHandler handler) override;
     /// Exactly once, or not at all when the answer is not success: what the keyring stored after
     /// the bound is withdrawn again as soon as it answers, unless the program ends before.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,

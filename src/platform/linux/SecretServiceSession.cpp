@@ -135,21 +135,49 @@ SecretItems::Match SecretServiceSession::copyMatching(const SecretItemQuery& que
             found = items.begin();
             unlock(found->get());
         }
-        GlibError error;
-        const auto result = await([&](auto callback, auto argument) {
-            secret_item_load_secret(found->get(), thread_.ending(), callback, argument);
-        });
-        secret_item_load_secret_finish(found->get(), result.get(), error.receive());
-        throwIf(error);
-        const SecretValueHandle value(secret_item_get_secret(found->get()));
-        if (!value) {
-            throw Failure{{Code::refused, "The keyring did not hand out the item."}};
-        }
+        const auto value = secretOf(found->get());
         std::size_t length = 0;
         const char* bytes = secret_value_get(value.get(), &length);
         match.data.emplace(bytes, length);
     });
     return match;
+}
+
+SecretValueHandle SecretServiceSession::secretOf(SecretItem* item) {
+    GlibError error;
+    const auto result = await([&](auto callback, auto argument) {
+        secret_item_load_secret(item, thread_.ending(), callback, argument);
+    });
+    secret_item_load_secret_finish(item, result.get(), error.receive());
+    throwIf(error);
+    SecretValueHandle value(secret_item_get_secret(item));
+    if (!value) {
+        throw Failure{{Code::refused, "The keyring did not hand out the item."}};
+    }
+    return value;
+}
+
+SecretItems::Presence SecretServiceSession::presence(const SecretItemQuery& query) {
+    auto presence = SecretItems::Presence::unknown;
+    const auto status = guarded([&] {
+        const auto items = search(query);
+        const auto open = std::find_if_not(items.begin(), items.end(), isLocked);
+        bool isThere = !items.empty();
+        if (open != items.end()) {
+            std::size_t length = 0;
+            const auto value = secretOf(open->get());
+            secret_value_get(value.get(), &length);
+            isThere = length > 0;
+        } else if (items.empty()) {
+            // Some providers show nothing of what is in a locked collection.
+            const auto collection = defaultCollection();
+            if (collection && secret_collection_get_locked(collection.get())) {
+                return;
+            }
+        }
+        presence = isThere ? SecretItems::Presence::present : SecretItems::Presence::absent;
+    });
+    return status.isSuccess() ? presence : SecretItems::Presence::unknown;
 }
 
 SecretStatus SecretServiceSession::add(const SecretItemQuery& query, std::string_view data,

@@ -19,6 +19,8 @@ class SecretServiceSession {
     SecretServiceSession(GlibThread& thread, bool hasDisplay);
 
     SecretItems::Match copyMatching(const SecretItemQuery& query);
+    /// Opens no prompt.
+    SecretItems::Presence presence(const SecretItemQuery& query);
     /// Asks `isWanted` last before the item is made: unlocking may have taken minutes. When the
     /// provider did not say whether it made the item, the item is withdrawn before this returns.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,
@@ -49,6 +51,7 @@ class SecretServiceSession {
     Items searchUnlocked(const SecretItemQuery& query);
     Collection defaultCollection();
     Collection createDefaultCollection();
+    SecretValueHandle secretOf(SecretItem* item);
     void unlock(GDBusProxy* object);
     void unlock(SecretItem* item);
     void unlock(SecretCollection* collection);

@@ -95,6 +95,13 @@ SessionBus::Answer SessionBus::call(const Address& address, const char* method,
             error.text()};
 }
 
+void SessionBus::tell(const Address& address, const char* method) {
+    if (const auto message = methodCall(bus_, address, address.interface, method)) {
+        sd_bus_message_set_expect_reply(message.get(), /*b=*/0);
+        sd_bus_send(bus_, message.get(), /*ret_cookie=*/nullptr); // closing the bus flushes it
+    }
+}
+
 std::optional<bool> SessionBus::flag(const Address& address, const char* property) {
     const auto message = methodCall(bus_, address, "org.freedesktop.DBus.Properties", "Get");
     if (!message || sd_bus_message_append(message.get(), "ss", address.interface, property) < 0) {

@@ -44,6 +44,8 @@ class SessionBus {
     SessionBus& operator=(const SessionBus&) = delete;
 
     Answer call(const Address& address, const char* method, Arguments arguments = Arguments::none);
+    /// Without an answer. Does nothing when nobody is there.
+    void tell(const Address& address, const char* method);
     /// A boolean property; none when nobody is there to tell it.
     std::optional<bool> flag(const Address& address, const char* property);
 

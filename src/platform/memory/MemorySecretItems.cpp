@@ -26,6 +26,16 @@ SecretItems::Match MemorySecretItems::copyMatching(const SecretItemQuery& query)
     return {{}, item->data};
 }
 
+void MemorySecretItems::checkPresence(const SecretItemQuery& query, PresenceHandler handler) {
+    record("checkPresence", query);
+    if (!copyMatchingStatus.isSuccess()) {
+        handler(Presence::unknown);
+        return;
+    }
+    const auto item = std::ranges::find_if(items, matches(query));
+    handler(item != items.end() && !item->data.empty() ? Presence::present : Presence::absent);
+}
+
 SecretStatus MemorySecretItems::add(const SecretItemQuery& query, std::string_view data,
                                     SecretAccessibility accessibility) {
     record("add", query);

@@ -17,12 +17,13 @@ class MemorySecretItems final : public SecretItems {
     };
 
     Match copyMatching(const SecretItemQuery& query) override;
+    void checkPresence(const SecretItemQuery& query, PresenceHandler handler) override;
     SecretStatus add(const SecretItemQuery& query, std::string_view data,
                      SecretAccessibility accessibility) override;
     SecretStatus remove(const SecretItemQuery& query) override;
 
     /// What the next calls answer instead of doing their work, until set to success again.
-    SecretStatus copyMatchingStatus;
+    SecretStatus copyMatchingStatus; ///< of checkPresence too
     SecretStatus addStatus;
     SecretStatus removeStatus;
 
