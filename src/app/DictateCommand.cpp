@@ -1,12 +1,14 @@
 #include "app/DictateCommand.h"
 
 #include "app/Display.h"
+#include "app/KeyCommand.h"
 #include "app/LinuxDesktop.h"
 #include "app/LocalServiceProcess.h"
 #include "app/StandardOutputInsertion.h"
 #include "app/TerminalDictation.h"
 #include "app/TerminalView.h"
 #include "core/AppState.h"
+#include "platform/SecureWipe.h"
 #include "platform/linux/ConfigurationFolder.h"
 #include "platform/linux/FileUserDefaults.h"
 #include "platform/linux/JournalLog.h"
@@ -20,6 +22,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 #include <stdexcept>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>
@@ -46,14 +49,19 @@ class LogAboveView final : public Log {
     TerminalView& view_;
 };
 
-/// The signals that cancel, as a descriptor. Called before any other thread starts, so that none
-/// of them takes the signals.
-int interruptDescriptor() {
+sigset_t cancellingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         sigaddset(&signals, signal);
     }
+    return signals;
+}
+
+/// The signals that cancel, as a descriptor. Called before any other thread starts, so that none
+/// of them takes the signals.
+int interruptDescriptor() {
+    const auto signals = cancellingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
@@ -94,6 +102,31 @@ void addLocalKey(MemorySecretItems& secrets) {
                                   SecretAccessibility::afterFirstUnlockThisDeviceOnly));
 }
 
+/// Lets the signals end the program at once, while nothing reads their descriptor.
+class SignalsEndTheProgram {
+  public:
+    SignalsEndTheProgram() { pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr); }
+    ~SignalsEndTheProgram() { pthread_sigmask(SIG_BLOCK, &signals_, nullptr); }
+    SignalsEndTheProgram(const SignalsEndTheProgram&) = delete;
+    SignalsEndTheProgram& operator=(const SignalsEndTheProgram&) = delete;
+
+  private:
+    const sigset_t signals_ = cancellingSignals();
+};
+
+/// A locked keyring is opened first, however long the person at its prompt takes. Throws when it
+/// cannot be read; without a key in it, the dictation itself says so.
+void openKeyring(SecretItems& keyring) {
+    const SignalsEndTheProgram whileWaiting;
+    auto match = keyring.copyMatching(KeychainStore::query(SecretKey::deepgramAPIKey));
+    if (match.data) {
+        wipe(*match.data);
+    }
+    if (!match.status.isSuccess() && match.status.code != SecretStatus::Code::itemNotFound) {
+        throw std::runtime_error(match.status.message);
+    }
+}
+
 int dictate(const DictateOptions& options, int interrupts) {
     const bool isTerminal = isatty(STDERR_FILENO) != 0;
     TerminalView view(STDERR_FILENO, isTerminal, terminalColumns());
@@ -115,10 +148,14 @@ int dictate(const DictateOptions& options, int interrupts) {
 
     LocalServiceProcess localService;
     MemorySecretItems localSecrets;
+    std::optional<SecretServiceItems> keyring;
     if (options.isLocal) {
         replacements.speechEndpoint = localService.start();
         addLocalKey(localSecrets);
         replacements.secretItems = &localSecrets;
+    } else {
+        keyring.emplace(patientKeyring());
+        replacements.secretItems = &*keyring;
     }
 
     std::function<void()> onInputEnd; // set below, before anything is played
@@ -134,6 +171,9 @@ int dictate(const DictateOptions& options, int interrupts) {
         replacements.makeAudioEngine = [engine] { return std::move(*engine); };
     }
 
+    if (keyring) {
+        openKeyring(*keyring);
+    }
     LinuxDesktop desktop(std::move(replacements),
                          [&view](const std::string& reason) { view.print(reason + "\n"); });
     const auto& platform = desktop.platform();

@@ -75,4 +75,13 @@ int runKeyCommand(const KeyOptions& options, SecretItems& secrets, int input) {
     return exitFailed;
 }
 
+SecretServiceItems::Options patientKeyring() {
+    auto options = SecretServiceItems::sessionOptions();
+    options.onPrompt = [] {
+        std::fputs("The keyring asks for its password in a window of its own. Ctrl-C gives up.\n",
+                   stderr);
+    };
+    return options;
+}
+
 } // namespace orlune

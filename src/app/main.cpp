@@ -37,7 +37,7 @@ class CommandRunner {
         return runIntentCommand(options, std::cin, std::cout);
     }
     int operator()(const KeyOptions& options) const {
-        SecretServiceItems keyring;
+        SecretServiceItems keyring(patientKeyring());
         const int exitCode = runKeyCommand(options, keyring, STDIN_FILENO);
         if (exitCode == exitDone && options.action != KeyOptions::Action::status) {
             announceKeyChange();

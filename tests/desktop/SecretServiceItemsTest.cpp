@@ -173,6 +173,45 @@ TEST_F(ScriptedSecretServiceTest, AReadThatTimedOutLeavesItsPromptToTheNext) {
     EXPECT_EQ(service.promptCount(), 1) << "nobody is asked twice";
 }
 
+TEST_F(ScriptedSecretServiceTest, ThePatientWaitAtAPromptHoweverLongItStands) {
+    ASSERT_TRUE(patient.add(query, "abc", accessibility).isSuccess());
+    service.lock();
+    std::promise<void> isTold;
+    SecretServiceItems terminal{{/*hasDisplay=*/true, 200ms, 200ms, [&] { isTold.set_value(); }}};
+    auto person = std::async(std::launch::async, [&] {
+        isTold.get_future().get(); // so the bound is over
+        service.answerPrompt(/*isUnlocked=*/true);
+    });
+    EXPECT_EQ(terminal.copyMatching(query).data, "abc");
+    person.get();
+}
+
+TEST_F(ScriptedSecretServiceTest, AnEndWhileThePromptStandsDoesNotCallItOff) {
+    service.lock();
+    {
+        SecretServiceItems ending{{/*hasDisplay=*/true, 300ms, 300ms}};
+        EXPECT_EQ(ending.add(query, "abc", accessibility).code, Code::timedOut);
+        service.waitForPrompt();
+    }
+    EXPECT_EQ(hasty.copyMatching(query).status.code, Code::timedOut); // its messages come later
+    EXPECT_EQ(service.dismissalCount(), 0) << "GNOME Keyring's daemon would abort";
+}
+
+TEST_F(ScriptedSecretServiceTest, ASessionThatIsRefusedOnceIsOpenedAgain) {
+    SecretServiceItems items{{/*hasDisplay=*/true, 5s, 5s}};
+    service.refuseNextSession("Client public key size is invalid");
+    EXPECT_TRUE(items.add(query, "abc", accessibility).isSuccess());
+}
+
+TEST_F(ScriptedSecretServiceTest, KeePassXCWithNothingSharedIsSaidAndNotAskedForADatabase) {
+    service.becomeKeePassXCThatSharesNothing();
+    for (const auto& status :
+         {patient.copyMatching(query).status, patient.add(query, "abc", accessibility)}) {
+        EXPECT_EQ(status.code, Code::noDefaultStore);
+        EXPECT_THAT(status.message, HasSubstr("share a group under Secret Service Integration"));
+    }
+}
+
 TEST_F(ScriptedSecretServiceTest, ADismissedPromptIsNotTakenForNobodyThere) {
     service.lock();
     auto person = std::async(std::launch::async, [&] { service.answerPrompt(false); });

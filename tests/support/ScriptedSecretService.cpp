@@ -3,6 +3,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace orlune::test {
 
@@ -33,14 +34,17 @@ ScriptedSecretService::ScriptedSecretService(const std::string& busAddress) {
         throw std::runtime_error("no bus for the scripted keyring");
     }
     g_dbus_connection_add_filter(connection_.get(), &ScriptedSecretService::filter, this, nullptr);
-    GVariant* owned = g_dbus_connection_call_sync(
+    takeName("org.freedesktop.secrets");
+}
+
+void ScriptedSecretService::takeName(const char* name) {
+    const GlibVariant owned(g_dbus_connection_call_sync(
         connection_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-        "RequestName", g_variant_new("(su)", "org.freedesktop.secrets", 0u), nullptr,
-        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        "RequestName", g_variant_new("(su)", name, 0u), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+        nullptr, nullptr));
     if (!owned) {
         throw std::runtime_error("no name for the scripted keyring");
     }
-    g_variant_unref(owned);
 }
 
 ScriptedSecretService::~ScriptedSecretService() {
@@ -76,6 +80,24 @@ void ScriptedSecretService::waitForPrompt() {
 int ScriptedSecretService::promptCount() const {
     const std::lock_guard lock(mutex_);
     return promptCount_;
+}
+
+int ScriptedSecretService::dismissalCount() const {
+    const std::lock_guard lock(mutex_);
+    return dismissalCount_;
+}
+
+void ScriptedSecretService::refuseNextSession(std::string text) {
+    const std::lock_guard lock(mutex_);
+    sessionRefusal_ = std::move(text);
+}
+
+void ScriptedSecretService::becomeKeePassXCThatSharesNothing() {
+    {
+        const std::lock_guard lock(mutex_);
+        hasCollection_ = false;
+    }
+    takeName("org.keepassxc.KeePassXC.MainWindow");
 }
 
 void ScriptedSecretService::refuseAdds(std::string text) {
@@ -136,8 +158,12 @@ GVariant* ScriptedSecretService::answer(GDBusMessage* message) {
         if (std::string(algorithm) == "plain") {
             return g_variant_new("(vo)", g_variant_new_string(""), sessionPath);
         }
+        const bool isRefused = !sessionRefusal_.empty();
         send(g_dbus_message_new_method_error_literal(
-            message, "org.freedesktop.DBus.Error.NotSupported", "plain only"));
+            message,
+            isRefused ? "org.freedesktop.DBus.Error.InvalidArgs"
+                      : "org.freedesktop.DBus.Error.NotSupported",
+            isRefused ? std::exchange(sessionRefusal_, {}).c_str() : "plain only"));
         return nullptr;
     }
     if (member == "SearchItems") {
@@ -145,7 +171,7 @@ GVariant* ScriptedSecretService::answer(GDBusMessage* message) {
                              paths(!items_.empty() && isLocked_ ? itemPath : nullptr));
     }
     if (member == "ReadAlias") {
-        return g_variant_new("(o)", collectionPath);
+        return g_variant_new("(o)", hasCollection_ ? collectionPath : "/");
     }
     if (member == "Unlock") {
         return g_variant_new("(@aoo)", paths(isLocked_ ? nullptr : collectionPath),
@@ -155,6 +181,10 @@ GVariant* ScriptedSecretService::answer(GDBusMessage* message) {
         isPromptStanding_ = true;
         ++promptCount_;
         changed_.notify_all();
+        return g_variant_new("()");
+    }
+    if (member == "Dismiss") {
+        ++dismissalCount_;
         return g_variant_new("()");
     }
     if (member == "GetSecret") {

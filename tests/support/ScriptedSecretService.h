@@ -23,6 +23,13 @@ class ScriptedSecretService {
     void answerPrompt(bool isUnlocked);
     void waitForPrompt();
     int promptCount() const;
+    /// How often a prompt was called off by the program.
+    int dismissalCount() const;
+
+    /// The next session is refused with this text.
+    void refuseNextSession(std::string text);
+    /// From now on it is KeePassXC with a database of which no group is shared.
+    void becomeKeePassXCThatSharesNothing();
 
     /// Adds are refused with this text from now on.
     void refuseAdds(std::string text);
@@ -36,6 +43,7 @@ class ScriptedSecretService {
   private:
     static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message,
                                 gboolean isIncoming, gpointer self);
+    void takeName(const char* name);
     GVariant* answer(GDBusMessage* message);
     GVariant* properties(const std::string& path) const;
     void reply(GDBusMessage* message, GVariant* body);
@@ -47,7 +55,10 @@ class ScriptedSecretService {
     bool isLocked_ = false;
     bool isPromptStanding_ = false;
     bool isHolding_ = false;
+    bool hasCollection_ = true;
     int promptCount_ = 0;
+    int dismissalCount_ = 0;
+    std::string sessionRefusal_;
     int addCount_ = 0;
     std::string refusal_;
     std::vector<std::string> items_; ///< the data

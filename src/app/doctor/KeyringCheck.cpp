@@ -17,7 +17,7 @@ std::string adviceFor(Code code) {
     case Code::userCanceled:
         return "Unlock the keyring, and try again.";
     case Code::noDefaultStore:
-        return "Create a default keyring in the keyring's own program.";
+        return "Create or share a keyring in the keyring's own program.";
     default:
         return "Run a keyring in this session: GNOME Keyring, KWallet or KeePassXC.";
     }

@@ -48,12 +48,15 @@ class Call {
         return !isAbandoned_;
     }
 
-    std::optional<Answer> wait(std::chrono::milliseconds bound) {
+    /// False when there is no answer yet.
+    bool wait(std::chrono::milliseconds bound) {
         std::unique_lock lock(mutex_);
-        if (!answered_.wait_for(lock, bound, [this] { return answer_.has_value(); })) {
-            isAbandoned_ = true;
-            return std::nullopt;
-        }
+        return answered_.wait_for(lock, bound, [this] { return answer_.has_value(); });
+    }
+    /// The answer; none when there is no answer yet, and then there never will be.
+    std::optional<Answer> take() {
+        const std::lock_guard lock(mutex_);
+        isAbandoned_ = !answer_.has_value();
         return std::exchange(answer_, std::nullopt);
     }
 
@@ -86,6 +89,24 @@ SecretServiceItems::SecretServiceItems(Options options) : options_(std::move(opt
     session_.emplace(thread_, options_.hasDisplay);
 }
 
+template <typename Call>
+auto SecretServiceItems::wait(Call& call, std::chrono::milliseconds bound) {
+    const auto& prompts = session_->prompts();
+    bool isTold = false;
+    for (auto changes = prompts.changes.load(); !call.wait(bound);) {
+        // The bound begins anew whenever a prompt came up or went.
+        const bool isAsking = prompts.isStanding || changes != prompts.changes;
+        if (!options_.onPrompt || !isAsking) {
+            break;
+        }
+        changes = prompts.changes;
+        if (prompts.isStanding && !std::exchange(isTold, true)) {
+            options_.onPrompt();
+        }
+    }
+    return call.take();
+}
+
 SecretItems::Match SecretServiceItems::copyMatching(const SecretItemQuery& query) {
     const auto call = std::make_shared<Call<Match>>();
     thread_.post([this, call, query] {
@@ -93,7 +114,7 @@ SecretItems::Match SecretServiceItems::copyMatching(const SecretItemQuery& query
             call->answer(session_->copyMatching(query));
         }
     });
-    auto answer = call->wait(options_.readBound);
+    auto answer = wait(*call, options_.readBound);
     return answer ? std::move(*answer) : Match{timedOut(options_.readBound), std::nullopt};
 }
 
@@ -118,17 +139,17 @@ SecretStatus SecretServiceItems::add(const SecretItemQuery& query, std::string_v
             session_->withdraw(query);
         }
     });
-    return call->wait(options_.changeBound).value_or(timedOut(options_.changeBound));
+    return wait(*call, options_.changeBound).value_or(timedOut(options_.changeBound));
 }
 
 SecretStatus SecretServiceItems::remove(const SecretItemQuery& query) {
     const auto call = std::make_shared<Call<SecretStatus>>();
     thread_.post([this, call, query] { call->answer(session_->remove(query)); });
-    return call->wait(options_.changeBound).value_or(timedOut(options_.changeBound));
+    return wait(*call, options_.changeBound).value_or(timedOut(options_.changeBound));
 }
 
 SecretStatus SecretServiceItems::timedOut(std::chrono::milliseconds bound) const {
-    if (session_->isPromptStanding()) {
+    if (session_->prompts().isStanding) {
         return {Code::timedOut, "The keyring is waiting to be unlocked. Answer its prompt, then "
                                 "try again."};
     }

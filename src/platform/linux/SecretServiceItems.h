@@ -1,13 +1,15 @@
 // Secrets in the desktop's keyring, through libsecret. Used on one thread, the main one; the talk
 // over D-Bus happens on a thread of its own, "orlune-secrets", and each call waits for it within a
 // bound. What comes later than the bound is `timedOut`: an unlock prompt stays where it is, so that
-// a later call succeeds once it is answered; a removal still happens then; an add never does.
+// a later call succeeds once it is answered; a removal still happens then; an add never does. The
+// commands of the terminal wait at a prompt for as long as it stands.
 #pragma once
 
 #include "platform/SecretItems.h"
 #include "platform/linux/SecretServiceSession.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,6 +27,9 @@ class SecretServiceItems final : public SecretItems {
         bool hasDisplay = true; ///< a screen on which a person can be asked
         std::chrono::milliseconds readBound = SecretServiceItems::readBound;
         std::chrono::milliseconds changeBound = SecretServiceItems::changeBound;
+        /// Where it is set, no bound counts while a prompt stands; called once when one is waited
+        /// for longer than the bound, to tell the person.
+        std::function<void()> onPrompt = {};
     };
     /// With a screen when the environment names one.
     static Options sessionOptions();
@@ -40,6 +45,8 @@ class SecretServiceItems final : public SecretItems {
     SecretStatus remove(const SecretItemQuery& query) override;
 
   private:
+    template <typename Call>
+    auto wait(Call& call, std::chrono::milliseconds bound);
     SecretStatus timedOut(std::chrono::milliseconds bound) const;
 
     Options options_;

@@ -17,6 +17,9 @@ constexpr auto shortestLookAtPrompt = 200ms;
 constexpr auto itemLabel = "Orlune";
 /// How the desktop's own programs call the collection that they create.
 constexpr auto defaultCollectionLabel = "Default keyring";
+constexpr auto nothingShared =
+    "KeePassXC shares nothing with other programs. In the settings of its database, share a group "
+    "under Secret Service Integration.";
 
 /// How an operation ends early. Never leaves this file.
 struct Failure {
@@ -265,11 +268,17 @@ void SecretServiceSession::connect() {
     service_.reset();
     connectToBus();
     GlibError error;
-    const auto result = await([&](auto callback, auto argument) {
-        secret_service_open(SECRET_TYPE_SERVICE, /*service_bus_name=*/nullptr,
-                            SECRET_SERVICE_OPEN_SESSION, thread_.ending(), callback, argument);
-    });
-    GlibObject<SecretService> service(secret_service_open_finish(result.get(), error.receive()));
+    const auto open = [&] {
+        const auto result = await([&](auto callback, auto argument) {
+            openWatchedService(thread_.ending(), callback, argument);
+        });
+        return openWatchedServiceFinish(result.get(), prompts_, error.receive());
+    };
+    auto service = open();
+    if (error && !isTimeout(error) && !isAbsence(error)) {
+        // KWallet refuses a key that happens to be a byte shorter; the next one is another.
+        service = open();
+    }
     if (error) {
         throw Failure{isTimeout(error) ? statusOf(error) : unavailable(error.text())};
     }
@@ -318,8 +327,9 @@ SecretServiceSession::Items SecretServiceSession::searchUnlocked(const SecretIte
     const auto collection = defaultCollection();
     if (!collection) {
         throw Failure{{Code::noDefaultStore,
-                       "There is no default keyring. Create one in the desktop's password "
-                       "manager."}};
+                       isKeePassXC() ? nothingShared
+                                     : "There is no default keyring. Create one in the desktop's "
+                                       "password manager."}};
     }
     if (secret_collection_get_locked(collection.get())) {
         unlock(collection.get());
@@ -339,15 +349,35 @@ SecretServiceSession::Collection SecretServiceSession::defaultCollection() {
     return collection;
 }
 
-SecretServiceSession::Collection SecretServiceSession::createDefaultCollection() {
+/// By another name of the same process.
+bool SecretServiceSession::isKeePassXC() {
     GlibError error;
-    isPromptStanding_ = true; // for the new keyring's password
+    const auto result = await([&](auto callback, auto argument) {
+        g_dbus_connection_call(bus_.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                               "org.freedesktop.DBus", "GetNameOwner",
+                               g_variant_new("(s)", "org.keepassxc.KeePassXC.MainWindow"),
+                               G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, /*timeout=*/-1,
+                               thread_.ending(), callback, argument);
+    });
+    const GlibVariant answer(
+        g_dbus_connection_call_finish(bus_.get(), result.get(), error.receive()));
+    const char* owner = "";
+    if (answer) {
+        g_variant_get(answer.get(), "(&s)", &owner);
+    }
+    return owner_ == owner;
+}
+
+SecretServiceSession::Collection SecretServiceSession::createDefaultCollection() {
+    if (isKeePassXC()) {
+        throw Failure{{Code::noDefaultStore, nothingShared}}; // it would make a whole database
+    }
+    GlibError error;
     const auto result = thread_.await([&](auto callback, auto argument) {
         secret_collection_create(service_.get(), defaultCollectionLabel, SECRET_COLLECTION_DEFAULT,
                                  SECRET_COLLECTION_CREATE_NONE, thread_.ending(), callback,
                                  argument);
     });
-    isPromptStanding_ = false;
     Collection collection(result ? secret_collection_create_finish(result.get(), error.receive())
                                  : nullptr);
     if (!collection) {
@@ -371,11 +401,9 @@ void SecretServiceSession::unlock(GDBusProxy* object) {
     GList objects = {object, nullptr, nullptr};
     GlibError error;
     const auto asked = std::chrono::steady_clock::now();
-    isPromptStanding_ = true;
     const auto result = thread_.await([&](auto callback, auto argument) {
         secret_service_unlock(service_.get(), &objects, thread_.ending(), callback, argument);
     });
-    isPromptStanding_ = false;
     if (!result) {
         throw Failure{unavailable("the program is ending")};
     }

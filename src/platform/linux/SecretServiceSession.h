@@ -1,13 +1,13 @@
 // The talk with the desktop's provider of secrets (GNOME Keyring, KWallet, KeePassXC, …) over its
 // D-Bus interface. Owned by SecretServiceItems; everything but the constructor, the destructor and
-// `isPromptStanding` runs on the given thread and may take as long as the provider or the person at
+// `prompts` runs on the given thread and may take as long as the provider or the person at
 // the prompt does. The provider may come, go and come back at any time.
 #pragma once
 
 #include "platform/SecretItems.h"
 #include "platform/linux/GlibThread.h"
+#include "platform/linux/PromptWatch.h"
 
-#include <atomic>
 #include <functional>
 #include <string>
 
@@ -32,8 +32,8 @@ class SecretServiceSession {
     /// Lets go of the provider; the next operation connects again. To be called before the end.
     void disconnect();
 
-    /// True while a person is being asked for a password. From any thread.
-    bool isPromptStanding() const { return isPromptStanding_; }
+    /// Tells when a person is being asked for a password. From any thread.
+    const PromptWatch& prompts() const { return prompts_; }
 
   private:
     using Items = std::vector<GlibObject<SecretItem>>;
@@ -51,6 +51,7 @@ class SecretServiceSession {
     Items searchUnlocked(const SecretItemQuery& query);
     Collection defaultCollection();
     Collection createDefaultCollection();
+    bool isKeePassXC();
     SecretValueHandle secretOf(SecretItem* item);
     void unlock(GDBusProxy* object);
     void unlock(SecretItem* item);
@@ -59,7 +60,7 @@ class SecretServiceSession {
 
     GlibThread& thread_;
     bool hasDisplay_;
-    std::atomic<bool> isPromptStanding_ = false;
+    PromptWatch prompts_;
     GlibObject<GDBusConnection> bus_;
     GlibObject<SecretService> service_;
     std::string owner_; ///< which provider the session is with
