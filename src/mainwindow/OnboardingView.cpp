@@ -43,11 +43,9 @@ QString testSubtitle(const AppState& state) {
                      "Click below, press Fn, and speak. Press Fn again when you're done.");
 }
 
-constexpr int barPadding = 24;
-
 /// As high as given, its content in the middle.
-QWidget* bar(QWidget* content, int height, int leftPadding = barPadding) {
-    auto* result = ui::padded(content, QMargins(leftPadding, 0, barPadding, 0));
+QWidget* bar(QWidget* content, int height) {
+    auto* result = ui::padded(content, {.horizontal = 24});
     result->setFixedHeight(height);
     return result;
 }
@@ -102,8 +100,7 @@ QWidget* OnboardingView::navigationBar() {
     next_->setDefault(true);
     connect(back_, &QPushButton::clicked, this, [this] { setStep(step_ - 1); });
     connect(next_, &QPushButton::clicked, this, [this] { advance(); });
-    // The title of "Back" begins a little within its button.
-    return bar(ui::row({}, {back_, ui::spacer(), next_}), 64, barPadding - 4);
+    return bar(ui::row({}, {back_, ui::spacer(), next_}), 64);
 }
 
 QWidget* OnboardingView::keyPage(UrlOpener& urlOpener) {
@@ -230,14 +227,34 @@ void OnboardingView::focusTestEditorLater() {
                             });
 }
 
+void OnboardingView::showPermissions() {
+    const bool hasMicrophone = permissionStatus_.microphoneGranted();
+    const bool hasAccessibility = permissionStatus_.accessibilityGranted();
+    // A button that hides would hand the focus to whatever comes next in the window. The window may
+    // not be the active one at present: permissions are granted elsewhere.
+    const auto* focused = window()->focusWidget();
+    if (focused
+        && ((hasMicrophone && microphone_->isAncestorOf(focused))
+            || (hasAccessibility && accessibility_->isAncestorOf(focused)))) {
+        if (!hasMicrophone) {
+            microphone_->focusButton();
+        } else if (!hasAccessibility) {
+            accessibility_->focusButton();
+        } else {
+            next_->setFocus();
+        }
+    }
+    microphone_->setGranted(hasMicrophone);
+    accessibility_->setGranted(hasAccessibility);
+}
+
 void OnboardingView::refresh() {
     const bool hasKey = state_->hasDeepgramAPIKey();
     back_->setVisible(step_ != welcome);
     next_->setText(step_ == test ? QStringLiteral("Start Using Orlune")
                                  : QStringLiteral("Continue"));
     next_->setEnabled(step_ != key || hasKey);
-    microphone_->setGranted(permissionStatus_.microphoneGranted());
-    accessibility_->setGranted(permissionStatus_.accessibilityGranted());
+    showPermissions();
     testPage_->setSubtitle(testSubtitle(*state_));
     keyCap_->setText(QString::fromStdString(state_->shortcut().get().displayName()));
     hint_->setText(holdsToSpeak(*state_) ? QStringLiteral("Hold to speak")

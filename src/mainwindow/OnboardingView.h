@@ -50,6 +50,7 @@ class OnboardingView final : public QWidget {
     void setStep(int step);
     void focusStep();
     void focusTestEditorLater();
+    void showPermissions();
     void refresh();
 
     const std::shared_ptr<AppState> state_;

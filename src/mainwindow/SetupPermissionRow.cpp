@@ -44,6 +44,10 @@ SetupPermissionRow::SetupPermissionRow(const QString& symbol, const QString& tit
     setGranted(granted);
 }
 
+void SetupPermissionRow::focusButton() {
+    allow_->setFocus();
+}
+
 void SetupPermissionRow::setGranted(bool granted) {
     const QColor color = granted ? OrlunePalette::success() : OrlunePalette::accent();
     symbol_->setColor(color);

@@ -22,6 +22,7 @@ class SetupPermissionRow final : public QWidget {
                        bool granted, std::function<void()> action);
 
     void setGranted(bool granted);
+    void focusButton();
 
   private:
     ui::Symbol* symbol_;

@@ -49,8 +49,7 @@ QWidget* OverlayView::makeCompactOverlay(const Platform& platform) {
         new ui::Text({}, {.font = {.size = 12, .weight = ui::Weight::semibold}, .lineLimit = 2});
     detail_ = new ui::Text({}, {.font = {.size = 10.5, .weight = ui::Weight::medium},
                                 .color = ui::color(ui::Style::secondary),
-                                .lineLimit = 1,
-                                .minimumScale = 0.8});
+                                .lineLimit = 1});
     auto* texts =
         ui::column({.spacing = 3, .alignment = ui::Alignment::leading}, {status_, detail_});
     auto* row = ui::row({.spacing = 11}, {phaseIcon_, texts, ui::spacer(2)});
@@ -124,10 +123,15 @@ void OverlayView::showCapsule() {
 }
 
 void OverlayView::updateCapsule() {
-    phaseIcon_->setPhase(state_->phase().get().kind());
+    const auto phase = state_->phase().get().kind();
+    phaseIcon_->setPhase(phase);
     const auto status = QString::fromStdString(state_->statusMessage());
     status_->setText(status);
     detail_->setText(QString::fromStdString(detail(*state_)));
+    // Which keys to press is read to its end; of what was said or went wrong the beginning is
+    // enough.
+    constexpr double smallestHint = 0.7;
+    detail_->setMinimumScale(phase == AppState::Phase::Case::listening ? smallestHint : 1);
     ui::combineForAccessibility(*compactOverlay_, status);
 }
 

@@ -1,6 +1,5 @@
 #include "settings/ActivationModeCard.h"
 
-#include "ui/Button.h"
 #include "ui/Stack.h"
 #include "ui/Surface.h"
 #include "ui/Symbol.h"
@@ -101,7 +100,7 @@ void ActivationModeCard::paintEvent(QPaintEvent* /*event*/) {
                       .lineWidth = isSelected ? 1 : 0.7});
     content_->resize(card().size());
     content_->render(&painter, card().topLeft(), {}, QWidget::DrawChildren);
-    if (hasFocus()) {
+    if (focusRing_.isShown()) {
         ui::paintFocusRing(painter, edge, cornerRadius, palette().color(QPalette::Highlight));
     }
 }

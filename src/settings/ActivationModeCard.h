@@ -4,6 +4,7 @@
 
 #include "core/ActivationMode.h"
 #include "ui/Animation.h"
+#include "ui/FocusRing.h"
 
 #include <QRadioButton>
 
@@ -47,6 +48,7 @@ class ActivationModeCard final : public QRadioButton {
     /// Painted by the card, at its scale, and never shown by itself.
     std::unique_ptr<QWidget> content_;
     double scale_ = 1;
+    ui::FocusRing focusRing_{*this};
     ui::Animation animation_;
 };
 

@@ -16,7 +16,6 @@
 #include "visuals/OrlunePalette.h"
 
 #include <QScrollArea>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <exception>
@@ -82,14 +81,7 @@ SettingsView::~SettingsView() = default;
 QWidget* SettingsView::page(const Platform& platform) {
     auto* panels = ui::column({.spacing = 16}, {activationPanel(platform), orlunePanel(),
                                                 keyPanel(), permissionsPanel(), footer()});
-    constexpr int padding = 20;
-    auto* content = ui::padded(panels, padding);
-    auto* view = ui::scrollView(content);
-    // The page is taller than the window. The bar stands in its padding.
-    view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    const int barWidth = view->verticalScrollBar()->sizeHint().width();
-    content->layout()->setContentsMargins(padding, padding, padding - barWidth, padding);
-    return view;
+    return ui::scrollView(ui::padded(panels, 20));
 }
 
 QWidget* SettingsView::activationPanel(const Platform& platform) {
@@ -140,7 +132,8 @@ QWidget* SettingsView::orlunePanel() {
                      {.font = {.size = ui::textSize::caption, .weight = ui::Weight::semibold},
                       .color = ui::color(ui::Style::secondary)});
     return new SettingsPanel(QStringLiteral("Orlune"),
-                             {isEnabled_, panelDivider(), intentCheck_, panelDivider(),
+                             {ui::fillingWidth(isEnabled_), panelDivider(),
+                              ui::fillingWidth(intentCheck_), panelDivider(),
                               ui::row({}, {engineTexts, ui::spacer(), engine})});
 }
 

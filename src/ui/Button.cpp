@@ -15,8 +15,6 @@ namespace {
 
 constexpr double cornerRadius = 6;
 constexpr double symbolGap = 5;
-/// Room for the mark of the focus, which a title without a background needs round it.
-constexpr int plainPadding = 4;
 
 struct Measures {
     int height;
@@ -25,10 +23,14 @@ struct Measures {
 
 Measures measures(const ButtonLook& look) {
     if (look.style == ButtonStyle::plain) {
-        return {.height = 22, .horizontalPadding = plainPadding};
+        return {.height = 0, .horizontalPadding = 0};
     }
     return look.size == ControlSize::large ? Measures{.height = 30, .horizontalPadding = 16}
                                            : Measures{.height = 24, .horizontalPadding = 11};
+}
+
+double symbolSide(const ButtonLook& look) {
+    return look.symbol.isEmpty() ? 0 : 1.25 * look.font.size;
 }
 
 QColor background(const QPushButton& button, ButtonStyle style) {
@@ -42,7 +44,9 @@ QColor background(const QPushButton& button, ButtonStyle style) {
 
 } // namespace
 
-Button::Button(const QString& title, const ButtonLook& look) : look_(look) {
+Button::Button(const QString& title, const ButtonLook& look)
+    : look_(look), focusRing_(*this, look.style == ButtonStyle::plain ? FocusRing::Place::around
+                                                                      : FocusRing::Place::inside) {
     setText(title);
     setFont(look.font.resolved());
     setAutoDefault(true); // Return presses what has the focus, as Space does
@@ -66,7 +70,7 @@ double Button::symbolWidth() const {
     if (look_.symbol.isEmpty()) {
         return 0;
     }
-    const double side = 1.25 * look_.font.size;
+    const double side = symbolSide(look_);
     return text().isEmpty() ? side : side + symbolGap;
 }
 
@@ -75,7 +79,8 @@ QSize Button::sizeHint() const {
     const QFontMetricsF metrics(font());
     const double title = metrics.horizontalAdvance(text());
     return {static_cast<int>(std::ceil(title + symbolWidth())) + 2 * padding,
-            std::max(height, static_cast<int>(std::ceil(metrics.height())))};
+            std::max(height,
+                     static_cast<int>(std::ceil(std::max(metrics.height(), symbolSide(look_)))))};
 }
 
 void Button::paintEvent(QPaintEvent* /*event*/) {
@@ -107,17 +112,10 @@ void Button::paintEvent(QPaintEvent* /*event*/) {
     painter.setFont(font());
     painter.setPen(color);
     painter.drawText(QPointF(left, (height() - metrics.height()) / 2 + metrics.ascent()), text());
-    if (hasFocus()) {
+    if (focusRing_.isPaintedInside()) {
         painter.setOpacity(1);
         paintFocusRing(painter, rect(), cornerRadius, palette().color(QPalette::Highlight));
     }
-}
-
-void paintFocusRing(QPainter& painter, const QRectF& control, double radius, const QColor& tint) {
-    constexpr double width = 2;
-    paintSurface(
-        painter, control,
-        {.shape = Shape::rounded(radius), .stroke = tint.lighter(150), .lineWidth = width});
 }
 
 } // namespace orlune::ui

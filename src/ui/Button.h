@@ -2,6 +2,7 @@
 // default button, accessibility. Main thread.
 #pragma once
 
+#include "ui/FocusRing.h"
 #include "ui/Font.h"
 #include "ui/Style.h"
 
@@ -10,7 +11,7 @@
 namespace orlune::ui {
 
 enum class ButtonStyle {
-    plain,     ///< nothing but its title
+    plain,     ///< nothing but its title, and no larger than that
     bordered,  ///< on a quiet background
     prominent, ///< on the tint: what is done next
 };
@@ -40,9 +41,7 @@ class Button : public QPushButton {
     double symbolWidth() const;
 
     ButtonLook look_;
+    FocusRing focusRing_;
 };
-
-/// Draws the mark of the keyboard focus round a control that is not itself a ui::Button.
-void paintFocusRing(QPainter& painter, const QRectF& control, double radius, const QColor& tint);
 
 } // namespace orlune::ui

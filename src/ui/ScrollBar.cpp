@@ -15,18 +15,30 @@ constexpr int thickness = 11;
 constexpr int inset = 3;
 
 /// The handle moves along the whole bar, without arrows at its ends.
-class WithoutArrows final : public QProxyStyle {
+class SlimStyle final : public QProxyStyle {
   public:
+    explicit SlimStyle(ScrollBar::Place place) : place_(place) {}
+
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override {
-        return metric == PM_ScrollBarExtent ? 0 : QProxyStyle::pixelMetric(metric, option, widget);
+        switch (metric) {
+        case PM_ScrollBarExtent:
+            return 0;
+        case PM_ScrollView_ScrollBarOverlap:
+            return place_ == ScrollBar::Place::over ? thickness : 0;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+        }
     }
+
+  private:
+    ScrollBar::Place place_;
 };
 
 } // namespace
 
-ScrollBar::ScrollBar() : QScrollBar(Qt::Vertical) {
-    auto* slimStyle = new WithoutArrows;
+ScrollBar::ScrollBar(Place place) : QScrollBar(Qt::Vertical) {
+    auto* slimStyle = new SlimStyle(place);
     slimStyle->setParent(this);
     setStyle(slimStyle);
     setAttribute(Qt::WA_OpaquePaintEvent, false);

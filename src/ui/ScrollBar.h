@@ -8,8 +8,13 @@ namespace orlune::ui {
 
 class ScrollBar final : public QScrollBar {
   public:
+    enum class Place {
+        beside, ///< what is scrolled
+        over,   ///< it, at its edge
+    };
+
     /// Upright.
-    ScrollBar();
+    explicit ScrollBar(Place place = Place::beside);
 
     QSize sizeHint() const override;
 

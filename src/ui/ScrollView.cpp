@@ -10,7 +10,7 @@ QScrollArea* scrollView(QWidget* content) {
     auto* view = new QScrollArea;
     view->setFrameShape(QFrame::NoFrame);
     view->setFocusPolicy(Qt::NoFocus); // it follows the focus of what is in it
-    view->setVerticalScrollBar(new ScrollBar);
+    view->setVerticalScrollBar(new ScrollBar(ScrollBar::Place::over));
     view->setWidgetResizable(true);
     view->setWidget(content);
     // Qt gives both a background of their own.

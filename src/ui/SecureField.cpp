@@ -2,7 +2,7 @@
 
 #include "platform/SecureWipe.h"
 #include "ui/AccessibleElement.h"
-#include "ui/Button.h"
+#include "ui/FocusRing.h"
 #include "ui/Style.h"
 #include "ui/Surface.h"
 #include "ui/Theme.h"

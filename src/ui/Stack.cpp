@@ -64,6 +64,13 @@ Qt::Alignment flags(Alignment alignment, bool isRow, const QWidget& part) {
     return {};
 }
 
+/// Qt leaves out the spacing beside an item that calls itself empty.
+class Spacer final : public QSpacerItem {
+  public:
+    using QSpacerItem::QSpacerItem;
+    bool isEmpty() const override { return false; }
+};
+
 /// Remembers how its parts are to stand.
 class Stack final : public QWidget {
   public:
@@ -78,9 +85,9 @@ class Stack final : public QWidget {
         auto* box = static_cast<QBoxLayout*>(layout());
         if (part.isSpacer()) {
             const int length = part.minimumLength();
-            box->addSpacerItem(isRow_ ? new QSpacerItem(length, 0, QSizePolicy::MinimumExpanding)
-                                      : new QSpacerItem(0, length, QSizePolicy::Minimum,
-                                                        QSizePolicy::MinimumExpanding));
+            box->addSpacerItem(isRow_ ? new Spacer(length, 0, QSizePolicy::MinimumExpanding)
+                                      : new Spacer(0, length, QSizePolicy::Minimum,
+                                                   QSizePolicy::MinimumExpanding));
             shareWidth(*this, isRow_);
         } else {
             box->addWidget(part.widget(), 0, flags(style_.alignment, isRow_, *part.widget()));

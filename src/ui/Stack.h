@@ -40,7 +40,7 @@ struct StackStyle {
 };
 
 /// Side by side. Parts keep their own width, unless there is too little room; hidden ones leave no
-/// gap.
+/// gap. A spacer is a part like the others, with a gap on either side.
 QWidget* row(const StackStyle& style, std::initializer_list<Part> parts);
 /// One below the other.
 QWidget* column(const StackStyle& style, std::initializer_list<Part> parts);

@@ -88,13 +88,18 @@ void Text::setLineLimit(int lineLimit) {
     update();
 }
 
-/// A text that is a little too long for its line is drawn a little smaller.
+void Text::setMinimumScale(double minimumScale) {
+    style_.minimumScale = minimumScale;
+    update();
+}
+
+/// A text that is too long for its line is drawn smaller, and cut where that is not enough.
 QFont Text::fittingFont() const {
     QFont fitting = font();
     if (style_.minimumScale < 1 && style_.lineLimit == 1) {
         const double scale = (width() - 0.5) / naturalWidth();
-        if (scale < 1 && scale >= style_.minimumScale) {
-            fitting.setPointSizeF(fitting.pointSizeF() * scale);
+        if (scale < 1) {
+            fitting.setPointSizeF(fitting.pointSizeF() * std::max(scale, style_.minimumScale));
         }
     }
     return fitting;

@@ -25,6 +25,7 @@ class Text final : public QLabel {
 
     void setColor(const QColor& color);
     void setLineLimit(int lineLimit);
+    void setMinimumScale(double minimumScale);
 
     /// From the upper edge down to the line that the letters of the first line stand on, points.
     double firstBaseline() const;

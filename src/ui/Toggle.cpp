@@ -1,6 +1,5 @@
 #include "ui/Toggle.h"
 
-#include "ui/Button.h"
 #include "ui/Stack.h"
 #include "ui/Surface.h"
 #include "ui/Symbol.h"
@@ -31,7 +30,7 @@ Toggle::Toggle(const QString& title, const QString& caption)
     layout->setContentsMargins(boxSide + boxGap, 0, 0, 0);
     layout->addWidget(words_);
     words_->setAttribute(Qt::WA_TransparentForMouseEvents);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // no wider than what answers to a click
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     describe();
@@ -71,7 +70,7 @@ void Toggle::paintEvent(QPaintEvent* /*event*/) {
         const QSizeF size = mark.deviceIndependentSize();
         painter.drawPixmap(box.center() - QPointF(size.width() / 2, size.height() / 2), mark);
     }
-    if (hasFocus()) {
+    if (focusRing_.isShown()) {
         paintFocusRing(painter, box, boxRadius, tint);
     }
 }

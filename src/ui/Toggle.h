@@ -1,6 +1,8 @@
 // A switch with its title, and a caption that says what it does. A check box to keyboard and
-// assistive technology; a click on the words counts too. Main thread.
+// assistive technology; a click on the words counts too, and nothing beside them. Main thread.
 #pragma once
+
+#include "ui/FocusRing.h"
 
 #include <QCheckBox>
 
@@ -27,6 +29,7 @@ class Toggle final : public QCheckBox {
     QString title_;
     Text* caption_;
     QWidget* words_;
+    FocusRing focusRing_{*this};
 };
 
 } // namespace orlune::ui

@@ -2,9 +2,12 @@
 
 #include "mainwindow/DictationSurface.h"
 #include "mainwindow/HomeView.h"
+#include "mainwindow/MainGlassCard.h"
 #include "tests/mainwindow/WindowUser.h"
 #include "visuals/ProcessingGlow.h"
 #include "visuals/VoiceWaveform.h"
+
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -93,6 +96,23 @@ TEST_F(HomeTest, clearEmptiesTheTestAreaAndGivesItTheKeyboard) {
     EXPECT_EQ(QApplication::focusWidget(), button("Clear"));
     QTest::mouseClick(editor()->parentWidget()->parentWidget(), Qt::LeftButton, {}, {3, 3});
     EXPECT_TRUE(editor()->hasFocus()) << "a click beside the text counts too";
+}
+
+TEST_F(HomeTest, fitsItsWindowWithEqualMarginsWhileItScrolls) {
+    open();
+    const auto place = [this](QWidget* part) {
+        return QRect(part->mapTo(&*window, QPoint()), part->size());
+    };
+    const QRect card = place(seen<MainGlassCard>());
+    EXPECT_EQ(card.left(), 32);
+    EXPECT_EQ(window->width() - 1 - card.right(), 32);
+    ASSERT_TRUE(seen<QScrollBar>()) << "it scrolls";
+    EXPECT_EQ(place(button("Settings")).right(), card.right());
+    EXPECT_EQ(place(button("Clear")).right(), place(seen<DictationSurface>()).right());
+    const QRect engine =
+        place(named("Orlune Engine, Deepgram streaming with your securely stored API key, Ready"));
+    EXPECT_EQ(engine.height(), 54);
+    EXPECT_LE(engine.bottom(), window->height() - 1) << "the last row is whole";
 }
 
 TEST_F(HomeTest, showsWhatIsReady) {

@@ -174,6 +174,30 @@ TEST_F(OnboardingTest, looksForPermissionsOnTheirPageAlone) {
     EXPECT_FALSE(isPolling());
 }
 
+TEST_F(OnboardingTest, theFocusGoesOnFromAPermissionThatIsGranted) {
+    dictation.storeKey("secret");
+    platform.captureAuthorization.status = CaptureAuthorization::Status::denied;
+    platform.accessibility.reason = "no display";
+    open();
+    click("Continue");
+    click("Continue");
+    named("Allow Microphone")->setFocus(Qt::TabFocusReason);
+    QWidget elsewhere; // where permissions are granted
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    platform.captureAuthorization.status = CaptureAuthorization::Status::authorized;
+    wait(1s);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&*window));
+    EXPECT_EQ(QApplication::focusWidget(), named("Allow Accessibility"));
+    platform.accessibility.reason = {};
+    wait(1s);
+    EXPECT_EQ(QApplication::focusWidget(), button("Continue"));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), button("Back")) << "what is hidden is passed over";
+}
+
 TEST_F(OnboardingTest, explainsTheModeThatIsChosen) {
     dictation.storeKey("secret");
     dictation.state().setActivationMode(ActivationMode::holdToSpeak);

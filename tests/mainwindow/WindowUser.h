@@ -38,23 +38,25 @@ class WindowUser {
     /// The part of this kind that is shown; of buttons and texts the one that reads so.
     template <typename Kind>
     Kind* seen(const QString& text = {}) const {
-        for (auto* part : window->findChildren<Kind*>()) {
-            if (part->isVisible() && (text.isEmpty() || part->property("text") == text)) {
+        for (auto* widget : window->findChildren<QWidget*>()) {
+            auto* part = dynamic_cast<Kind*>(widget); // not every kind is known to Qt
+            if (part && part->isVisible() && (text.isEmpty() || part->property("text") == text)) {
                 return part;
             }
         }
         return nullptr;
     }
     bool reads(const QString& text) const { return seen<QLabel>(text) != nullptr; }
-    /// Whether assistive technology meets an element of this name.
-    bool tells(const QString& name) const {
-        for (const auto* part : window->findChildren<QWidget*>()) {
+    /// What assistive technology meets under this name.
+    QWidget* named(const QString& name) const {
+        for (auto* part : window->findChildren<QWidget*>()) {
             if (part->isVisible() && part->accessibleName() == name) {
-                return true;
+                return part;
             }
         }
-        return false;
+        return nullptr;
     }
+    bool tells(const QString& name) const { return named(name) != nullptr; }
     QAbstractButton* button(const QString& title) const { return seen<QAbstractButton>(title); }
     QPlainTextEdit* editor() const { return seen<QPlainTextEdit>(); }
 

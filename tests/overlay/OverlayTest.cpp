@@ -5,6 +5,7 @@
 #include "overlay/OverlayWindowController.h"
 #include "tests/support/DictationHarness.h"
 
+#include <QLabel>
 #include <QTest>
 
 namespace orlune {
@@ -111,6 +112,20 @@ TEST_F(OverlayPanelTest, followsADictation) {
     ASSERT_EQ(dictation.phase(), "idle");
     settle();
     EXPECT_FALSE(panel.isVisible());
+}
+
+TEST_F(OverlayPanelTest, keepsALongTranscriptApartFromTheEdge) {
+    dictation.state().setIntentCheckEnabled(false);
+    const std::string words = "a transcript that is far too long for the one line of the capsule";
+    dictation.dictate(words);
+    settle();
+    for (const auto* text : controller.panel().findChildren<QLabel*>()) {
+        if (text->text().toStdString() == words) {
+            EXPECT_EQ(text->width(), 238 - 2 * 13 - 42 - 11 - 11 - 2);
+            return;
+        }
+    }
+    FAIL() << "nothing shows it";
 }
 
 TEST_F(OverlayPanelTest, takesNeitherFocusNorClicks) {
