@@ -122,9 +122,10 @@ void OrluneApp::launch(const Platform& platform) {
                                            .activate = [this] { return windows_->activate(); },
                                            .openMain = openMain,
                                            .openSettings = openSettings});
-    statusItem_.emplace(state_, MenuBarContent::Actions{.openMainWindow = openMain,
-                                                        .openSettings = openSettings,
-                                                        .quit = quit});
+    statusItem_.emplace(state_, platform.keyEventMonitors,
+                        MenuBarContent::Actions{.openMainWindow = openMain,
+                                                .openSettings = openSettings,
+                                                .quit = quit});
     QTimer::singleShot(0, qApp, [this] {
         delegate_->applicationDidFinishLaunching(/*opensWindow=*/!options_.isInBackground);
     });

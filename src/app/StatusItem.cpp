@@ -52,8 +52,9 @@ QIcon menuBarIcon(const QString& symbol) {
     return icon;
 }
 
-StatusItem::StatusItem(std::shared_ptr<AppState> state, MenuBarContent::Actions actions)
-    : state_(std::move(state)), openMainWindow_(actions.openMainWindow),
+StatusItem::StatusItem(std::shared_ptr<AppState> state, KeyEvents& keyEvents,
+                       MenuBarContent::Actions actions)
+    : state_(std::move(state)), keyEvents_(keyEvents), openMainWindow_(actions.openMainWindow),
       content_(state_, std::move(actions)), observation_([this] { refresh(); }),
       host_([this] { show(); }) {
     observation_.observe(*state_);
@@ -80,13 +81,20 @@ void StatusItem::refresh() {
         shownSymbol_ = symbol;
         icon_->setIcon(menuBarIcon(symbol));
     }
-    const auto tip = QStringLiteral("Orlune: ")
-                     + QString::fromStdString(state_->phase().get().is(AppState::Phase::Case::idle)
-                                                  ? state_->idleInstruction()
-                                                  : state_->statusMessage().get());
-    if (icon_->toolTip() != tip) {
-        icon_->setToolTip(tip);
+    if (const auto text = tip(); icon_->toolTip() != text) {
+        icon_->setToolTip(text);
     }
+}
+
+QString StatusItem::tip() const {
+    const auto prefix = QStringLiteral("Orlune: ");
+    if (!state_->phase().get().is(AppState::Phase::Case::idle)) {
+        return prefix + QString::fromStdString(state_->statusMessage());
+    }
+    const auto instruction = prefix + QString::fromStdString(state_->idleInstruction());
+    const auto hint = state_->shortcut().get().functionKeyHint(keyEvents_.functionKeyStandIn());
+    return hint.empty() ? instruction
+                        : instruction + QStringLiteral(" (%1)").arg(QString::fromStdString(hint));
 }
 
 } // namespace orlune

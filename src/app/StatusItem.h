@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/MenuBarContent.h"
+#include "platform/KeyEvents.h"
 #include "platform/linux/TrayHost.h"
 
 #include <QIcon>
@@ -20,7 +21,8 @@ QIcon menuBarIcon(const QString& symbol);
 
 class StatusItem {
   public:
-    StatusItem(std::shared_ptr<AppState> state, MenuBarContent::Actions actions);
+    StatusItem(std::shared_ptr<AppState> state, KeyEvents& keyEvents,
+               MenuBarContent::Actions actions);
 
     MenuBarContent& content() { return content_; }
 
@@ -28,7 +30,10 @@ class StatusItem {
     void show();
     void refresh();
 
+    QString tip() const;
+
     const std::shared_ptr<AppState> state_;
+    KeyEvents& keyEvents_;
     const std::function<void()> openMainWindow_;
     MenuBarContent content_;
     std::optional<QSystemTrayIcon> icon_; ///< from the moment there is a tray

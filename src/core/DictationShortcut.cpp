@@ -108,6 +108,14 @@ std::string DictationShortcut::keyName(std::uint16_t keyCode) {
     return named != namedKeys.end() ? std::string(named->name) : "Key " + std::to_string(keyCode);
 }
 
+std::string DictationShortcut::functionKeyHint(std::string_view standIn) const {
+    if (standIn.empty() || !modifiers.contains(Modifiers::function)) {
+        return {};
+    }
+    const bool isFnAlone = !keyCode && modifiers == Modifiers::function;
+    return (isFnAlone ? "" : "fn is ") + std::string(standIn) + " on this keyboard";
+}
+
 std::string DictationShortcut::encode() const {
     boost::json::object object;
     if (keyCode) {

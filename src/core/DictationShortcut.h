@@ -69,6 +69,9 @@ struct DictationShortcut {
 
     /// The shortcut as shown to the user, such as "⇧⌘K" or "fn Space"; empty for an empty shortcut.
     std::string displayName() const;
+    /// Where Fn is on a keyboard on which `standIn` counts as Fn, such as "Right Control on this
+    /// keyboard"; empty for a shortcut without Fn, and when nothing stands in.
+    std::string functionKeyHint(std::string_view standIn) const;
 
     /// A JSON object with the members "keyCode" (left out when absent) and "modifiers".
     std::string encode() const;

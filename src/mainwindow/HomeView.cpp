@@ -76,8 +76,8 @@ std::string phaseSubtitle(const AppState& state) {
 
 HomeView::HomeView(std::shared_ptr<AppState> state, const Platform& platform,
                    std::function<void()> openSettings)
-    : state_(std::move(state)), permissionStatus_(*this, platform),
-      observation_(*this, [this] { refresh(); }) {
+    : state_(std::move(state)), keyEvents_(platform.keyEventMonitors),
+      permissionStatus_(*this, platform), observation_(*this, [this] { refresh(); }) {
     auto* content =
         ui::column({.spacing = 28, .alignment = Alignment::leading},
                    {header(), readyCard(platform), systemSection(std::move(openSettings))});
@@ -200,7 +200,10 @@ void HomeView::refresh() {
     title_->setText(title);
     subtitle_->setText(subtitle);
     ui::combineForAccessibility(*phaseTexts_, title + QStringLiteral(". ") + subtitle);
-    keyCap_->setText(QString::fromStdString(state_->shortcut().get().displayName()));
+    const auto& shortcut = state_->shortcut().get();
+    keyCap_->setText(
+        QString::fromStdString(shortcut.displayName()),
+        QString::fromStdString(shortcut.functionKeyHint(keyEvents_.functionKeyStandIn())));
     microphone_->setReady(permissionStatus_.microphoneGranted());
     accessibility_->setReady(permissionStatus_.accessibilityGranted());
     showReadiness(*engineReadiness_, state_->hasDeepgramAPIKey());

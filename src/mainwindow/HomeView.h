@@ -43,6 +43,7 @@ class HomeView final : public QWidget {
     void refresh();
 
     const std::shared_ptr<AppState> state_;
+    KeyEvents& keyEvents_;
     ui::Surface* pillDot_ = nullptr;
     ui::Text* pillText_ = nullptr;
     QWidget* phaseTexts_ = nullptr;

@@ -1,5 +1,6 @@
 #include "mainwindow/KeyCap.h"
 
+#include "ui/AccessibleElement.h"
 #include "ui/Stack.h"
 #include "ui/Surface.h"
 #include "ui/Text.h"
@@ -23,8 +24,10 @@ KeyCap::KeyCap(const QString& text)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // never shortened
 }
 
-void KeyCap::setText(const QString& text) {
+void KeyCap::setText(const QString& text, const QString& hint) {
     text_->setText(text);
+    setToolTip(hint);
+    ui::combineForAccessibility(*this, hint.isEmpty() ? text : text + QStringLiteral(", ") + hint);
 }
 
 } // namespace orlune

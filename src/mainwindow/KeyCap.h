@@ -1,4 +1,5 @@
-// The name of a key, or of several pressed together, on a key cap. Main thread.
+// The name of a key, or of several pressed together, on a key cap. On hover and to assistive
+// technology it adds where the key is. Main thread.
 #pragma once
 
 #include <QWidget>
@@ -13,7 +14,8 @@ class KeyCap final : public QWidget {
   public:
     explicit KeyCap(const QString& text);
 
-    void setText(const QString& text);
+    /// An empty hint is none.
+    void setText(const QString& text, const QString& hint = {});
 
   private:
     ui::Text* text_;

@@ -55,8 +55,9 @@ QWidget* bar(QWidget* content, int height) {
 OnboardingView::OnboardingView(std::shared_ptr<AppState> state, const Platform& platform,
                                std::function<void()> finish)
     : state_(std::move(state)), mainActor_(platform.mainActor), clock_(platform.clock),
-      displayOptions_(platform.displayOptions), finish_(std::move(finish)),
-      permissionStatus_(*this, platform), observation_(*this, [this] { refresh(); }) {
+      displayOptions_(platform.displayOptions), keyEvents_(platform.keyEventMonitors),
+      finish_(std::move(finish)), permissionStatus_(*this, platform),
+      observation_(*this, [this] { refresh(); }) {
     auto* pageHolder = new QWidget;
     auto* pageLayout = new QVBoxLayout(pageHolder);
     pageLayout->setContentsMargins(0, 0, 0, 0);
@@ -256,7 +257,10 @@ void OnboardingView::refresh() {
     next_->setEnabled(step_ != key || hasKey);
     showPermissions();
     testPage_->setSubtitle(testSubtitle(*state_));
-    keyCap_->setText(QString::fromStdString(state_->shortcut().get().displayName()));
+    const auto& shortcut = state_->shortcut().get();
+    keyCap_->setText(
+        QString::fromStdString(shortcut.displayName()),
+        QString::fromStdString(shortcut.functionKeyHint(keyEvents_.functionKeyStandIn())));
     hint_->setText(holdsToSpeak(*state_) ? QStringLiteral("Hold to speak")
                                          : QStringLiteral("Press to start"));
     const bool isTested = !testSurface_->editor().document()->isEmpty();

@@ -57,6 +57,7 @@ class OnboardingView final : public QWidget {
     MainActor& mainActor_;
     Clock& clock_;
     DisplayOptions& displayOptions_;
+    KeyEvents& keyEvents_;
     const std::function<void()> finish_;
     int step_ = welcome;
 

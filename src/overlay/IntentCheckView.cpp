@@ -76,10 +76,11 @@ QWidget* bullet(const ui::Text& text) {
 
 } // namespace
 
-IntentCheckView::IntentCheckView(const IntentCheck& check, const QString& shortcut) {
-    card_ = ui::column(
-        {.alignment = ui::Alignment::leading},
-        {ui::padded(header(), 18), cardDivider(), content(check), cardDivider(), footer(shortcut)});
+IntentCheckView::IntentCheckView(const IntentCheck& check, const QString& shortcut,
+                                 const QString& shortcutHint) {
+    card_ = ui::column({.alignment = ui::Alignment::leading},
+                       {ui::padded(header(), 18), cardDivider(), content(check), cardDivider(),
+                        footer(shortcut, shortcutHint)});
     card_->setFixedWidth(cardWidth);
     card_->setAccessibleName(QStringLiteral("Intent check"));
     auto* layout = new QVBoxLayout(this);
@@ -160,15 +161,15 @@ QWidget* IntentCheckView::gapBox(const std::string& gap) {
         ui::fillingWidth(ui::padded(row, 11)));
 }
 
-QWidget* IntentCheckView::footer(const QString& shortcut) {
+QWidget* IntentCheckView::footer(const QString& shortcut, const QString& shortcutHint) {
     // Beside a shortcut of many keys it wraps.
     auto* promise = new ui::Text(
         QStringLiteral("Nothing is inserted until you confirm"),
         {.font = {.size = 10.5}, .color = ui::color(ui::Style::tertiary), .lineLimit = 2});
-    auto* hints =
-        ui::row({.spacing = 18}, {new ShortcutHint(shortcut, QStringLiteral("Insert")),
-                                  new ShortcutHint(QStringLiteral("esc"), QStringLiteral("Cancel")),
-                                  ui::spacer(), promise});
+    auto* hints = ui::row({.spacing = 18},
+                          {new ShortcutHint(shortcut, QStringLiteral("Insert"), shortcutHint),
+                           new ShortcutHint(QStringLiteral("esc"), QStringLiteral("Cancel")),
+                           ui::spacer(), promise});
     auto* footer = ui::padded(hints, {.horizontal = 18});
     footer->setFixedHeight(50);
     return footer;

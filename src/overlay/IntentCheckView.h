@@ -17,8 +17,9 @@ class Text;
 
 class IntentCheckView final : public QWidget {
   public:
-    /// `shortcut` is the name of the keys that confirm.
-    IntentCheckView(const IntentCheck& check, const QString& shortcut);
+    /// `shortcut` is the name of the keys that confirm; a screen reader adds where they are.
+    IntentCheckView(const IntentCheck& check, const QString& shortcut,
+                    const QString& shortcutHint = {});
 
     /// Keeps header and footer in view in a panel of this height, in points: a content that is too
     /// tall moves together, then shows fewer lines of its texts, the least weighty ones first.
@@ -36,7 +37,7 @@ class IntentCheckView final : public QWidget {
     QWidget* requirements(const std::vector<std::string>& requirements);
     QWidget* requirement(const std::string& text);
     QWidget* gapBox(const std::string& gap);
-    QWidget* footer(const QString& shortcut);
+    QWidget* footer(const QString& shortcut, const QString& shortcutHint);
 
     QWidget* card_;
     QWidget* content_ = nullptr;

@@ -28,7 +28,7 @@ QSize OverlayView::size(const AppState::Phase& phase) {
 
 OverlayView::OverlayView(std::shared_ptr<AppState> state, const Platform& platform)
     : state_(std::move(state)), windowServer_(platform.windowServer),
-      observation_(*this, [this] { refresh(); }) {
+      keyEvents_(platform.keyEventMonitors), observation_(*this, [this] { refresh(); }) {
     compactOverlay_ = new GlassCapsule(makeCompactOverlay(platform), /*margin=*/6);
     compactOverlay_->setFixedSize(compactSize);
     pages_ = ui::column({}, {compactOverlay_});
@@ -107,8 +107,10 @@ void OverlayView::refresh() {
 
 void OverlayView::showCard(const IntentCheck& check) {
     delete intentCheck_;
-    intentCheck_ =
-        new IntentCheckView(check, QString::fromStdString(state_->shortcut().get().displayName()));
+    const auto& shortcut = state_->shortcut().get();
+    intentCheck_ = new IntentCheckView(
+        check, QString::fromStdString(shortcut.displayName()),
+        QString::fromStdString(shortcut.functionKeyHint(keyEvents_.functionKeyStandIn())));
     intentCheck_->setFixedSize(reviewSize);
     intentCheck_->fit(reviewSize.height());
     ui::append(pages_, intentCheck_);

@@ -51,6 +51,7 @@ class OverlayView final : public QWidget {
 
     const std::shared_ptr<AppState> state_;
     WindowServer& windowServer_;
+    KeyEvents& keyEvents_;
 
     ui::CrossFade* content_ = nullptr;
     QWidget* pages_ = nullptr;

@@ -24,7 +24,7 @@ QWidget* keyCap(const QString& key) {
 
 } // namespace
 
-ShortcutHint::ShortcutHint(const QString& key, const QString& action) {
+ShortcutHint::ShortcutHint(const QString& key, const QString& action, const QString& place) {
     auto* explanation = new ui::Text(action, {.font = {.size = 11, .weight = ui::Weight::medium},
                                               .color = ui::color(ui::Style::secondary),
                                               .lineLimit = 1});
@@ -32,7 +32,11 @@ ShortcutHint::ShortcutHint(const QString& key, const QString& action) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(ui::row({.spacing = 7}, {keyCap(key), explanation}));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred); // a key cut short tells nothing
-    ui::combineForAccessibility(*this, key + QStringLiteral(", ") + action);
+    QStringList words{key, action};
+    if (!place.isEmpty()) {
+        words.insert(1, place);
+    }
+    ui::combineForAccessibility(*this, words.join(QStringLiteral(", ")));
 }
 
 } // namespace orlune

@@ -7,7 +7,8 @@ namespace orlune {
 
 class ShortcutHint final : public QWidget {
   public:
-    ShortcutHint(const QString& key, const QString& action);
+    /// `place` says where the key is, to assistive technology alone; the panel takes no pointer.
+    ShortcutHint(const QString& key, const QString& action, const QString& place = {});
 };
 
 } // namespace orlune

@@ -94,6 +94,9 @@ class KeyEvents {
                                                           LocalHandler handler) = 0;
     /// Why global monitors see nothing here, for a person; empty when they do.
     virtual std::string reasonForUnavailability() = 0;
+    /// The key that counts as Fn, in words such as "Right Control". Empty when that is the key with
+    /// Fn on it, and when no key counts as Fn.
+    virtual std::string functionKeyStandIn() = 0;
 };
 
 } // namespace orlune

@@ -23,8 +23,6 @@ ShortcutRecorderButton::ShortcutRecorderButton(KeyEvents& keyEvents, Sound& soun
           {},
           {.style = ui::ButtonStyle::bordered, .size = ui::ControlSize::large, .font = titleFont}),
       keyEvents_(keyEvents), sound_(sound) {
-    setToolTip(QStringLiteral("Change dictation shortcut"));
-    setAccessibleDescription(toolTip());
     // A click leaves the focus alone, unless it is needed for the keys.
     setFocusPolicy(Qt::TabFocus);
     connect(this, &QPushButton::clicked, this, &ShortcutRecorderButton::beginRecording);
@@ -156,6 +154,13 @@ void ShortcutRecorderButton::updateTitle() {
                                         : QString::fromStdString(shortcut_.displayName()).toLower();
     setText(title);
     setAccessibleName(QStringLiteral("Shortcut, %1").arg(title));
+    QStringList tips{QStringLiteral("Change dictation shortcut")};
+    if (const auto hint = shortcut_.functionKeyHint(keyEvents_.functionKeyStandIn());
+        !hint.empty()) {
+        tips << QString::fromStdString(hint);
+    }
+    setToolTip(tips.join(u'\n'));
+    setAccessibleDescription(tips.join(QStringLiteral(". ")));
     // Many modifiers and a long key are written smaller, so that all of them can be read.
     constexpr double padding = 8;
     constexpr double smallest = 0.7;

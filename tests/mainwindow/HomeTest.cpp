@@ -2,6 +2,7 @@
 
 #include "mainwindow/DictationSurface.h"
 #include "mainwindow/HomeView.h"
+#include "mainwindow/KeyCap.h"
 #include "mainwindow/MainGlassCard.h"
 #include "tests/mainwindow/WindowUser.h"
 #include "visuals/ProcessingGlow.h"
@@ -113,6 +114,19 @@ TEST_F(HomeTest, fitsItsWindowWithEqualMarginsWhileItScrolls) {
         place(named("Orlune Engine, Deepgram streaming with your securely stored API key, Ready"));
     EXPECT_EQ(engine.height(), 54);
     EXPECT_LE(engine.bottom(), window->height() - 1) << "the last row is whole";
+}
+
+TEST_F(HomeTest, tellsWhichKeyStandsInForFn) {
+    dictation.platform.keyEventMonitors.standIn = "Right Control";
+    open();
+    auto* const cap = seen<KeyCap>();
+    EXPECT_EQ(cap->toolTip(), "Right Control on this keyboard");
+    EXPECT_EQ(cap->accessibleName(), "fn, Right Control on this keyboard");
+    dictation.state().setShortcut(
+        {.keyCode = 40, .modifiers = DictationShortcut::Modifiers::command});
+    settle();
+    EXPECT_EQ(cap->toolTip(), "");
+    EXPECT_EQ(cap->accessibleName(), "⌘K");
 }
 
 TEST_F(HomeTest, showsWhatIsReady) {

@@ -85,6 +85,17 @@ TEST_F(SettingsWindowTest, recordsAShortcut) {
     EXPECT_EQ(recorder()->text(), "⇧⌘a") << "no longer recording";
 }
 
+TEST_F(SettingsWindowTest, theRecorderTellsWhichKeyStandsInForFn) {
+    EXPECT_EQ(recorder()->toolTip(), "Change dictation shortcut");
+    dictation.platform.keyEventMonitors.standIn = "Right Control";
+    dictation.state().setShortcut({.keyCode = 49});
+    settle();
+    EXPECT_EQ(recorder()->toolTip(),
+              "Change dictation shortcut\nfn is Right Control on this keyboard");
+    EXPECT_EQ(recorder()->accessibleDescription(),
+              "Change dictation shortcut. fn is Right Control on this keyboard");
+}
+
 TEST_F(SettingsWindowTest, recordsWhatItReceivesAfterAllKeysAreUpAgain) {
     constexpr std::uint16_t fn = 63;
     constexpr std::uint16_t space = 49;

@@ -1,6 +1,7 @@
 #include "platform/linux/XInputKeyEvents.h"
 
 #include "platform/linux/KeyAccess.h"
+#include "platform/linux/KeyNames.h"
 
 #include <QTimer>
 #include <X11/Xlib.h>
@@ -56,6 +57,12 @@ KeyEventMonitor XInputKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler
 
 std::string XInputKeyEvents::reasonForUnavailability() {
     return connect() ? watch_->reasonForUnavailability() : noDisplayReason;
+}
+
+std::string XInputKeyEvents::functionKeyStandIn() {
+    const bool hasStandIn =
+        connect() && functionKey_ && !isFunctionKey(surroundings_.functionKeyName);
+    return hasStandIn ? keyInWords(surroundings_.functionKeyName) : std::string();
 }
 
 bool XInputKeyEvents::connect() {

@@ -43,6 +43,7 @@ class XInputKeyEvents final : public KeyEvents {
                                                    GlobalHandler handler) override;
     [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
     std::string reasonForUnavailability() override;
+    std::string functionKeyStandIn() override;
 
     // For whoever posts keys: between the first two, synthetic keys are ours and not told. Before
     // and after, they are the user's, who may sit at a remote desktop.

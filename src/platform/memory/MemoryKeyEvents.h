@@ -20,6 +20,7 @@ class MemoryKeyEvents final : public KeyEvents {
                                                    GlobalHandler handler) override;
     [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
     std::string reasonForUnavailability() override { return reason; }
+    std::string functionKeyStandIn() override { return standIn; }
 
     /// While another program has the keyboard.
     void sendElsewhere(const KeyEvent& event) const;
@@ -30,6 +31,8 @@ class MemoryKeyEvents final : public KeyEvents {
 
     /// While not empty, other programs' keys are not seen.
     std::string reason;
+    /// What `functionKeyStandIn` answers.
+    std::string standIn;
     /// While true, no monitor is installed and no handle given.
     bool refusesMonitors = false;
 
