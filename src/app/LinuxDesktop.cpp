@@ -112,7 +112,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
     webSockets = std::make_unique<BeastWebSocketSession>(background.executor(),
                                                          ProxySettings::fromProcessEnvironment());
     if (!replacements.makeAudioEngine) {
-        replacements.makeAudioEngine = [] { return std::make_unique<PulseAudioEngine>(); };
+        replacements.makeAudioEngine = [&log] { return std::make_unique<PulseAudioEngine>(&log); };
     }
     auto& captureAuthorization = replacedOr(replacements.captureAuthorization, microphone, [] {
         return std::make_unique<PulseCaptureAuthorization>();

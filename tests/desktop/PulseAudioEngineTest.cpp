@@ -1,5 +1,6 @@
 #include "platform/linux/PulseAudioEngine.h"
 
+#include "platform/memory/MemoryLog.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/Tones.h"
 
@@ -68,6 +69,15 @@ class Recorder {
     /// True when a further buffer comes in time.
     bool hearsMore() {
         return hears([count = bufferCount()](auto& self) { return self.lengths_.size() > count; });
+    }
+
+    /// True when the last tenth of a second comes to be silent.
+    bool hearsSilence(double sampleRate) {
+        return hears([&](auto& self) {
+            const auto last =
+                std::span(self.channels_.at(0)).last(static_cast<std::size_t>(sampleRate / 10));
+            return std::ranges::all_of(last, [](float sample) { return sample == 0; });
+        });
     }
 
     /// True when the last tenth of a second of each channel comes to be a tone: 400 Hz in channel 0
@@ -217,7 +227,7 @@ TEST_F(PulseAudioEngineTest, AServerThatWasRestartedIsFoundAgain) {
     ASSERT_TRUE(recorder.hearsMore());
 
     server.kill();
-    EXPECT_TRUE(engine.isRunning()) << "a lost server is silence";
+    EXPECT_TRUE(recorder.hearsMore()) << "a lost server is silence";
     engine.stop();
     engine.removeTap();
     EXPECT_EQ(engine.inputFormat().channelCount, 0u);
@@ -237,12 +247,19 @@ TEST_F(PulseAudioEngineTest, ASourceThatVanishesIsFollowedByTheNextOrBySilence) 
     const auto last = server.addMicrophone("last", 48000, 1);
     const auto player = server.play("last", tones(48000, 1), 48000, 1);
     const auto microphone = server.addMicrophone("microphone", 16000, 1);
-    PulseAudioEngine engine;
+    MemoryLog log;
+    PulseAudioEngine engine(&log);
     startCapture(engine, recorder);
     ASSERT_TRUE(recorder.hearsMore());
     server.unload(microphone);
     EXPECT_TRUE(recorder.hearsTones(16000, 1)) << "at the rate that was agreed";
+    EXPECT_TRUE(log.entries().empty());
     server.unload(last);
+    EXPECT_TRUE(recorder.hearsSilence(16000)) << "the meter falls";
+    EXPECT_EQ(log.entries(),
+              (std::vector<MemoryLog::Entry>{
+                  {Log::Level::error, "Microphone",
+                   "lost while recording, which goes on in silence: Entity killed"}}));
     EXPECT_TRUE(engine.isRunning());
     engine.stop();
     EXPECT_EQ(engine.inputFormat().channelCount, 0u);

@@ -28,16 +28,17 @@ constexpr auto serverDefault = static_cast<std::uint32_t>(-1);
 class PulseAudioEngine::Recording {
   public:
     Recording(PulseConnection& connection, const pa_sample_spec& sampleSpec,
-              const pa_channel_map& channelMap, AudioPCMBuffer buffer, Tap tap)
-        : connection_(connection), buffer_(std::move(buffer)), tap_(std::move(tap)),
+              const pa_channel_map& channelMap, AudioPCMBuffer buffer, Tap tap, Log* log)
+        : connection_(connection), buffer_(std::move(buffer)), tap_(std::move(tap)), log_(log),
           stream_(pa_stream_new(connection.context(), streamName, &sampleSpec, &channelMap)) {
         buffer_.setFrameLength(buffer_.frameCapacity());
         if (!stream_) {
             fail(pa_context_errno(connection.context()));
         }
         pa_stream_set_state_callback(
-            stream_.get(), [](pa_stream*, void* loop) { PulseConnection::wake(loop); },
-            connection.loop());
+            stream_.get(),
+            [](pa_stream*, void* userdata) { static_cast<Recording*>(userdata)->changeState(); },
+            this);
         pa_stream_set_read_callback(
             stream_.get(),
             [](pa_stream*, std::size_t, void* userdata) noexcept {
@@ -71,6 +72,33 @@ class PulseAudioEngine::Recording {
     }
 
   private:
+    /// On the audio thread, with the loop locked.
+    void changeState() {
+        PulseConnection::wake(connection_.loop());
+        if (std::exchange(isOpen_, pa_stream_get_state(stream_.get()) == PA_STREAM_READY)
+            && !isOpen_) {
+            if (log_) {
+                log_->write(Log::Level::error, "Microphone",
+                            std::string("lost while recording, which goes on in silence: ")
+                                + pa_strerror(pa_context_errno(connection_.context())));
+            }
+            continueInSilence();
+        }
+    }
+
+    void continueInSilence() {
+        const auto duration = buffer_.frameCapacity() / buffer_.format().sampleRate;
+        silence_.emplace(
+            connection_.loop(), connection_.context(),
+            static_cast<pa_usec_t>(duration * PA_USEC_PER_SEC),
+            [](pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata) noexcept {
+                auto& self = *static_cast<Recording*>(userdata);
+                self.append(nullptr, self.buffer_.frameCapacity());
+                self.continueInSilence();
+            },
+            this);
+    }
+
     [[noreturn]] void fail(int code) {
         connection_.setError(code);
         throw AudioEngineError(connection_.error());
@@ -112,10 +140,13 @@ class PulseAudioEngine::Recording {
     AudioPCMBuffer buffer_;
     std::size_t filled_ = 0;
     const Tap tap_;
-    PulseStream stream_; // last, so that nothing is called once the rest is gone
+    Log* log_;
+    bool isOpen_ = false;
+    std::optional<PulseTimer> silence_; ///< from the loss of the stream on
+    PulseStream stream_;                // last, so that nothing is called once the rest is gone
 };
 
-PulseAudioEngine::PulseAudioEngine() = default;
+PulseAudioEngine::PulseAudioEngine(Log* log) : log_(log) {}
 
 PulseAudioEngine::~PulseAudioEngine() {
     stop();
@@ -172,7 +203,7 @@ void PulseAudioEngine::start() {
             channelMap = source_->channelMap;
         }
         recording_ = std::make_unique<Recording>(connection_, sampleSpec, channelMap,
-                                                 std::move(*buffer), tap_);
+                                                 std::move(*buffer), tap_, log_);
         recording_->waitUntilOpen();
     } catch (...) {
         recording_.reset();

@@ -1,10 +1,12 @@
 // The default microphone of a Linux desktop, through libpulse. Owned by the capture service and
 // used on the main actor; the tap is called on the thread "orlune-audio". Every call returns within
 // a few seconds, also when the sound server hangs. When the server or the device is lost while
-// recording, no buffers come any more; the next start uses whatever is there then.
+// recording, the log says so and the tap receives silence at the same pace; the next start uses
+// whatever is there then.
 #pragma once
 
 #include "platform/AudioEngine.h"
+#include "platform/Log.h"
 #include "platform/linux/PulseConnection.h"
 
 #include <memory>
@@ -14,8 +16,8 @@ namespace orlune {
 
 class PulseAudioEngine final : public AudioEngine {
   public:
-    /// Begins to connect and returns at once.
-    PulseAudioEngine();
+    /// Begins to connect and returns at once. `log`, which may be null, outlives the engine.
+    explicit PulseAudioEngine(Log* log = nullptr);
     ~PulseAudioEngine() override;
 
     /// The default source's own rate and channels, as float samples without interleaving. No
@@ -31,6 +33,7 @@ class PulseAudioEngine final : public AudioEngine {
   private:
     class Recording;
 
+    Log* log_;
     PulseConnection connection_;
     std::optional<PulseConnection::Source> source_;
     std::uint32_t bufferSize_ = 0;
