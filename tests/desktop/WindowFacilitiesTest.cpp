@@ -34,9 +34,10 @@ using desktop::Program;
 using desktop::waitUntil;
 
 /// Two monitors side by side, 1000x800 each, the right one with twice as many pixels to the unit.
-/// The toolkit asks for them when it starts.
+/// The toolkit asks for them when it starts. Only a session of our own is changed.
 [[maybe_unused]] const bool hasTwoScreens = [] {
-    return setenv("QT_SCREEN_SCALE_FACTORS", "1;2", /*overwrite=*/1) == 0
+    return std::getenv("ORLUNE_SESSION")
+           && setenv("QT_SCREEN_SCALE_FACTORS", "1;2", /*overwrite=*/1) == 0
            && std::system("xrandr --setmonitor left 1000/265x800/212+0+0 screen &&"
                           "xrandr --setmonitor right 1000/265x800/212+1000+0 none")
                   == 0;
