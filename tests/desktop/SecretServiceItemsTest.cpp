@@ -197,6 +197,16 @@ TEST_F(ScriptedSecretServiceTest, AnEndWhileThePromptStandsDoesNotCallItOff) {
     EXPECT_EQ(service.dismissalCount(), 0) << "GNOME Keyring's daemon would abort";
 }
 
+TEST_F(ScriptedSecretServiceTest, AProviderThatEndsAtItsPromptIsNotWaitedFor) {
+    service.lock();
+    auto crash = std::async(std::launch::async, [&] { service.endAtPrompt(); });
+    const auto status = patient.copyMatching(query).status;
+    crash.get();
+    EXPECT_EQ(status.code, Code::notAvailable) << status.message;
+    session.startKeyring("password");
+    EXPECT_TRUE(patient.add(query, "abc", accessibility).isSuccess()) << "another one serves";
+}
+
 TEST_F(ScriptedSecretServiceTest, ASessionThatIsRefusedOnceIsOpenedAgain) {
     SecretServiceItems items{{/*hasDisplay=*/true, 5s, 5s}};
     service.refuseNextSession("Client public key size is invalid");

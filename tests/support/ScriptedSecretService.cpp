@@ -77,6 +77,11 @@ void ScriptedSecretService::waitForPrompt() {
     }
 }
 
+void ScriptedSecretService::endAtPrompt() {
+    waitForPrompt();
+    g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr);
+}
+
 int ScriptedSecretService::promptCount() const {
     const std::lock_guard lock(mutex_);
     return promptCount_;

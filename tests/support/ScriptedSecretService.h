@@ -22,6 +22,8 @@ class ScriptedSecretService {
     /// The answer of a person at the prompt, who needs a moment to read it.
     void answerPrompt(bool isUnlocked);
     void waitForPrompt();
+    /// As when the provider crashes while a person is being asked.
+    void endAtPrompt();
     int promptCount() const;
     /// How often a prompt was called off by the program.
     int dismissalCount() const;

@@ -24,6 +24,7 @@ using GlibSource = std::unique_ptr<GSource, GlibRelease<g_source_unref>>;
 using GlibText = std::unique_ptr<char, GlibRelease<g_free>>;
 using GlibTable = std::unique_ptr<GHashTable, GlibRelease<g_hash_table_unref>>;
 using GlibVariant = std::unique_ptr<GVariant, GlibRelease<g_variant_unref>>;
+using GlibVariantType = std::unique_ptr<GVariantType, GlibRelease<g_variant_type_free>>;
 using SecretValueHandle = std::unique_ptr<SecretValue, GlibRelease<secret_value_unref>>;
 
 /// Takes over a list and the reference to each object in it.

@@ -15,6 +15,9 @@ struct PromptWatch {
     std::atomic<unsigned int> changes = 0; ///< how often one came up or went
 };
 
+/// The domain of the error with which an operation ends whose prompt a person has dismissed.
+GQuark promptDismissal();
+
 /// Starts to open a session; completes with the service, or with an error. `watch` outlives it.
 void openWatchedService(GCancellable* cancellable, GAsyncReadyCallback callback, gpointer argument);
 GlibObject<SecretService> openWatchedServiceFinish(GAsyncResult* result, PromptWatch& watch,

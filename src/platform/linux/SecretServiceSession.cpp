@@ -82,6 +82,9 @@ SecretStatus statusOf(GlibError& error) {
     if (isAbsence(error)) {
         return unavailable(error.text());
     }
+    if (error.domain() == promptDismissal()) {
+        return {Code::userCanceled, "The keyring's prompt was dismissed."};
+    }
     if (error.is(SECRET_ERROR, SECRET_ERROR_IS_LOCKED)) {
         return {Code::interactionNotAllowed, "The keyring is locked: " + error.text()};
     }
@@ -409,10 +412,11 @@ void SecretServiceSession::unlock(GDBusProxy* object) {
     }
     const int unlocked =
         secret_service_unlock_finish(service_.get(), result.get(), nullptr, error.receive());
-    throwIf(error);
-    if (unlocked == 0) {
+    const bool isDismissed = error ? error.domain() == promptDismissal() : unlocked == 0;
+    if (isDismissed) {
         throw Failure{dismissedPrompt(asked)};
     }
+    throwIf(error);
 }
 
 SecretStatus
