@@ -24,8 +24,8 @@ struct PlatformConfiguration {
     /// The name of the key symbol that stands in for Fn; whether there is such a symbol is for the
     /// key watcher to find out. ORLUNE_FN_KEY.
     std::string fnKey = "Control_R";
-    /// Window classes of further terminals, compared exactly. ORLUNE_TERMINALS, separated by
-    /// commas.
+    /// Classes of further windows in which Shift-Insert pastes, compared exactly. ORLUNE_TERMINALS,
+    /// by commas.
     std::vector<std::string> terminals;
     /// Whether movement is left out; what the desktop's own settings say where this says nothing.
     /// ORLUNE_REDUCE_MOTION, 1 or 0.

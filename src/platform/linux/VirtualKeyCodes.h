@@ -1,6 +1,6 @@
 // The virtual key codes used above this folder, and the keys of a Linux keyboard in the same
-// places. Keys are named by their X keycode, which is the kernel's code plus 8; layouts play no
-// role. Pure functions, from any thread.
+// places. Keys are named by their X keycode, which is the kernel's code plus 8. Layouts, which may
+// move Escape, are for `KeyRoles`. Pure functions, from any thread.
 #pragma once
 
 #include <cstdint>
