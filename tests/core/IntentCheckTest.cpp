@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <ctime>
 #include <future>
 #include <memory>
 #include <random>
@@ -225,12 +226,18 @@ TEST(IntentCheckBuilder, TakesTimeInProportionToTheLength) {
     const Texts pieces = {" ",    ",",        ", ",      "\v",           ". ", "and ",
                           "but ", "x use it", "e\u0301", "\u0301\u0316", "🇫🇷", "somehow\u0301",
                           "字"};
-    const auto fastest = [](const std::string& transcript) {
-        auto best = std::chrono::steady_clock::duration::max();
+    // The processor time of this thread: what else the machine does plays no part.
+    const auto processorTime = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    };
+    const auto fastest = [&](const std::string& transcript) {
+        auto best = std::chrono::nanoseconds::max();
         for (int round = 0; round < 3; ++round) {
-            const auto start = std::chrono::steady_clock::now();
+            const auto start = processorTime();
             IntentCheckBuilder::build(transcript);
-            best = std::min(best, std::chrono::steady_clock::now() - start);
+            best = std::min(best, processorTime() - start);
         }
         return best;
     };
