@@ -115,15 +115,18 @@ class SignalsEndTheProgram {
 };
 
 /// A locked keyring is opened first, however long the person at its prompt takes. Throws when it
-/// cannot be read; without a key in it, the dictation itself says so.
-void openKeyring(SecretItems& keyring) {
+/// was dismissed, or it would come again; that there is no key, the dictation itself says.
+void openKeyring(SecretItems& keyring, TerminalView& view) {
     const SignalsEndTheProgram whileWaiting;
     auto match = keyring.copyMatching(KeychainStore::query(SecretKey::deepgramAPIKey));
     if (match.data) {
         wipe(*match.data);
     }
-    if (!match.status.isSuccess() && match.status.code != SecretStatus::Code::itemNotFound) {
+    if (match.status.code == SecretStatus::Code::userCanceled) {
         throw std::runtime_error(match.status.message);
+    }
+    if (!match.status.isSuccess() && match.status.code != SecretStatus::Code::itemNotFound) {
+        view.print("orlune: " + match.status.message + "\n");
     }
 }
 
@@ -172,7 +175,7 @@ int dictate(const DictateOptions& options, int interrupts) {
     }
 
     if (keyring) {
-        openKeyring(*keyring);
+        openKeyring(*keyring, view);
     }
     LinuxDesktop desktop(std::move(replacements),
                          [&view](const std::string& reason) { view.print(reason + "\n"); });

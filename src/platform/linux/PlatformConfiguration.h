@@ -25,7 +25,7 @@ struct PlatformConfiguration {
     /// key watcher to find out. ORLUNE_FN_KEY.
     std::string fnKey = "Control_R";
     /// Classes of further windows in which Shift-Insert pastes, compared exactly. ORLUNE_TERMINALS,
-    /// by commas.
+    /// separated by commas.
     std::vector<std::string> terminals;
     /// Whether movement is left out; what the desktop's own settings say where this says nothing.
     /// ORLUNE_REDUCE_MOTION, 1 or 0.
