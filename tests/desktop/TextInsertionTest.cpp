@@ -308,7 +308,7 @@ TEST_F(TextInsertionDesktopTest, NothingIsPastedIntoATerminalWhoseSelectionSomeb
     poster = std::make_unique<XTestKeyPoster>(
         std::vector<std::string>{},
         XTestKeyPoster::Hooks{.ownPrimarySelection = [] { return false; }});
-    insert("dictated");
+    EXPECT_THROW(insert("dictated"), TextInsertionService::InsertionError) << "no key was posted";
     EXPECT_EQ(terminal.finish(*poster), "\n");
 }
 
