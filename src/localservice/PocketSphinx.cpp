@@ -11,8 +11,9 @@
 #include <sphinxbase/err.h>
 #else
 #define ORLUNE_HAS_SPHINXBASE 0
-#include <locale>
 #include <pocketsphinx/err.h>
+
+#include <locale>
 #include <sstream>
 #endif
 
