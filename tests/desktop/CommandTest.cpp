@@ -1,6 +1,5 @@
 // The program's commands against the session's real keyring, sound server and a real terminal.
-#include "tests/desktop/Desktop.h"
-#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/Commands.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -14,27 +13,13 @@
 namespace orlune {
 namespace {
 
+using desktop::Outcome;
+using desktop::outcome;
 using desktop::OwnProgram;
 using test::TemporaryFolder;
 using testing::HasSubstr;
 
 const std::string key = "a1b2c3d4e5f60718293a4b5c6d7e8f90feedface";
-
-struct Outcome {
-    std::optional<int> exitCode;
-    std::string output;
-    std::string error;
-};
-
-Outcome outcome(std::vector<std::string> arguments, const std::string& input = {},
-                const OwnProgram::Environment& changes = {}) {
-    arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
-    OwnProgram program(arguments, changes);
-    program.type(input);
-    program.closeInput();
-    const auto code = program.exitCode();
-    return {code, program.standardOutput(), program.standardError()};
-}
 
 void expectOutcome(const Outcome& seen, const Outcome& expected) {
     EXPECT_EQ(seen.exitCode, expected.exitCode);
@@ -55,11 +40,11 @@ TEST(KeyCommandOnADesktop, KeepsReplacesShowsAndRemovesTheKey) {
     const Outcome isRemoved{0, "", "No key is in the keyring.\n"};
 
     expectOutcome(outcome({"key", "status"}), isMissing);
-    expectOutcome(outcome({"key", "set"}, "an older key\n"), isKept);
-    expectOutcome(outcome({"key", "set"}, "  " + key + " \r\n"), isKept);
+    expectOutcome(outcome({"key", "set"}, {}, "an older key\n"), isKept);
+    expectOutcome(outcome({"key", "set"}, {}, "  " + key + " \r\n"), isKept);
     expectOutcome(outcome({"key", "status"}), isThere);
     EXPECT_EQ(keyInKeyring(), key);
-    expectOutcome(outcome({"key", "set"}, " \n"),
+    expectOutcome(outcome({"key", "set"}, {}, " \n"),
                   {1, "", "orlune: no key was given; nothing was changed\n"});
     EXPECT_EQ(keyInKeyring(), key);
     expectOutcome(outcome({"key", "remove"}), isRemoved);
@@ -99,7 +84,7 @@ TEST(DictateCommandOnADesktop, SaysWhyItCannotBegin) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const auto seen = outcome(row.arguments, "", row.environment);
+        const auto seen = outcome(row.arguments, row.environment);
         EXPECT_EQ(seen.exitCode, 1);
         EXPECT_EQ(seen.output, "");
         EXPECT_THAT(seen.error, HasSubstr(row.text));

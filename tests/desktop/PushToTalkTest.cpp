@@ -8,15 +8,10 @@
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OtherClient.h"
 #include "tests/desktop/OverlayWindow.h"
-#include "tests/desktop/OwnProgram.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/desktop/RunningOrlune.h"
 
-#include <boost/json/parse.hpp>
-#include <boost/json/value.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace orlune {
 namespace {
@@ -24,12 +19,10 @@ namespace {
 using desktop::Keyboard;
 using desktop::OtherClient;
 using desktop::overlayWindow;
-using desktop::OwnProgram;
-using desktop::Program;
+using desktop::phase;
+using desktop::RunningOrlune;
+using desktop::Terminal;
 using desktop::waitUntil;
-using test::TemporaryFolder;
-using test::textOf;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using Modifiers = DictationShortcut::Modifiers;
 
@@ -45,61 +38,9 @@ QRect atRest(QSize panel, const QRect& onScreen = {{}, screen}) {
             panel};
 }
 
-/// The service answers at once, with the same words each time.
-class ScriptedService {
-  public:
-    explicit ScriptedService(const std::string& words) {
-        const auto script = folder_.path() / "script.json";
-        test::write(script, R"({"steps": [{"waitForText": "CloseStream"}, {"final": ")" + words
-                                + R"("}, {"metadata": 1}, {"close": 1000}]})");
-        program_.emplace(std::vector<std::string>{ORLUNE_LOCAL_SERVICE, "--exit-with-parent",
-                                                  "--script", script.string()});
-        EXPECT_TRUE(waitUntil([&] { return program_->standardOutput().ends_with('\n'); }));
-        address_ = program_->standardOutput();
-        address_.pop_back();
-    }
-
-    const std::string& address() const { return address_; }
-    std::string log() { return program_->standardError(); }
-
-  private:
-    TemporaryFolder folder_;
-    std::optional<OwnProgram> program_;
-    std::string address_;
-};
-
-/// A terminal that has the keyboard and keeps what is typed.
-class Terminal {
-  public:
-    explicit Terminal(const std::vector<std::string>& options = {}) {
-        std::vector<std::string> command{"xterm"};
-        command.insert(command.end(), options.begin(), options.end());
-        for (const auto& word : {std::string("-e"), std::string("sh"), std::string("-c"),
-                                 "stty -icanon -echo; exec cat > " + file().string()}) {
-            command.push_back(word);
-        }
-        program_.emplace(command);
-        EXPECT_TRUE(waitUntil([this] { return std::filesystem::exists(file()) && isFocused(); }));
-    }
-
-    static bool isFocused() { return desktop::focusedClass() == "XTerm"; }
-    std::string typed() const { return textOf(file()); }
-
-  private:
-    std::filesystem::path file() const { return folder_.path() / "typed"; }
-
-    TemporaryFolder folder_;
-    std::optional<Program> program_;
-};
-
 class PushToTalk : public testing::Test {
   protected:
-    PushToTalk() {
-        OwnProgram setting({ORLUNE_PROGRAM, "key", "set"});
-        setting.type("any-key\n");
-        EXPECT_EQ(setting.exitCode(), 0) << setting.standardError();
-        desktop::movePointer({10, 10});
-    }
+    PushToTalk() { desktop::movePointer({10, 10}); }
 
     void set(ActivationMode mode) { defaults_.set("activationMode", std::string(rawValue(mode))); }
     void set(const DictationShortcut& shortcut) {
@@ -108,27 +49,8 @@ class PushToTalk : public testing::Test {
         defaults_.set("dictationShortcut", UserDefaults::Data(bytes, bytes + text.size()));
     }
 
-    void start() {
-        program_.emplace(std::vector<std::string>{ORLUNE_PROGRAM, "--background"},
-                         OwnProgram::Environment{{"XDG_CONFIG_HOME", configuration_.path()},
-                                                 {"ORLUNE_ENDPOINT", service_.address()}});
-        ASSERT_TRUE(reaches("idle")) << program_->standardError();
-    }
-
-    std::string phase() {
-        OwnProgram asking({ORLUNE_PROGRAM, "status", "--json"});
-        if (asking.exitCode() != 0) {
-            return "none: " + asking.standardError();
-        }
-        return boost::json::parse(asking.standardOutput()).at("phase").as_string().c_str();
-    }
-    testing::AssertionResult reaches(const std::string& wanted) {
-        if (waitUntil([&] { return phase() == wanted; })) {
-            return testing::AssertionSuccess();
-        }
-        return testing::AssertionFailure() << "it is " << desktop::run({ORLUNE_PROGRAM, "status"})
-                                           << program_->standardError() << service_.log();
-    }
+    void start() { orlune_.start(); }
+    testing::AssertionResult reaches(const std::string& phase) { return orlune_.reaches(phase); }
     bool rests(const QRect& place) {
         return waitUntil([&] {
             const auto panel = overlayWindow();
@@ -144,12 +66,10 @@ class PushToTalk : public testing::Test {
         keyboard_.release(key);
     }
 
-    const TemporaryFolder configuration_;
     MemoryLog log_;
-    FileUserDefaults defaults_{configuration_.path() / "app.orlune.Orlune", log_};
-    ScriptedService service_{"Rename the button."};
     Keyboard keyboard_;
-    std::optional<OwnProgram> program_;
+    RunningOrlune orlune_;
+    FileUserDefaults defaults_{orlune_.settings(), log_};
 };
 
 TEST_F(PushToTalk, TapToToggleReviewsAndInserts) {
@@ -166,7 +86,7 @@ TEST_F(PushToTalk, TapToToggleReviewsAndInserts) {
     EXPECT_TRUE(Terminal::isFocused());
     EXPECT_THAT(terminal.typed(), IsEmpty());
     tap(keycode::fn);
-    EXPECT_TRUE(waitUntil([&] { return terminal.typed() == "Rename the button."; }))
+    EXPECT_TRUE(waitUntil([&] { return terminal.typed() == RunningOrlune::understoodWords; }))
         << terminal.typed();
     EXPECT_TRUE(isHidden());
     EXPECT_TRUE(Terminal::isFocused());
@@ -187,7 +107,7 @@ TEST_F(PushToTalk, HoldToSpeakListensWhileTheKeyIsDown) {
     keyboard_.press(keycode::shift);
     keyboard_.press(keycode::alt);
     keyboard_.press(keycode::fn);
-    EXPECT_TRUE(waitUntil([&] { return terminal.typed() == "Rename the button."; }))
+    EXPECT_TRUE(waitUntil([&] { return terminal.typed() == RunningOrlune::understoodWords; }))
         << terminal.typed();
 }
 

@@ -2,25 +2,20 @@
 
 #include "tests/desktop/Desktop.h"
 
-#include <boost/json/parse.hpp>
-#include <boost/json/serialize.hpp>
-
 #include <stdexcept>
 #include <vector>
 
 namespace orlune::desktop {
 
 RunningOrlune::RunningOrlune(double pause) : service_(key, understoodWords, pause) {
-    OwnProgram setting({ORLUNE_PROGRAM, "key", "set"});
-    setting.type(std::string(key) + '\n');
-    if (setting.exitCode() != 0) {
-        throw std::runtime_error("no key could be stored: " + setting.standardError());
+    const auto setting = outcome({"key", "set"}, {}, std::string(key) + '\n');
+    if (setting.exitCode != 0) {
+        throw std::runtime_error("no key could be stored: " + setting.error);
     }
-    start();
 }
 
 RunningOrlune::~RunningOrlune() {
-    OwnProgram({ORLUNE_PROGRAM, "key", "remove"}).exitCode();
+    outcome({"key", "remove"});
 }
 
 void RunningOrlune::start() {
@@ -37,20 +32,11 @@ void RunningOrlune::restart() {
 }
 
 bool RunningOrlune::does(const std::string& command) {
-    return OwnProgram({ORLUNE_PROGRAM, command}).exitCode() == 0;
-}
-
-std::string RunningOrlune::status(const std::string& member) {
-    OwnProgram asking({ORLUNE_PROGRAM, "status", "--json"});
-    if (asking.exitCode() != 0) {
-        return "none";
-    }
-    const auto value = boost::json::parse(asking.standardOutput()).at(member);
-    return value.is_string() ? std::string(value.get_string()) : boost::json::serialize(value);
+    return outcome({command}).exitCode == 0;
 }
 
 testing::AssertionResult RunningOrlune::reaches(const std::string& phase) {
-    if (waitUntil([&] { return this->phase() == phase; })) {
+    if (desktop::reaches(phase)) {
         return testing::AssertionSuccess();
     }
     return testing::AssertionFailure() << "it is " << run({ORLUNE_PROGRAM, "status"})

@@ -2,6 +2,7 @@
 // understands the same words each time. Main thread; waiting turns Qt's loop.
 #pragma once
 
+#include "tests/desktop/Commands.h"
 #include "tests/desktop/OwnProgram.h"
 #include "tests/desktop/SpeechService.h"
 #include "tests/support/TemporaryFolder.h"
@@ -17,26 +18,28 @@ class RunningOrlune {
   public:
     static constexpr auto understoodWords = "Rename the button.";
 
-    /// Starts it, and waits until it is idle. The service takes `pause` seconds over the words.
+    /// The service takes `pause` seconds over the words.
     explicit RunningOrlune(double pause = 0);
     /// Removes the key.
     ~RunningOrlune();
     RunningOrlune(const RunningOrlune&) = delete;
     RunningOrlune& operator=(const RunningOrlune&) = delete;
 
+    /// Returns when it is idle.
+    void start();
     void restart();
     OwnProgram& program() { return *program_; }
 
     /// Whether `orlune` with this argument succeeds.
     [[nodiscard]] bool does(const std::string& command);
     /// A member of what `orlune status --json` tells, as text.
-    std::string status(const std::string& member);
-    std::string phase() { return status("phase"); }
+    static std::string status(const std::string& member) { return statusMember(member); }
+    static std::string phase() { return desktop::phase(); }
+    /// The folder with its settings.
+    std::filesystem::path settings() const { return folder_.path() / "app.orlune.Orlune"; }
     [[nodiscard]] testing::AssertionResult reaches(const std::string& phase);
 
   private:
-    void start();
-
     static constexpr auto key = "any-key";
 
     const test::TemporaryFolder folder_;

@@ -1,9 +1,8 @@
 // The program itself, started as a user starts it, in a session with everything real around it: the
 // shortcut, the commands to it over the bus, its end, and what the doctor says of it all.
+#include "tests/desktop/Commands.h"
 #include "tests/desktop/Desktop.h"
-#include "tests/desktop/OwnProgram.h"
 #include "tests/desktop/SpeechService.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -12,51 +11,25 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <filesystem>
 
 namespace orlune {
 namespace {
 
 using desktop::Keyboard;
+using desktop::Outcome;
+using desktop::outcome;
 using desktop::OwnProgram;
+using desktop::phase;
+using desktop::reaches;
+using desktop::status;
 using desktop::waitUntil;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-struct Outcome {
-    std::optional<int> exitCode;
-    std::string output;
-    std::string error;
-};
-
-Outcome outcome(std::vector<std::string> arguments, const OwnProgram::Environment& changes = {},
-                std::string_view input = {}) {
-    arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
-    OwnProgram program(arguments, changes);
-    program.type(input);
-    program.closeInput();
-    const auto code = program.exitCode();
-    return {code, program.standardOutput(), program.standardError()};
-}
-
 bool succeeds(const std::string& command) {
     return outcome({command}).exitCode == 0;
-}
-
-std::string status(const std::string& option = "--json") {
-    return outcome({"status", option}).output;
-}
-
-std::string phase() {
-    const auto text = status();
-    return text.empty() ? "" : std::string(boost::json::parse(text).at("phase").as_string());
-}
-
-/// Whether the phase is this one within the deadline.
-bool reaches(const std::string& wanted) {
-    return waitUntil([&] { return phase() == wanted; });
 }
 
 /// As a click on an entry of the launcher's menu does.
@@ -115,8 +88,7 @@ TEST_F(RunningProgram, ComesForwardWithWhatIsOpenWhenItIsLaunchedAgain) {
     EXPECT_TRUE(succeeds("settings"));
     EXPECT_TRUE(waitUntil(isInFront));
     {
-        const desktop::Program terminal({"xterm"});
-        EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "XTerm"; }));
+        const desktop::Terminal terminal;
         EXPECT_EQ(outcome({}).exitCode, 0);
         EXPECT_TRUE(waitUntil(isInFront));
         EXPECT_EQ(titles(), "Orlune Settings\n");
@@ -129,12 +101,7 @@ TEST_F(RunningProgram, ComesForwardWithWhatIsOpenWhenItIsLaunchedAgain) {
 }
 
 TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
-    const test::TemporaryFolder folder;
-    const std::string file = folder.path() / "typed";
-    const desktop::Program terminal(
-        {"xterm", "-e", "sh", "-c", "stty -icanon -echo; exec cat > " + file});
-    ASSERT_TRUE(waitUntil(
-        [&] { return std::filesystem::exists(file) && desktop::focusedClass() == "XTerm"; }));
+    const desktop::Terminal terminal;
     const auto program = started();
     EXPECT_TRUE(succeeds("toggle"));
     ASSERT_TRUE(reaches("listening")) << status();
@@ -144,8 +111,8 @@ TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
     EXPECT_THAT(status() + outcome({"status"}).output, Not(HasSubstr("weather")));
     EXPECT_TRUE(succeeds("toggle"));
     EXPECT_TRUE(
-        waitUntil([&] { return test::textOf(file).find("for a walk") != std::string::npos; }));
-    EXPECT_THAT(test::textOf(file), StartsWith("Goal\nThe weather is nice today"));
+        waitUntil([&] { return terminal.typed().find("for a walk") != std::string::npos; }));
+    EXPECT_THAT(terminal.typed(), StartsWith("Goal\nThe weather is nice today"));
     EXPECT_TRUE(reaches("idle"));
     EXPECT_TRUE(keyboard.down().empty());
 }

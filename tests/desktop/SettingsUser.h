@@ -16,7 +16,10 @@ class SettingsUser : public testing::Test {
   protected:
     using Keys = std::vector<Keyboard::Keycode>;
 
-    SettingsUser() { openSettings(); }
+    SettingsUser() {
+        orlune.start();
+        openSettings();
+    }
 
     void openSettings() {
         EXPECT_TRUE(orlune.does("settings"));

@@ -27,7 +27,10 @@ constexpr auto idleTip = "Press fn to speak (Right Control on this keyboard)";
 /// The panel comes up long after the program.
 class Tray : public testing::Test {
   protected:
-    Tray() { EXPECT_TRUE(iconComes()); }
+    Tray() {
+        orlune.start();
+        EXPECT_TRUE(iconComes());
+    }
 
     bool iconComes() {
         return waitUntil([this] { return panel->hasIcon(); });

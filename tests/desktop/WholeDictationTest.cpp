@@ -1,26 +1,22 @@
 // Whole dictations with everything real but the speaker: the program as a process of its own,
 // speech in the session's microphone, the keyring, TLS, the clipboard, other programs' windows.
-#include "tests/desktop/Desktop.h"
-#include "tests/desktop/OwnProgram.h"
+#include "tests/desktop/Commands.h"
 #include "tests/desktop/SpeechService.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <filesystem>
 
 namespace orlune {
 namespace {
 
 using desktop::Keyboard;
+using desktop::outcome;
 using desktop::OwnProgram;
 using desktop::Program;
 using desktop::SpeechService;
 using desktop::waitUntil;
-using test::TemporaryFolder;
-using test::textOf;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -32,32 +28,26 @@ const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
 constexpr auto firstWords = "weather is nice";
 constexpr auto lastWords = "go for a walk";
 
-std::vector<std::string> orlune(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
-    return arguments;
-}
-
 /// The key in the session's keyring for as long as a test runs, put there as a user does.
 class WholeDictation : public testing::Test {
   protected:
     WholeDictation() {
-        OwnProgram setting(orlune({"key", "set"}));
-        setting.type(key + "\n");
-        EXPECT_EQ(setting.exitCode(), 0) << setting.standardError();
-        outputs_ += setting.standardOutput() + setting.standardError();
+        const auto setting = outcome({"key", "set"}, {}, key + "\n");
+        EXPECT_EQ(setting.exitCode, 0) << setting.error;
+        outputs_ += setting.output + setting.error;
     }
     ~WholeDictation() override {
-        EXPECT_EQ(OwnProgram(orlune({"key", "remove"})).exitCode(), 0);
+        EXPECT_EQ(outcome({"key", "remove"}).exitCode, 0);
         EXPECT_THAT(outputs_, Not(HasSubstr(key)));
     }
 
     /// `orlune dictate` with further options, once it listens.
     std::unique_ptr<OwnProgram> listening(const std::vector<std::string>& options,
                                           OwnProgram::Environment environment = {}) {
-        std::vector<std::string> words{"dictate"};
+        std::vector<std::string> words{ORLUNE_PROGRAM, "dictate"};
         words.insert(words.end(), options.begin(), options.end());
         environment.merge(OwnProgram::Environment(service_.clientEnvironment()));
-        auto program = std::make_unique<OwnProgram>(orlune(words), environment);
+        auto program = std::make_unique<OwnProgram>(words, environment);
         EXPECT_TRUE(program->says("Listening\n")) << program->standardError();
         EXPECT_THAT(program->visibleToOthers(), Not(HasSubstr(key)));
         EXPECT_THAT(service_.visibleToOthers(), Not(HasSubstr(key)));
@@ -100,20 +90,15 @@ class WholeDictation : public testing::Test {
 };
 
 TEST_F(WholeDictation, ArrivesInATerminal) {
-    const TemporaryFolder folder;
-    const std::string file = folder.path() / "typed";
-    const Program terminal({"xterm", "-e", "sh", "-c", "stty -icanon -echo; exec cat > " + file});
-    ASSERT_TRUE(waitUntil(
-        [&] { return std::filesystem::exists(file) && desktop::focusedClass() == "XTerm"; }));
-
+    const desktop::Terminal terminal;
     const auto program = listening({"--insert", "--yes"});
     EXPECT_THAT(desktop::recordings(), Not(testing::IsEmpty()));
     speakAndEnd(*program);
     EXPECT_EQ(end(*program), 0) << program->standardError();
     expectServiceSawClose(1000);
     expectShownAndMeasured(*program);
-    EXPECT_TRUE(waitUntil([&] { return textOf(file).find("walk.") != std::string::npos; }));
-    const auto typed = textOf(file);
+    EXPECT_TRUE(waitUntil([&] { return terminal.typed().find("walk.") != std::string::npos; }));
+    const auto typed = terminal.typed();
     EXPECT_THAT(typed, AllOf(StartsWith("Goal\nThe weather is nice today"), HasSubstr(lastWords)));
     EXPECT_EQ(typed.find("walk"), typed.rfind("walk")) << "pasted more than once: " << typed;
 }

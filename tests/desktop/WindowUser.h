@@ -2,6 +2,7 @@
 // the pointer.
 #pragma once
 
+#include "tests/desktop/Commands.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OwnProgram.h"
 #include "tests/desktop/ScreenReader.h"
@@ -47,14 +48,9 @@ class WindowUser : public testing::Test {
     /// Whether `orlune` with these arguments succeeds.
     [[nodiscard]] testing::AssertionResult does(std::vector<std::string> arguments,
                                                 std::string_view input = {}) const {
-        arguments.insert(arguments.begin(), ORLUNE_PROGRAM);
-        OwnProgram command(arguments, environment);
-        command.type(input);
-        command.closeInput();
-        if (command.exitCode() == 0) {
-            return testing::AssertionSuccess();
-        }
-        return testing::AssertionFailure() << command.standardError();
+        const auto seen = outcome(std::move(arguments), environment, input);
+        return (seen.exitCode == 0 ? testing::AssertionSuccess() : testing::AssertionFailure())
+               << seen.error;
     }
     /// As the desktop's own tool finds it.
     std::string storedKey() const {
