@@ -61,11 +61,6 @@ class PushToTalk : public testing::Test {
         return waitUntil([] { return !overlayWindow(); });
     }
 
-    void tap(Keyboard::Keycode key) {
-        keyboard_.press(key);
-        keyboard_.release(key);
-    }
-
     MemoryLog log_;
     Keyboard keyboard_;
     RunningOrlune orlune_;
@@ -75,17 +70,17 @@ class PushToTalk : public testing::Test {
 TEST_F(PushToTalk, TapToToggleReviewsAndInserts) {
     const Terminal terminal;
     start();
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     ASSERT_TRUE(reaches("listening"));
     EXPECT_TRUE(rests(atRest(capsule)));
     EXPECT_TRUE(Terminal::isFocused());
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     ASSERT_TRUE(reaches("reviewing"));
     EXPECT_TRUE(rests(atRest(card)));
     EXPECT_TRUE(overlayWindow()->isOnTop);
     EXPECT_TRUE(Terminal::isFocused());
     EXPECT_THAT(terminal.typed(), IsEmpty());
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     EXPECT_TRUE(waitUntil([&] { return terminal.typed() == RunningOrlune::understoodWords; }))
         << terminal.typed();
     EXPECT_TRUE(isHidden());
@@ -98,7 +93,7 @@ TEST_F(PushToTalk, HoldToSpeakListensWhileTheKeyIsDown) {
     start();
     keyboard_.press(keycode::fn);
     ASSERT_TRUE(reaches("listening"));
-    tap(keycode::shift);
+    keyboard_.tap({keycode::shift});
     EXPECT_EQ(phase(), "listening") << "Shift changes nothing";
     keyboard_.release(keycode::fn);
     ASSERT_TRUE(reaches("reviewing"));
@@ -115,13 +110,13 @@ TEST_F(PushToTalk, EscapeAbandonsInEveryPhase) {
     const Terminal terminal;
     start();
     for (const std::string phase : {"listening", "reviewing"}) {
-        tap(keycode::fn);
+        keyboard_.tap({keycode::fn});
         ASSERT_TRUE(reaches("listening"));
         if (phase == "reviewing") {
-            tap(keycode::fn);
+            keyboard_.tap({keycode::fn});
             ASSERT_TRUE(reaches("reviewing"));
         }
-        tap(keycode::escape);
+        keyboard_.tap({keycode::escape});
         EXPECT_TRUE(reaches("idle")) << phase;
         EXPECT_TRUE(isHidden()) << phase;
     }
@@ -154,14 +149,14 @@ TEST_F(PushToTalk, IsHeardWhileAnotherProgramHasGrabbedTheKeyboard) {
     start();
     OtherClient client;
     ASSERT_TRUE(client.grabKeyboard());
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     EXPECT_TRUE(reaches("listening"));
 }
 
 TEST_F(PushToTalk, ClicksOnThePanelReachTheWindowBelow) {
     const Terminal terminal;
     start();
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     ASSERT_TRUE(rests(atRest(capsule)));
     desktop::ClickRecorder below(atRest(capsule));
     desktop::movePointer(atRest(capsule).center());
@@ -171,7 +166,7 @@ TEST_F(PushToTalk, ClicksOnThePanelReachTheWindowBelow) {
 
 TEST_F(PushToTalk, LiesAboveAFullScreenWindowThatComesLater) {
     start();
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     ASSERT_TRUE(rests(atRest(capsule)));
     const Terminal terminal({"-fullscreen"});
     EXPECT_TRUE(waitUntil([] { return overlayWindow()->isOnTop; }));
@@ -185,11 +180,11 @@ TEST_F(PushToTalk, ShowsOnTheScreenUnderThePointer) {
     const Terminal terminal;
     start();
     desktop::movePointer(right.center());
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     EXPECT_TRUE(rests(atRest(capsule, right)));
     ASSERT_TRUE(reaches("listening")) << "before that a press does nothing";
     desktop::movePointer(left.center());
-    tap(keycode::fn);
+    keyboard_.tap({keycode::fn});
     ASSERT_TRUE(reaches("reviewing"));
     EXPECT_TRUE(rests(atRest(card, left)));
     desktop::run({"xrandr", "--delmonitor", "right"});
