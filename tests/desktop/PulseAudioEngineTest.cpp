@@ -112,7 +112,7 @@ class Recorder {
 };
 
 std::vector<float> tones(int sampleRate, int channels) {
-    const auto frames = static_cast<std::size_t>(sampleRate * 20);
+    const auto frames = static_cast<std::size_t>(sampleRate) * 20;
     std::vector<float> interleaved(frames * static_cast<std::size_t>(channels));
     for (int channel = 0; channel < channels; ++channel) {
         const auto samples = test::tone(400 + 100 * channel, 0.25F, sampleRate, 20);

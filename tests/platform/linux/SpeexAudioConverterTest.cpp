@@ -196,7 +196,7 @@ TEST(SpeexAudioConverterTest, SixteenKilohertzIntegersPassUnchanged) {
     const AudioFormat format{Sample::int16, 16000, 1, true};
     auto buffer = *AudioPCMBuffer::create(format, 65536);
     for (int value = -32768; value <= 32767; ++value) {
-        buffer.int16Channel(0)[static_cast<std::size_t>(value + 32768)] =
+        buffer.int16Channel(0)[static_cast<std::uint16_t>(value + 32768)] =
             static_cast<std::int16_t>(value);
     }
     buffer.setFrameLength(65536);
