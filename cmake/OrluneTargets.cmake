@@ -5,6 +5,8 @@ target_compile_options(orlune_flags INTERFACE
     # The same code model everywhere, so that all targets share the precompiled headers.
     -fPIC -pthread
     $<$<BOOL:${ORLUNE_WERROR}>:-Werror>
+    # GCC 16 takes the frames of Asio's coroutines, which have an allocator of their own, for a mismatch.
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_GREATER_EQUAL:$<CXX_COMPILER_VERSION>,16>>:-Wno-mismatched-new-delete>
     # Clang marks [[no_unique_address]]-like attributes of the standard library of GCC 12 as unknown.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-attributes>)
 target_compile_definitions(orlune_flags INTERFACE
