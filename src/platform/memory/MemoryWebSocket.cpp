@@ -79,7 +79,11 @@ void MemoryWebSocketTask::failAtOperation(int number) {
 }
 
 bool MemoryWebSocketTask::breaksNow() {
-    if (operationsUntilFailure_ == 0 || --operationsUntilFailure_ > 0) {
+    if (operationsUntilFailure_ == 0) {
+        return false;
+    }
+    --operationsUntilFailure_;
+    if (operationsUntilFailure_ > 0) {
         return false;
     }
     constexpr auto text = "the connection broke";
