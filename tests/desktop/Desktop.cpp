@@ -183,6 +183,11 @@ std::vector<Keyboard::Keycode> Keyboard::down() {
     return keys;
 }
 
+bool zenityHasKeyboard() {
+    const auto name = focusedClass();
+    return name == "Zenity" || name == "zenity";
+}
+
 std::string focusedClass() {
     const auto connection = XConnection::open("");
     if (!connection) {

@@ -89,6 +89,8 @@ inline constexpr Keyboard::Keycode super = 133;
 
 /// The class of the window that receives the keys; empty when none does.
 std::string focusedClass();
+/// GTK 3 and 4 spell the class of its windows differently.
+bool zenityHasKeyboard();
 /// Claims, as a confused window manager might, that a window that does not exist is active.
 void claimThatAVanishedWindowIsActive();
 

@@ -92,8 +92,7 @@ class Terminal final : public Target {
 class Entry final : public Target {
   public:
     Entry() : program_({"zenity", "--entry"}) {
-        EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "Zenity"; }))
-            << "the text field did not come up";
+        EXPECT_TRUE(waitUntil(desktop::zenityHasKeyboard)) << "the text field did not come up";
     }
     std::string finish(XTestKeyPoster& poster) override {
         tap(poster, virtualReturn);
@@ -108,8 +107,7 @@ class Entry final : public Target {
 class TextArea final : public Target {
   public:
     TextArea() : program_({"zenity", "--text-info", "--editable"}) {
-        EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "Zenity"; }))
-            << "the text area did not come up";
+        EXPECT_TRUE(waitUntil(desktop::zenityHasKeyboard)) << "the text area did not come up";
     }
     std::string finish(XTestKeyPoster& poster) override {
         // Out of the text, past the first button, onto the second.

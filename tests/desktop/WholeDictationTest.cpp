@@ -106,7 +106,7 @@ TEST_F(WholeDictation, ArrivesInATerminal) {
 TEST_F(WholeDictation, ArrivesInATextField) {
     constexpr Keyboard::Keycode enter = 36;
     Program field({"zenity", "--entry"});
-    ASSERT_TRUE(waitUntil([] { return desktop::focusedClass() == "Zenity"; }));
+    ASSERT_TRUE(waitUntil(desktop::zenityHasKeyboard));
 
     const auto program = listening({"--insert", "--yes"});
     speakAndEnd(*program);
