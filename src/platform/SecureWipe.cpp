@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -49,9 +50,18 @@ class Blocks {
     std::size_t left_;
 };
 
+/// What functions that have returned left on the stack: registers that were saved there while a
+/// secret was copied, above all.
+[[gnu::noinline]] void wipeUnusedStack() {
+    constexpr std::size_t depth = std::size_t{256} * 1024; // deeper than an event goes through Qt
+    char unused[depth];
+    ::explicit_bzero(unused, depth);
+}
+
 } // namespace
 
 void wipeFreeMemory() {
+    wipeUnusedStack();
     // M_PERTURB would not do: it leaves alone what goes into a thread's cache, up to 1032 bytes.
     // But whatever is free is handed out before the heap's unused end is touched: all of it has
     // been overwritten once every size is served from there.
