@@ -16,9 +16,7 @@
 #include <QTimer>
 #include <QWindow>
 
-#include <chrono>
 #include <cstdio>
-#include <utility>
 
 namespace orlune {
 
