@@ -8,6 +8,14 @@
 
 namespace orlune::ui {
 
+namespace {
+
+/// Looks like 1. At 1 itself the effect paints its widget directly, and while it does no effect
+/// of a widget inside can paint: content may fade while its own content does.
+constexpr double opaque = 0.999;
+
+} // namespace
+
 CrossFade::CrossFade(QWidget* content)
     : content_(content), effect_(new QGraphicsOpacityEffect(content)) {
     auto* layout = new QVBoxLayout(this);
@@ -36,7 +44,7 @@ void CrossFade::change(const Spring& spring, const std::function<void()>& apply,
         spring,
         [this](double progress) {
             progress_ = progress;
-            effect_->setOpacity(std::clamp(progress, 0.0, 1.0));
+            effect_->setOpacity(std::clamp(progress, 0.0, opaque));
             content_->move(((1 - progress) * travel_).toPoint());
             update();
         },

@@ -1,6 +1,7 @@
 // Rows with spacers, and the controls as mouse and keyboard meet them.
 
 #include "ui/Button.h"
+#include "ui/CrossFade.h"
 #include "ui/Stack.h"
 #include "ui/Toggle.h"
 
@@ -33,6 +34,18 @@ TEST(StackTest, aSpacerHasAGapOnEitherSideAndAHiddenPartHasNone) {
     EXPECT_EQ(last->geometry().right(), 199);
     const std::unique_ptr<QWidget> ending(row({.spacing = 11}, {block(42), block(7), spacer(2)}));
     EXPECT_EQ(ending->minimumSizeHint().width(), 42 + 11 + 7 + 11 + 2);
+}
+
+// An opacity effect that is fully opaque cannot draw a widget that has an effect too.
+TEST(CrossFadeTest, onePaintsInsideAnother) {
+    auto* const inner = new CrossFade(new Button(QStringLiteral("Title"), {}));
+    CrossFade outer(inner);
+    outer.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&outer));
+    inner->change(Spring(/*response=*/2, /*dampingFraction=*/1), [] {});
+    outer.change(Spring(/*response=*/0.1, /*dampingFraction=*/0.2), [] {}); // overshoots
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !outer.isFading(); }));
+    EXPECT_TRUE(inner->isFading());
 }
 
 /// A window with one control of each kind, all as if nobody touched them.
