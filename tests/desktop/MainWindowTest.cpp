@@ -145,11 +145,11 @@ class MainWindow : public desktop::WindowUser {
 
 TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
     finishOnboarding();
-    launch();
-    ASSERT_TRUE(reader.shows(home));
-    const desktop::Program other({"xterm"});
+    const desktop::Program other({"xterm"}); // before the launch, which comes to the front
     const auto isLeft = [] { return desktop::focusedClass() == "XTerm"; };
     ASSERT_TRUE(waitUntil(isLeft));
+    launch();
+    ASSERT_TRUE(reader.shows(home));
     const std::vector<std::pair<std::vector<desktop::Keyboard::Keycode>, std::vector<std::string>>>
         waysOutAndBack{{{keycode::control, keycode::w}, {}},
                        {{keycode::alt, keycode::f4}, {"show"}},
