@@ -1,7 +1,7 @@
 // What one tap of 12 ms costs on the audio thread: level, conversion and packet together, beside
 // the bare conversion of the same buffers by libsamplerate's medium sinc filter. Compare `tap` with
 // `samplerate` at the same number of channels; `tap` does more and should still cost a third.
-#include "platform/linux/SpeexAudioConverter.h"
+#include "platform/audio/SpeexAudioConverter.h"
 #include "platform/memory/MemoryAudioEngine.h"
 #include "services/AudioCaptureService.h"
 

@@ -4,10 +4,10 @@
 // writes from the thread that has the packet.
 
 #include "core/AudioPacketStream.h"
-#include "platform/Task.h"
-#include "platform/linux/BackgroundThread.h"
-#include "platform/linux/BeastWebSocket.h"
-#include "platform/linux/SteadyClock.h"
+#include "platform/concurrency/Task.h"
+#include "platform/linux/runtime/BackgroundThread.h"
+#include "platform/linux/runtime/SteadyClock.h"
+#include "platform/network/BeastWebSocket.h"
 #include "services/DeepgramService.h"
 
 #include <boost/asio/ip/tcp.hpp>

@@ -10,7 +10,7 @@ target_compile_options(orlune_flags INTERFACE
     # Clang marks [[no_unique_address]]-like attributes of the standard library of GCC 12 as unknown.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-attributes>)
 target_compile_definitions(orlune_flags INTERFACE
-    # Asio, Beast and JSON are compiled once (src/platform/boost.cpp), not in every file.
+    # Asio, Beast and JSON are compiled once (cmake/asio.cpp), not in every file.
     BOOST_ASIO_SEPARATE_COMPILATION BOOST_BEAST_SEPARATE_COMPILATION
     BOOST_ASIO_NO_DEPRECATED QT_NO_KEYWORDS
     ORLUNE_VERSION="${PROJECT_VERSION}")
@@ -41,33 +41,68 @@ endif()
 function(orlune_precompiled_headers name)
     cmake_parse_arguments(ARG "" "" "HEADERS;LINK" ${ARGN})
     add_library(${name} STATIC ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
-    target_link_libraries(${name} PRIVATE orlune_flags Boost::boost Boost::json Boost::url ${ARG_LINK})
+    target_link_libraries(${name} PRIVATE orlune_flags Boost::boost ${ARG_LINK})
     target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
 endfunction()
 
 set(heavy_headers
     <boost/asio/any_io_executor.hpp> <boost/asio/awaitable.hpp> <boost/asio/co_spawn.hpp>
     <boost/asio/post.hpp> <boost/asio/strand.hpp> <boost/asio/use_awaitable.hpp>
-    <boost/json/value.hpp> <boost/signals2/signal.hpp>
+    <boost/signals2/signal.hpp>
     <functional> <memory> <optional> <string> <vector>)
 orlune_precompiled_headers(orlune_pch HEADERS ${heavy_headers})
 orlune_precompiled_headers(orlune_views_pch
     HEADERS ${heavy_headers} <QBoxLayout> <QPainter> <QPainterPath> <QWidget>
     LINK Qt6::Widgets)
 
+# The compiled halves of Asio and Beast.
+add_library(orlune_asio STATIC ${PROJECT_SOURCE_DIR}/cmake/asio.cpp)
+target_link_libraries(orlune_asio PUBLIC orlune_flags Boost::boost Threads::Threads PRIVATE OpenSSL::SSL OpenSSL::Crypto)
+
+# Which of our libraries each folder may link: the floors of the house.
+file(STRINGS ${PROJECT_SOURCE_DIR}/src/floors.txt floor_lines REGEX "^[a-z]")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/floors.txt)
+foreach(line ${floor_lines})
+    string(REGEX MATCH "^([a-z0-9/]+):(.*)$" matched "${line}")
+    set(folder ${CMAKE_MATCH_1})
+    separate_arguments(below UNIX_COMMAND "${CMAKE_MATCH_2}")
+    list(TRANSFORM below PREPEND "orlune_")
+    list(TRANSFORM below REPLACE "platform/linux/" "linux/")
+    list(TRANSFORM below REPLACE "/" "_")
+    set(floors_below_${folder} "${below}")
+endforeach()
+
 # orlune_library(<name> [VIEWS] SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
-# One library per floor: what a floor may include is what it links. VIEWS: Qt's widgets are
-# precompiled too.
+# The library of the folder it is called in. Of ours, it links what src/floors.txt names; PUBLIC
+# and PRIVATE are libraries of others. VIEWS: Qt's widgets are precompiled too.
 function(orlune_library name)
     cmake_parse_arguments(ARG "VIEWS" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
-    target_link_libraries(${name} PUBLIC orlune_flags ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-    target_link_libraries(${name} PUBLIC Boost::boost Boost::json Boost::url)
+    target_link_libraries(${name} PUBLIC orlune_flags Boost::boost ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR}/src OUTPUT_VARIABLE folder)
+    if(DEFINED floors_below_${folder})
+        target_link_libraries(${name} PRIVATE ${floors_below_${folder}})
+        set_property(TARGET ${name} PROPERTY ORLUNE_FLOORS_BELOW "${floors_below_${folder}}")
+        cmake_language(EVAL CODE "cmake_language(DEFER DIRECTORY [[${PROJECT_SOURCE_DIR}]] CALL orlune_check_links ${name})")
+    elseif(folder MATCHES "^[a-z]")
+        message(FATAL_ERROR "src/floors.txt does not name src/${folder}")
+    endif()
     if(ARG_VIEWS)
         target_precompile_headers(${name} REUSE_FROM orlune_views_pch)
     else()
         target_precompile_headers(${name} REUSE_FROM orlune_pch)
     endif()
+endfunction()
+
+# Ends the configuration when a library links one of ours that its floor does not stand on.
+function(orlune_check_links name)
+    get_target_property(links ${name} LINK_LIBRARIES)
+    get_target_property(below ${name} ORLUNE_FLOORS_BELOW)
+    foreach(link ${links})
+        if(link MATCHES "^orlune_" AND NOT link MATCHES "^orlune_(asio|flags|.*pch)$" AND NOT link IN_LIST below)
+            message(FATAL_ERROR "${name} links ${link}, which src/floors.txt does not allow")
+        endif()
+    endforeach()
 endfunction()
 
 # orlune_test(<name> [VIEWS] SOURCES <files...> LINK <targets...>)
@@ -76,8 +111,7 @@ function(orlune_test name)
     cmake_parse_arguments(ARG "VIEWS" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock
-        Boost::boost Boost::json Boost::url)
+    target_link_libraries(${name} PRIVATE orlune_flags ${ARG_LINK} GTest::gmock Boost::boost)
     if(ARG_VIEWS)
         target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/ViewMain.cpp)
         target_link_libraries(${name} PRIVATE GTest::gtest Qt6::Test Qt6::Widgets)

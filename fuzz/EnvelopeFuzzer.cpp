@@ -1,7 +1,7 @@
 // Any bytes from the service are ignored or give a transcript that is trimmed UTF-8, through the
 // whole client: a message of the fuzzer's, then one that must still be understood.
 #include "core/Text.h"
-#include "platform/Task.h"
+#include "platform/concurrency/Task.h"
 #include "platform/memory/ManualClock.h"
 #include "platform/memory/MemoryWebSocket.h"
 #include "platform/memory/TurnQueue.h"

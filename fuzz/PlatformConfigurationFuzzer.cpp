@@ -1,6 +1,6 @@
 // Any file and environment give an endpoint, a key and terminals that can be used. The input is the
 // file, the endpoint, the key and the terminals, separated by NUL.
-#include "platform/linux/PlatformConfiguration.h"
+#include "platform/linux/storage/PlatformConfiguration.h"
 
 #include <algorithm>
 #include <cstddef>

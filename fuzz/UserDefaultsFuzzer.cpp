@@ -1,6 +1,6 @@
 // Any settings file is either damaged or survives being written again; any text can be stored or is
 // refused.
-#include "platform/linux/DefaultsFormat.h"
+#include "platform/linux/storage/DefaultsFormat.h"
 
 #include <boost/json/object.hpp>
 

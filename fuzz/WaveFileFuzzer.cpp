@@ -1,5 +1,5 @@
 // Any bytes are refused with a reason or play to their end as whole buffers.
-#include "platform/linux/WaveFileAudioEngine.h"
+#include "platform/audio/WaveFileAudioEngine.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,8 +3,8 @@
 // opened alone.
 #pragma once
 
-#include "core/AppState.h"
-#include "services/FnPushToTalkMonitor.h"
+#include "dictation/AppState.h"
+#include "dictation/FnPushToTalkMonitor.h"
 
 #include <functional>
 #include <memory>

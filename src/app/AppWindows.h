@@ -2,7 +2,7 @@
 // waits in the background holds none. Main thread; the facilities outlive it.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 
 #include <functional>
 #include <memory>

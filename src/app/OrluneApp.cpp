@@ -1,10 +1,10 @@
 #include "app/OrluneApp.h"
 
-#include "app/Display.h"
-#include "app/LinuxDesktop.h"
-#include "app/RemoteCommand.h"
-#include "app/Status.h"
-#include "app/TrustDialog.h"
+#include "app/commands/RemoteCommand.h"
+#include "app/desktop/Display.h"
+#include "app/desktop/LinuxDesktop.h"
+#include "app/desktop/TrustDialog.h"
+#include "app/remote/Status.h"
 #include "visuals/OrluneMark.h"
 
 #include <QApplication>

@@ -5,10 +5,10 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppWindows.h"
-#include "app/CommandLine.h"
-#include "app/RemoteControl.h"
-#include "app/StatusItem.h"
-#include "app/TerminationSignals.h"
+#include "app/commands/CommandLine.h"
+#include "app/desktop/TerminationSignals.h"
+#include "app/remote/RemoteControl.h"
+#include "app/tray/StatusItem.h"
 
 #include <memory>
 #include <optional>

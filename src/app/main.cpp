@@ -1,12 +1,12 @@
-#include "app/AutostartCommand.h"
-#include "app/CommandLine.h"
-#include "app/DictateCommand.h"
-#include "app/DoctorCommand.h"
-#include "app/IntentCommand.h"
-#include "app/KeyCommand.h"
 #include "app/OrluneApp.h"
-#include "app/RemoteCommand.h"
-#include "platform/linux/SecretServiceItems.h"
+#include "app/commands/AutostartCommand.h"
+#include "app/commands/CommandLine.h"
+#include "app/commands/DictateCommand.h"
+#include "app/commands/DoctorCommand.h"
+#include "app/commands/IntentCommand.h"
+#include "app/commands/KeyCommand.h"
+#include "app/commands/RemoteCommand.h"
+#include "platform/linux/secrets/SecretServiceItems.h"
 
 #include <clocale>
 #include <csignal>

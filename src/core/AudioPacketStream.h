@@ -4,7 +4,7 @@
 // dropped.
 #pragma once
 
-#include "platform/AsyncStream.h"
+#include "platform/concurrency/AsyncStream.h"
 
 #include <string>
 

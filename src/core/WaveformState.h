@@ -3,7 +3,7 @@
 // dictations. Used on the main actor alone. It knows no time: it moves once for each pushed level.
 #pragma once
 
-#include "platform/Published.h"
+#include "platform/concurrency/Published.h"
 
 namespace orlune {
 

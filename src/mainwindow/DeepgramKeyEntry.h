@@ -2,7 +2,7 @@
 // thread. A refusal of the secret store is shown and keeps what was entered.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "ui/Observation.h"
 
 #include <QWidget>

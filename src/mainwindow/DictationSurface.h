@@ -2,7 +2,7 @@
 // reaches it as it reaches any program: pasted, while it has the keyboard. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "ui/Animation.h"
 #include "ui/Observation.h"
 #include "ui/Surface.h"

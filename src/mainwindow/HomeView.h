@@ -2,7 +2,7 @@
 // whether all it needs is ready. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "settings/PermissionStatus.h"
 #include "ui/Observation.h"
 

@@ -2,7 +2,7 @@
 // neither its size nor its place. Main thread; the facilities outlive it.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 
 #include <QWidget>
 

@@ -2,7 +2,7 @@
 // before a backdrop that glows while a dictation runs. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "ui/Observation.h"
 
 #include <QWidget>

@@ -2,7 +2,7 @@
 // its own and always begins with the welcome. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "settings/PermissionStatus.h"
 #include "ui/Observation.h"
 

@@ -3,7 +3,7 @@
 // of its own; it reads the state. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "ui/Observation.h"
 
 #include <QPainterPath>

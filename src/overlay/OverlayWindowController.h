@@ -3,7 +3,7 @@
 // made once the application runs, and ends before the platform.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "ui/Animation.h"
 
 #include <QObject>

@@ -2,7 +2,7 @@
 // processing, a badge for the outcome. Only the one that is shown moves. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "platform/DisplayOptions.h"
 
 #include <QStackedWidget>

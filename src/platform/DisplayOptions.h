@@ -1,7 +1,7 @@
 // How the user wants things shown, as set for the whole desktop. Main thread; follows the setting.
 #pragma once
 
-#include "platform/Published.h"
+#include "platform/concurrency/Published.h"
 
 namespace orlune {
 

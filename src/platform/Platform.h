@@ -6,12 +6,10 @@
 #include "platform/AudioConverter.h"
 #include "platform/AudioEngine.h"
 #include "platform/CaptureAuthorization.h"
-#include "platform/Clock.h"
 #include "platform/DisplayOptions.h"
 #include "platform/KeyEventPosting.h"
 #include "platform/KeyEvents.h"
 #include "platform/Log.h"
-#include "platform/MainActor.h"
 #include "platform/Pasteboard.h"
 #include "platform/Screens.h"
 #include "platform/SecretItems.h"
@@ -20,6 +18,8 @@
 #include "platform/UserDefaults.h"
 #include "platform/WebSocket.h"
 #include "platform/WindowServer.h"
+#include "platform/concurrency/Clock.h"
+#include "platform/concurrency/MainActor.h"
 
 #include <string>
 

@@ -3,7 +3,7 @@
 // with a text a person can read; no error ever holds a request header.
 #pragma once
 
-#include "platform/Awaitable.h"
+#include "platform/concurrency/Awaitable.h"
 
 #include <chrono>
 #include <cstdint>

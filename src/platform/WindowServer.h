@@ -2,8 +2,8 @@
 // stacking order that others change, and the way to its top. Main thread.
 #pragma once
 
-#include "platform/Published.h"
 #include "platform/Screens.h"
+#include "platform/concurrency/Published.h"
 
 #include <cstdint>
 #include <vector>

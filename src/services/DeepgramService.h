@@ -5,10 +5,10 @@
 #pragma once
 
 #include "core/AudioPacketStream.h"
-#include "platform/Actor.h"
-#include "platform/Clock.h"
-#include "platform/Task.h"
 #include "platform/WebSocket.h"
+#include "platform/concurrency/Actor.h"
+#include "platform/concurrency/Clock.h"
+#include "platform/concurrency/Task.h"
 
 #include <exception>
 #include <functional>

@@ -5,8 +5,8 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/Published.h"
-#include "platform/Task.h"
+#include "platform/concurrency/Published.h"
+#include "platform/concurrency/Task.h"
 #include "ui/Visibility.h"
 
 #include <QObject>

@@ -3,7 +3,7 @@
 // them. Main thread. What the keyring refuses is said under the entry.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "settings/PermissionStatus.h"
 #include "ui/Observation.h"
 

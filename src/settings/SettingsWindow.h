@@ -3,7 +3,7 @@
 // that was entered and not saved. Main thread.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 
 #include <QWidget>
 

@@ -3,7 +3,7 @@
 // refreshed when it is shown. Main thread; a member of the view, its last.
 #pragma once
 
-#include "platform/Published.h"
+#include "platform/concurrency/Published.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
-#include "app/CommandLine.h"
+#include "app/commands/CommandLine.h"
 
-#include "app/IntentCommand.h"
+#include "app/commands/IntentCommand.h"
 
 #include <gtest/gtest.h>
 

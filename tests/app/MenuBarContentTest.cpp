@@ -1,8 +1,8 @@
 // The tray's menu and icon, over a dictation that is played by hand.
 
-#include "app/MenuBarContent.h"
+#include "app/tray/MenuBarContent.h"
 
-#include "app/StatusItem.h"
+#include "app/tray/StatusItem.h"
 #include "tests/support/DictationHarness.h"
 
 #include <QCoreApplication>

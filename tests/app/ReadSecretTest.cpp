@@ -1,4 +1,4 @@
-#include "app/ReadSecret.h"
+#include "app/commands/ReadSecret.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/Status.h"
+#include "app/remote/Status.h"
 
 #include "tests/support/DictationHarness.h"
 

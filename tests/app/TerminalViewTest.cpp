@@ -1,4 +1,4 @@
-#include "app/TerminalView.h"
+#include "app/commands/TerminalView.h"
 
 #include <gtest/gtest.h>
 

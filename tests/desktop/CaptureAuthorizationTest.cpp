@@ -1,4 +1,4 @@
-#include "platform/linux/PulseCaptureAuthorization.h"
+#include "platform/linux/pulse/PulseCaptureAuthorization.h"
 #include "tests/support/PulseServer.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "tests/desktop/Desktop.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/x11/XConnection.h"
 
 #include <QGuiApplication>
 #include <QProcess>

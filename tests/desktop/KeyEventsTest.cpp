@@ -1,5 +1,5 @@
-#include "platform/linux/XInputKeyEvents.h"
-#include "platform/linux/XTestKeyPoster.h"
+#include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/paste/XTestKeyPoster.h"
 #include "platform/memory/MemoryLog.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OtherClient.h"

@@ -3,7 +3,7 @@
 
 #include "core/ActivationMode.h"
 #include "core/DictationShortcut.h"
-#include "platform/linux/FileUserDefaults.h"
+#include "platform/linux/storage/FileUserDefaults.h"
 #include "platform/memory/MemoryLog.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OtherClient.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/ScreenLock.h"
+#include "platform/linux/session/ScreenLock.h"
 
 #include "tests/desktop/Desktop.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/SecretServiceItems.h"
+#include "platform/linux/secrets/SecretServiceItems.h"
 
 #include "tests/support/KeyringSession.h"
 #include "tests/support/ScriptedSecretService.h"

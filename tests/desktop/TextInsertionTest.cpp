@@ -1,6 +1,6 @@
-#include "platform/linux/QtPasteboard.h"
-#include "platform/linux/X11Accessibility.h"
-#include "platform/linux/XTestKeyPoster.h"
+#include "platform/linux/paste/QtPasteboard.h"
+#include "platform/linux/paste/XTestKeyPoster.h"
+#include "platform/linux/x11/X11Accessibility.h"
 #include "services/TextInsertionService.h"
 #include "tests/desktop/Desktop.h"
 

@@ -1,7 +1,7 @@
-#include "platform/linux/DesktopDisplayOptions.h"
-#include "platform/linux/QtConnection.h"
-#include "platform/linux/QtScreens.h"
-#include "platform/linux/X11WindowServer.h"
+#include "platform/linux/windows/DesktopDisplayOptions.h"
+#include "platform/linux/windows/QtScreens.h"
+#include "platform/linux/windows/X11WindowServer.h"
+#include "platform/linux/x11/QtConnection.h"
 #include "tests/desktop/Desktop.h"
 
 #include <QDBusArgument>

@@ -2,9 +2,9 @@
 // expect, within its time, and leaves nothing behind.
 
 #include "localservice/LocalService.h"
-#include "platform/linux/BackgroundThread.h"
-#include "platform/linux/BeastWebSocket.h"
-#include "platform/linux/SteadyClock.h"
+#include "platform/linux/runtime/BackgroundThread.h"
+#include "platform/linux/runtime/SteadyClock.h"
+#include "platform/network/BeastWebSocket.h"
 #include "services/DeepgramService.h"
 #include "tests/support/ServiceScripts.h"
 

@@ -2,7 +2,7 @@
 // by hand.
 #pragma once
 
-#include "core/AppState.h"
+#include "dictation/AppState.h"
 #include "platform/memory/MemoryPlatform.h"
 
 #include <boost/json/serialize.hpp>

@@ -4,7 +4,7 @@
 // own D-Bus thread.
 #pragma once
 
-#include "platform/linux/GlibHandles.h"
+#include "platform/linux/secrets/GlibHandles.h"
 
 #include <condition_variable>
 #include <mutex>

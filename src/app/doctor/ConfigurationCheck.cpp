@@ -1,8 +1,8 @@
 #include "app/doctor/ConfigurationCheck.h"
 
-#include "platform/linux/DefaultsFormat.h"
-#include "platform/linux/FileUserDefaults.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/linux/storage/DefaultsFormat.h"
+#include "platform/linux/storage/FileUserDefaults.h"
+#include "platform/linux/storage/SettingsFile.h"
 
 namespace orlune {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/doctor/Finding.h"
-#include "platform/linux/PlatformConfiguration.h"
+#include "platform/linux/storage/PlatformConfiguration.h"
 
 #include <filesystem>
 

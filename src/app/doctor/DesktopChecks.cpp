@@ -1,6 +1,6 @@
 #include "app/doctor/DesktopChecks.h"
 
-#include "platform/linux/KeyAccess.h"
+#include "platform/linux/x11/KeyAccess.h"
 
 #include <string_view>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "app/doctor/Finding.h"
-#include "platform/linux/ConfigurationFolder.h"
-#include "platform/linux/DisplayFacts.h"
+#include "platform/linux/storage/ConfigurationFolder.h"
+#include "platform/linux/x11/DisplayFacts.h"
 
 #include <optional>
 

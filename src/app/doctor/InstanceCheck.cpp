@@ -1,8 +1,8 @@
 #include "app/doctor/InstanceCheck.h"
 
-#include "app/RemoteCommand.h"
-#include "app/Status.h"
-#include "platform/linux/SessionBus.h"
+#include "app/remote/RemoteRequest.h"
+#include "app/remote/Status.h"
+#include "platform/linux/session/SessionBus.h"
 
 namespace orlune {
 
@@ -15,7 +15,7 @@ Findings checkInstance(SessionBus* bus) {
                  "Start it inside a graphical session. Without a session bus, commands such as "
                  "\"orlune toggle\" do not reach it."}};
     }
-    const auto answer = bus->call(runningInstance, "Status");
+    const auto answer = bus->call({busName, busPath, busInterface}, "Status");
     if (answer.kind == Kind::nobodyThere) {
         return {{name, State::warning, "it isn't running", "Start it: \"orlune\"."}};
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/doctor/Finding.h"
-#include "platform/linux/EndpointProbe.h"
+#include "platform/network/EndpointProbe.h"
 
 namespace orlune {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/doctor/Finding.h"
-#include "platform/linux/SoundFacts.h"
+#include "platform/linux/pulse/SoundFacts.h"
 
 namespace orlune {
 

@@ -1,8 +1,8 @@
 // A clock that stands still until it is turned by hand.
 #pragma once
 
-#include "platform/Clock.h"
-#include "platform/Continuation.h"
+#include "platform/concurrency/Clock.h"
+#include "platform/concurrency/Continuation.h"
 
 #include <cstddef>
 #include <map>

@@ -3,8 +3,8 @@
 // later turn of its own executor. Safe from any thread, but for the events, which are everybody's.
 #pragma once
 
-#include "platform/Continuation.h"
 #include "platform/WebSocket.h"
+#include "platform/concurrency/Continuation.h"
 #include "platform/memory/MemoryEvents.h"
 
 #include <deque>

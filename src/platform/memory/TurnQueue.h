@@ -3,7 +3,7 @@
 // current, so that work on the wrong one is noticed.
 #pragma once
 
-#include "platform/MainActor.h"
+#include "platform/concurrency/MainActor.h"
 
 #include <boost/asio/io_context.hpp>
 

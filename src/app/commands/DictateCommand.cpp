@@ -1,0 +1,221 @@
+#include "app/commands/DictateCommand.h"
+
+#include "app/commands/KeyCommand.h"
+#include "app/commands/LocalServiceProcess.h"
+#include "app/commands/StandardOutputInsertion.h"
+#include "app/commands/TerminalDictation.h"
+#include "app/commands/TerminalView.h"
+#include "app/desktop/Display.h"
+#include "app/desktop/LinuxDesktop.h"
+#include "dictation/AppState.h"
+#include "platform/SecureWipe.h"
+#include "platform/audio/WaveFileAudioEngine.h"
+#include "platform/linux/runtime/JournalLog.h"
+#include "platform/linux/storage/ConfigurationFolder.h"
+#include "platform/linux/storage/FileUserDefaults.h"
+#include "platform/memory/MemorySecretItems.h"
+#include "platform/memory/MemoryUserDefaults.h"
+
+#include <QGuiApplication>
+#include <boost/asio/post.hpp>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <optional>
+#include <stdexcept>
+#include <sys/ioctl.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace orlune {
+
+namespace {
+
+/// Longer than a recogniser that keeps up needs from one result to the next.
+constexpr std::chrono::milliseconds fastFeedQuiet{1500};
+
+/// The log below the redrawn line instead of through it.
+class LogAboveView final : public Log {
+  public:
+    LogAboveView(Log& log, TerminalView& view) : log_(log), view_(view) {}
+    void write(Level level, std::string_view category, std::string_view message) override {
+        view_.print({});
+        log_.write(level, category, message);
+    }
+
+  private:
+    Log& log_;
+    TerminalView& view_;
+};
+
+sigset_t cancellingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&signals, signal);
+    }
+    return signals;
+}
+
+/// The signals that cancel, as a descriptor. Called before any other thread starts, so that none
+/// of them takes the signals.
+int interruptDescriptor() {
+    const auto signals = cancellingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+int terminalColumns() {
+    constexpr int usual = 80;
+    winsize size{};
+    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : usual;
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(bool needsDisplay, int& argumentCount,
+                                                  char** arguments) {
+    if (!needsDisplay) {
+        return std::make_unique<QCoreApplication>(argumentCount, arguments);
+    }
+    if (const auto problem = displayProblem()) {
+        throw std::runtime_error("--insert needs a display, and " + *problem);
+    }
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    return std::make_unique<QGuiApplication>(argumentCount, arguments);
+}
+
+/// The stored settings, of which this one dictation may differ without changing them.
+void copySettings(MemoryUserDefaults& copy, const DictateOptions& options, Log& log) {
+    const FileUserDefaults stored(configurationFolder(processEnvironment()), log);
+    for (const auto* key : {"activationMode", "dictationShortcut"}) {
+        if (auto value = stored.object(key)) {
+            copy.set(key, std::move(*value));
+        }
+    }
+    copy.set("intentCheckEnabled", options.checksIntent);
+}
+
+/// The local service takes any key; the user's own stays where it is.
+void addLocalKey(MemorySecretItems& secrets) {
+    static_cast<void>(secrets.add(KeychainStore::query(SecretKey::deepgramAPIKey), "local",
+                                  SecretAccessibility::afterFirstUnlockThisDeviceOnly));
+}
+
+/// Lets the signals end the program at once, while nothing reads their descriptor.
+class SignalsEndTheProgram {
+  public:
+    SignalsEndTheProgram() { pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr); }
+    ~SignalsEndTheProgram() { pthread_sigmask(SIG_BLOCK, &signals_, nullptr); }
+    SignalsEndTheProgram(const SignalsEndTheProgram&) = delete;
+    SignalsEndTheProgram& operator=(const SignalsEndTheProgram&) = delete;
+
+  private:
+    const sigset_t signals_ = cancellingSignals();
+};
+
+/// A locked keyring is opened first, however long the person at its prompt takes. Throws when it
+/// was dismissed, or it would come again; that there is no key, the dictation itself says.
+void openKeyring(SecretItems& keyring, TerminalView& view) {
+    const SignalsEndTheProgram whileWaiting;
+    auto match = keyring.copyMatching(KeychainStore::query(SecretKey::deepgramAPIKey));
+    if (match.data) {
+        wipe(*match.data);
+    }
+    if (match.status.code == SecretStatus::Code::userCanceled) {
+        throw std::runtime_error(match.status.message);
+    }
+    if (!match.status.isSuccess() && match.status.code != SecretStatus::Code::itemNotFound) {
+        view.print("orlune: " + match.status.message + "\n");
+    }
+}
+
+int dictate(const DictateOptions& options, int interrupts) {
+    const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    TerminalView view(STDERR_FILENO, isTerminal, terminalColumns());
+    JournalLog journal;
+    LogAboveView log(journal, view);
+    MemoryUserDefaults settings;
+    copySettings(settings, options, log);
+
+    LinuxDesktop::Replacements replacements;
+    replacements.log = &log;
+    replacements.userDefaults = &settings;
+
+    StandardOutputInsertion standardOutput;
+    if (!options.insertsText) {
+        replacements.accessibility = &standardOutput;
+        replacements.pasteboard = &standardOutput;
+        replacements.keyEvents = &standardOutput;
+    }
+
+    LocalServiceProcess localService;
+    MemorySecretItems localSecrets;
+    std::optional<SecretServiceItems> keyring;
+    if (options.isLocal) {
+        replacements.speechEndpoint = localService.start();
+        addLocalKey(localSecrets);
+        replacements.secretItems = &localSecrets;
+    } else {
+        keyring.emplace(patientKeyring());
+        replacements.secretItems = &*keyring;
+    }
+
+    std::function<void()> onInputEnd; // set below, before anything is played
+    if (options.input) {
+        const auto pace = options.isFast ? WaveFileAudioEngine::Pace::fast
+                                         : WaveFileAudioEngine::Pace::microphone;
+        auto opened =
+            WaveFileAudioEngine::create(*options.input, pace, [&onInputEnd] { onInputEnd(); });
+        if (!opened.engine) {
+            throw std::runtime_error(opened.error);
+        }
+        auto engine = std::make_shared<std::unique_ptr<AudioEngine>>(std::move(opened.engine));
+        replacements.makeAudioEngine = [engine] { return std::move(*engine); };
+    }
+
+    if (keyring) {
+        openKeyring(*keyring, view);
+    }
+    LinuxDesktop desktop(std::move(replacements),
+                         [&view](const std::string& reason) { view.print(reason + "\n"); });
+    const auto& platform = desktop.platform();
+
+    TerminalDictation::Options terminal;
+    terminal.interrupts = interrupts;
+    terminal.inputIsTerminal = isatty(STDIN_FILENO) != 0;
+    // The end of a file is the end of the recording; its reader's input then says nothing, unless
+    // a person sits there.
+    terminal.input = options.input && !terminal.inputIsTerminal ? -1 : STDIN_FILENO;
+    terminal.confirmsAtOnce = options.confirmsAtOnce;
+    terminal.staysUntilIdle = options.insertsText;
+    if (options.isFast) {
+        terminal.quietBeforeEnd = fastFeedQuiet;
+    }
+
+    const auto state = AppState::make(platform);
+    TerminalDictation dictation(state, platform.mainActor, view, terminal);
+    onInputEnd = [&dictation, main = platform.mainActor.executor()] {
+        boost::asio::post(main, [&dictation] { dictation.requestEnd(); });
+    };
+    const int exitCode = dictation.run();
+    if (exitCode == exitDone && !standardOutput.wroteAll()) {
+        throw std::runtime_error("The text couldn't be written to standard output");
+    }
+    return exitCode;
+}
+
+} // namespace
+
+int runDictateCommand(const DictateOptions& options, int& argumentCount, char** arguments) {
+    try {
+        const int interrupts = interruptDescriptor();
+        const auto application = makeApplication(options.insertsText, argumentCount, arguments);
+        return dictate(options, interrupts);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "orlune: %s\n", error.what());
+        return exitFailed;
+    }
+}
+
+} // namespace orlune

@@ -1,0 +1,61 @@
+#include "app/commands/DoctorCommand.h"
+
+#include "app/doctor/ConfigurationCheck.h"
+#include "app/doctor/DesktopChecks.h"
+#include "app/doctor/InstanceCheck.h"
+#include "app/doctor/KeyringCheck.h"
+#include "app/doctor/NetworkCheck.h"
+#include "app/doctor/Report.h"
+#include "app/doctor/SoundCheck.h"
+#include "platform/linux/secrets/SecretServiceItems.h"
+#include "platform/linux/session/SessionBus.h"
+
+#include <chrono>
+#include <cstdio>
+
+namespace orlune {
+
+namespace {
+
+constexpr std::chrono::seconds networkLimit{5};
+
+constexpr SessionBus::Address trayWatcher{"org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                                          "org.kde.StatusNotifierWatcher"};
+
+Findings examine() {
+    const auto environment = processEnvironment();
+    const auto proxies = ProxySettings::fromProcessEnvironment();
+    const auto folder = configurationFolder(environment);
+    const auto configuration = PlatformConfiguration::load(folder, environment);
+    const auto bus = SessionBus::open();
+
+    DesktopFacts desktop;
+    desktop.environment = environment;
+    desktop.functionKeyName = configuration.fnKey;
+    desktop.display = DisplayFacts::read({}, configuration.fnKey);
+    desktop.hasTrayHost =
+        bus && bus->flag(trayWatcher, "IsStatusNotifierHostRegistered").value_or(false);
+
+    auto findings = checkDesktop(desktop);
+    const auto add = [&findings](const Findings& more) {
+        findings.insert(findings.end(), more.begin(), more.end());
+    };
+    add(checkSound(SoundFacts::read()));
+    SecretServiceItems keyring;
+    add(checkKeyring(keyring));
+    add(checkNetwork(EndpointProbe::run(configuration.endpoint, proxies, networkLimit)));
+    add(checkConfiguration(folder, configuration));
+    add(checkInstance(bus.get()));
+    return findings;
+}
+
+} // namespace
+
+int runDoctorCommand(const DoctorOptions& options) {
+    const auto findings = examine();
+    const auto report = options.isJson ? reportJson(findings) : reportText(findings);
+    std::fputs(report.c_str(), stdout);
+    return allWork(findings) ? exitDone : exitFailed;
+}
+
+} // namespace orlune

@@ -1,0 +1,144 @@
+#include "app/commands/TerminalView.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <functional>
+#include <unistd.h>
+
+namespace orlune {
+
+namespace {
+
+using Case = AppState::Phase::Case;
+
+constexpr int meterWidth = 10; // columns
+constexpr std::string_view eraseLine = "\r\x1b[2K";
+
+/// Eight heights a column, so that ten columns show 80 steps of loudness.
+std::string meter(double level) {
+    constexpr std::array<std::string_view, 8> parts{"▏", "▎", "▍", "▌", "▋", "▊", "▉", "█"};
+    const auto steps = static_cast<int>(std::lround(std::clamp(level, 0.0, 1.0) * meterWidth * 8));
+    std::string drawn;
+    for (int column = 0; column < meterWidth; ++column) {
+        const int filled = std::clamp(steps - column * 8, 0, 8);
+        drawn += filled == 0 ? " " : parts[static_cast<std::size_t>(filled - 1)];
+    }
+    return drawn;
+}
+
+bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+int characterCount(std::string_view text) {
+    return static_cast<int>(std::ranges::count_if(text, std::not_fn(continuesCharacter)));
+}
+
+/// The end of the text, at most `characters` long, with a sign in front where something is missing.
+std::string lastCharacters(std::string_view text, int characters) {
+    if (characterCount(text) <= characters) {
+        return std::string(text);
+    }
+    auto start = text.size();
+    for (int kept = 0; kept < characters - 1 && start > 0; ++kept) {
+        do {
+            --start;
+        } while (start > 0 && continuesCharacter(text[start]));
+    }
+    return "…" + std::string(text.substr(start));
+}
+
+/// Recognised text is foreign text: what would move the cursor becomes a blank.
+std::string withoutControls(std::string text) {
+    std::ranges::replace_if(
+        text, [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; },
+        ' ');
+    return text;
+}
+
+} // namespace
+
+std::string terminalLine(const TerminalFrame& frame, int columns) {
+    std::string line = withoutControls(frame.status);
+    if (frame.phase == Case::listening) {
+        line += " " + meter(frame.level);
+    }
+    if (!frame.transcript.empty() && frame.phase != Case::failure) {
+        const int room = columns - characterCount(line) - 3;
+        if (room > 0) {
+            line += "  " + lastCharacters(withoutControls(frame.transcript), room);
+        }
+    }
+    return line;
+}
+
+std::string readable(const IntentCheck& check) {
+    std::string text = "Goal\n  " + check.goal + "\n";
+    if (!check.requirements.empty()) {
+        text += "Requirements\n";
+        for (const auto& requirement : check.requirements) {
+            text += "  - " + requirement + "\n";
+        }
+    }
+    if (check.potentialGap) {
+        text += "Possible gap\n  " + *check.potentialGap + "\n";
+    }
+    return text;
+}
+
+TerminalView::TerminalView(int fileDescriptor, bool redraws, int columns)
+    : fileDescriptor_(fileDescriptor), redraws_(redraws), columns_(columns) {}
+
+void TerminalView::show(const TerminalFrame& frame) {
+    const std::lock_guard lock(mutex_);
+    if (redraws_) {
+        auto line = terminalLine(frame, columns_);
+        if (line != shown_) {
+            write(std::string(eraseLine) + line);
+            shown_ = std::move(line);
+        }
+        return;
+    }
+    if (frame.status != plainStatus_) {
+        plainStatus_ = frame.status;
+        write(withoutControls(frame.status) + "\n");
+    }
+    if (frame.phase == Case::listening && frame.transcript != plainTranscript_) {
+        plainTranscript_ = frame.transcript;
+        write("  " + withoutControls(frame.transcript) + "\n");
+    }
+}
+
+void TerminalView::print(std::string_view lines) {
+    const std::lock_guard lock(mutex_);
+    if (redraws_) {
+        write(eraseLine);
+        shown_.clear();
+    }
+    write(lines);
+}
+
+void TerminalView::finish() {
+    const std::lock_guard lock(mutex_);
+    if (redraws_ && !shown_.empty()) {
+        write("\n");
+        shown_.clear();
+    }
+}
+
+void TerminalView::write(std::string_view text) const {
+    while (!text.empty()) {
+        const auto written = ::write(fileDescriptor_, text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return; // nobody reads any more; the dictation itself goes on
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+} // namespace orlune

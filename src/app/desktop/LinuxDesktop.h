@@ -1,0 +1,58 @@
+// The composition root's workshop: builds every real facility of a Linux desktop, bundles them and
+// takes them down in the right order. Created on the main thread after the application object;
+// whatever received the bundle ends before it. Facilities may be replaced before they are built.
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/linux/storage/ConfigurationFolder.h"
+#include "platform/linux/storage/PlatformConfiguration.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace orlune {
+
+class LinuxDesktop {
+  public:
+    /// What stands in the place of a real facility; a null or empty member means the real one. The
+    /// pointed-to objects outlive the desktop.
+    struct Replacements {
+        Accessibility* accessibility = nullptr;
+        Pasteboard* pasteboard = nullptr;
+        KeyEventPosting* keyEvents = nullptr;
+        SecretItems* secretItems = nullptr;
+        UserDefaults* userDefaults = nullptr;
+        Log* log = nullptr;
+        AudioEngineFactory makeAudioEngine;
+        CaptureAuthorization* captureAuthorization = nullptr;
+        DisplayOptions* displayOptions = nullptr;
+        Screens* screens = nullptr;
+        WindowServer* windowServer = nullptr;
+        Sound* sound = nullptr;
+        UrlOpener* urlOpener = nullptr;
+        std::string speechEndpoint;
+    };
+
+    /// Tells the user what keeps text from being pasted and how to allow it; returns at once.
+    using TrustPrompt = std::function<void(const std::string& reason)>;
+
+    LinuxDesktop(Replacements replacements, TrustPrompt trustPrompt);
+    ~LinuxDesktop();
+    LinuxDesktop(const LinuxDesktop&) = delete;
+    LinuxDesktop& operator=(const LinuxDesktop&) = delete;
+
+    const Platform& platform() const;
+    const PlatformConfiguration& configuration() const;
+
+    /// From now on no key is seen while the screen is locked. `onLock` is called on the main thread
+    /// at each lock, before the keys that are down then are told to have come up: what was begun
+    /// with them can be cancelled instead of finished.
+    void watchScreenLock(std::function<void()> onLock);
+
+  private:
+    struct Facilities;
+    std::unique_ptr<Facilities> facilities_;
+};
+
+} // namespace orlune

@@ -1,0 +1,226 @@
+#include "platform/linux/keys/XInputKeyEvents.h"
+
+#include "platform/linux/keys/KeyNames.h"
+#include "platform/linux/x11/KeyAccess.h"
+
+#include <QTimer>
+#include <X11/Xlib.h>
+
+#include <chrono>
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A release that no raw event tells (a native Wayland window took the keyboard, the console was
+/// switched, the machine slept) is found within two looks. Without a key down nobody looks.
+constexpr auto heldKeysInterval = 150ms;
+
+/// A keyboard that is plugged in announces itself many times in a row.
+constexpr auto layoutDelay = 200ms;
+
+} // namespace
+
+XInputKeyEvents::XInputKeyEvents(Surroundings surroundings, Log& log)
+    : surroundings_(std::move(surroundings)), log_(log, "Keys"),
+      heldKeysTimer_(std::make_unique<QTimer>()), layoutTimer_(std::make_unique<QTimer>()) {
+    heldKeysTimer_->setInterval(heldKeysInterval);
+    QObject::connect(heldKeysTimer_.get(), &QTimer::timeout, heldKeysTimer_.get(),
+                     [this] { checkHeldKeys(); });
+    layoutTimer_->setInterval(layoutDelay);
+    layoutTimer_->setSingleShot(true);
+    QObject::connect(layoutTimer_.get(), &QTimer::timeout, layoutTimer_.get(),
+                     [this] { resolveRoles(); });
+}
+
+XInputKeyEvents::~XInputKeyEvents() = default;
+
+KeyEventMonitor XInputKeyEvents::addGlobalMonitor(KeyEventMask mask, GlobalHandler handler) {
+    connect();
+    return global_.add(mask, [handler = std::move(handler)](const KeyEvent& event) {
+        handler(event);
+        return KeyEventAnswer::passOn;
+    });
+}
+
+KeyEventMonitor XInputKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler handler) {
+    connect();
+    if (!filter_) {
+        filter_ = std::make_unique<LocalKeyFilter>(
+            [this](const LocalKeyFilter::Key& key) { return answerFor(key); });
+    }
+    return local_.add(mask, std::move(handler));
+}
+
+std::string XInputKeyEvents::reasonForUnavailability() {
+    return connect() ? watch_->reasonForUnavailability() : noDisplayReason;
+}
+
+std::string XInputKeyEvents::functionKeyStandIn() {
+    const bool hasStandIn =
+        connect() && functionKey_ && !isFunctionKey(surroundings_.functionKeyName);
+    return hasStandIn ? keyInWords(surroundings_.functionKeyName) : std::string();
+}
+
+bool XInputKeyEvents::connect() {
+    if (watch_) {
+        return true;
+    }
+    watch_ = RawKeyWatch::open(surroundings_.displayName,
+                               {.onKey = [this](const auto& key) { receive(key); },
+                                .onLayoutChange =
+                                    [this] {
+                                        if (!layoutTimer_->isActive()) {
+                                            layoutTimer_->start();
+                                        }
+                                    }});
+    if (watch_) {
+        resolveRoles();
+    }
+    return watch_ != nullptr;
+}
+
+void XInputKeyEvents::resolveRoles() {
+    const auto layout = watch_->layout();
+    if (!layout) {
+        return;
+    }
+    const auto symbol = XStringToKeysym(surroundings_.functionKeyName.c_str());
+    const auto found = symbol == NoSymbol ? std::nullopt : layout->keycodeOf(symbol);
+    if (found) {
+        functionKey_ = found;
+    } // else it stays the key it was: this layout may have the symbol nowhere
+    if (!functionKey_ && !std::exchange(isFunctionKeyMissing_, true)) {
+        log_.error("no key of this keyboard is called \"" + surroundings_.functionKeyName
+                   + "\"; nothing stands in for Fn");
+    }
+    edges_.setRoles(KeyRoles::of(*layout, functionKey_));
+}
+
+void XInputKeyEvents::receive(const RawKeyWatch::Key& key) {
+    if (isLocked_) {
+        return;
+    }
+    if (isPosting_ && key.isSynthetic) {
+        answers_.erase(key.keycode); // in our own windows it is passed on, like any other text
+        return;
+    }
+    enqueue(key.keycode, key.isDown);
+}
+
+void XInputKeyEvents::enqueue(Keycode keycode, bool isDown) {
+    queue_.push_back({.keycode = keycode, .isDown = isDown, .isSynthetic = false});
+    if (isTelling_) {
+        return;
+    }
+    isTelling_ = true;
+    while (!queue_.empty()) {
+        const auto key = queue_.front();
+        queue_.pop_front();
+        if (const auto event =
+                key.isDown ? edges_.press(key.keycode) : edges_.release(key.keycode)) {
+            tell({.keycode = key.keycode, .event = *event});
+        }
+    }
+    isTelling_ = false;
+    watchHeldKeys();
+}
+
+void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
+    const auto& [keycode, event] = edge;
+    if (!surroundings_.ownWindowHasKeyboard()) {
+        answers_.erase(keycode);
+        if (watch_->reasonForUnavailability().empty()) {
+            global_.offer(event);
+        }
+        return;
+    }
+    const auto answer = local_.offer(event);
+    if (event.type == KeyEvent::Type::keyDown) {
+        auto& answers = answers_[keycode];
+        answers.press = answer;
+        answers.isPressReceived = answers.isPressReceived && event.isARepeat;
+    } else if (event.type == KeyEvent::Type::keyUp) {
+        answers_[keycode].release = answer;
+    }
+}
+
+void XInputKeyEvents::watchHeldKeys() {
+    if (!edges_.isAnyDown()) {
+        heldKeysTimer_->stop();
+    } else if (!heldKeysTimer_->isActive()) {
+        heldKeysTimer_->start();
+    }
+}
+
+void XInputKeyEvents::checkHeldKeys() {
+    if (const auto keysDown = watch_->keysDown()) {
+        for (const auto& edge : edges_.releaseMissing(*keysDown)) {
+            tell(edge);
+        }
+    }
+    watchHeldKeys();
+}
+
+/// Raw keys drive the local monitors too: that way each press and release is told once, to one kind
+/// of monitor, even when the focus moves in between. The server sends the raw key first, so what
+/// the monitors said about it is known when our window is about to receive it.
+KeyEventAnswer XInputKeyEvents::answerFor(const LocalKeyFilter::Key& key) {
+    if (!watch_ || isLocked_) {
+        return KeyEventAnswer::passOn;
+    }
+    watch_->catchUp();
+    if (!watch_->reasonForUnavailability().empty() && !key.isARepeat
+        && edges_.isDown(key.keycode) != key.isDown) {
+        enqueue(key.keycode, key.isDown); // our windows' own keys are all there is
+    }
+    // The server repeats a held key as releases and presses, which the toolkit does not always
+    // recognise. While the key is really down, every further one is a repeat.
+    const bool isDown = edges_.isDown(key.keycode);
+    auto& answers = answers_[key.keycode];
+    if (!key.isDown) {
+        return isDown ? answers.press : answers.release;
+    }
+    if (!key.isAnnouncement && std::exchange(answers.isPressReceived, true) && isDown) {
+        if (const auto repeat = edges_.press(key.keycode)) {
+            answers.press = local_.offer(*repeat);
+        }
+    }
+    return answers.press;
+}
+
+void XInputKeyEvents::willPost() {
+    if (watch_) {
+        watch_->catchUp(); // what came before was not ours
+    }
+    isPosting_ = true;
+}
+
+void XInputKeyEvents::didPost() {
+    if (watch_) {
+        watch_->catchUp();
+    }
+    isPosting_ = false;
+}
+
+void XInputKeyEvents::countAsReleased(const std::vector<Keycode>& keys) {
+    for (const auto key : keys) {
+        enqueue(key, /*isDown=*/false);
+    }
+}
+
+void XInputKeyEvents::setLocked(bool isLocked) {
+    if (isLocked && !isLocked_ && watch_) {
+        watch_->catchUp();
+        for (const auto& edge : edges_.releaseAll()) {
+            tell(edge);
+        }
+        watchHeldKeys();
+    }
+    isLocked_ = isLocked;
+}
+
+} // namespace orlune

@@ -1,0 +1,221 @@
+#include "platform/linux/pulse/PulseAudioEngine.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Small fragments keep the text close behind the voice. With adjusted latency the server runs the
+// device at half of what is asked for and sends each piece as it comes, so this makes one piece for
+// each 12 ms buffer of the tap. Asking for 12 ms wakes everybody twice as often for nothing.
+constexpr pa_usec_t fragmentDuration = 24 * PA_USEC_PER_MSEC;
+// Opening a source takes some 50 ms, a sleeping Bluetooth headset more than a second.
+constexpr auto streamLimit = 3000ms;
+
+constexpr auto streamName = "Dictation";
+constexpr auto serverDefault = static_cast<std::uint32_t>(-1);
+
+} // namespace
+
+/// One run of the tap, from start to stop: an open stream, and the buffer that its fragments fill.
+class PulseAudioEngine::Recording {
+  public:
+    Recording(PulseConnection& connection, const pa_sample_spec& sampleSpec,
+              const pa_channel_map& channelMap, AudioPCMBuffer buffer, Tap tap, Log* log)
+        : connection_(connection), buffer_(std::move(buffer)), tap_(std::move(tap)), log_(log),
+          stream_(pa_stream_new(connection.context(), streamName, &sampleSpec, &channelMap)) {
+        buffer_.setFrameLength(buffer_.frameCapacity());
+        if (!stream_) {
+            fail(pa_context_errno(connection.context()));
+        }
+        pa_stream_set_state_callback(
+            stream_.get(),
+            [](pa_stream*, void* userdata) { static_cast<Recording*>(userdata)->changeState(); },
+            this);
+        pa_stream_set_read_callback(
+            stream_.get(),
+            [](pa_stream*, std::size_t, void* userdata) noexcept {
+                static_cast<Recording*>(userdata)->receive();
+            },
+            this);
+        const pa_buffer_attr attributes{
+            .maxlength = serverDefault,
+            .tlength = serverDefault,
+            .prebuf = serverDefault,
+            .minreq = serverDefault,
+            .fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(fragmentDuration, &sampleSpec)),
+        };
+        // No device: the stream follows the user's default source, also when that changes. Without
+        // adjusted latency the server would send two seconds at a time.
+        if (pa_stream_connect_record(stream_.get(), nullptr, &attributes, PA_STREAM_ADJUST_LATENCY)
+            < 0) {
+            fail(pa_context_errno(connection.context()));
+        }
+    }
+
+    /// Throws when the server refuses or does not answer.
+    void waitUntilOpen() {
+        const auto state = [this] { return pa_stream_get_state(stream_.get()); };
+        if (!connection_.wait(streamLimit, [&] { return state() != PA_STREAM_CREATING; })) {
+            fail(PA_ERR_TIMEOUT);
+        }
+        if (state() != PA_STREAM_READY) {
+            fail(pa_context_errno(connection_.context()));
+        }
+    }
+
+  private:
+    /// On the audio thread, with the loop locked.
+    void changeState() {
+        PulseConnection::wake(connection_.loop());
+        if (std::exchange(isOpen_, pa_stream_get_state(stream_.get()) == PA_STREAM_READY)
+            && !isOpen_) {
+            if (log_) {
+                log_->write(Log::Level::error, "Microphone",
+                            std::string("lost while recording, which goes on in silence: ")
+                                + pa_strerror(pa_context_errno(connection_.context())));
+            }
+            continueInSilence();
+        }
+    }
+
+    void continueInSilence() {
+        const auto duration = buffer_.frameCapacity() / buffer_.format().sampleRate;
+        silence_.emplace(
+            connection_.loop(), connection_.context(),
+            static_cast<pa_usec_t>(duration * PA_USEC_PER_SEC),
+            [](pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata) noexcept {
+                auto& self = *static_cast<Recording*>(userdata);
+                self.append(nullptr, self.buffer_.frameCapacity());
+                self.continueInSilence();
+            },
+            this);
+    }
+
+    [[noreturn]] void fail(int code) {
+        connection_.setError(code);
+        throw AudioEngineError(connection_.error());
+    }
+
+    /// Takes what the server sent. On the audio thread, with the loop locked.
+    void receive() {
+        const void* data = nullptr;
+        std::size_t byteCount = 0;
+        while (pa_stream_peek(stream_.get(), &data, &byteCount) == 0 && byteCount > 0) {
+            const auto frames = byteCount / (buffer_.format().channelCount * sizeof(float));
+            append(static_cast<const float*>(data), frames);
+            pa_stream_drop(stream_.get());
+        }
+    }
+
+    /// `interleaved` is null for a hole in the recording, which is heard as silence.
+    void append(const float* interleaved, std::size_t frames) {
+        const std::size_t channels = buffer_.format().channelCount;
+        while (frames > 0) {
+            const auto count = std::min<std::size_t>(frames, buffer_.frameCapacity() - filled_);
+            for (std::uint32_t channel = 0; channel < channels; ++channel) {
+                const auto target = buffer_.floatChannel(channel).subspan(filled_, count);
+                for (std::size_t frame = 0; frame < count; ++frame) {
+                    target[frame] = interleaved ? interleaved[frame * channels + channel] : 0.0F;
+                }
+            }
+            interleaved = interleaved ? interleaved + count * channels : nullptr;
+            frames -= count;
+            filled_ += count;
+            if (filled_ == buffer_.frameCapacity()) {
+                filled_ = 0;
+                tap_(buffer_);
+            }
+        }
+    }
+
+    PulseConnection& connection_;
+    AudioPCMBuffer buffer_;
+    std::size_t filled_ = 0;
+    const Tap tap_;
+    Log* log_;
+    bool isOpen_ = false;
+    std::optional<PulseTimer> silence_; ///< from the loss of the stream on
+    PulseStream stream_;                // last, so that nothing is called once the rest is gone
+};
+
+PulseAudioEngine::PulseAudioEngine(Log* log) : log_(log) {}
+
+PulseAudioEngine::~PulseAudioEngine() {
+    stop();
+}
+
+AudioFormat PulseAudioEngine::inputFormat() {
+    const PulseLock lock(connection_.loop());
+    source_ = connection_.defaultSource();
+    if (!source_) {
+        return {};
+    }
+    return {AudioFormat::Sample::float32, static_cast<double>(source_->sampleSpec.rate),
+            source_->sampleSpec.channels, false};
+}
+
+void PulseAudioEngine::installTap(std::uint32_t bufferSize, const AudioFormat& format, Tap tap) {
+    bufferSize_ = bufferSize;
+    format_ = format;
+    tap_ = std::move(tap);
+}
+
+void PulseAudioEngine::removeTap() {
+    const PulseLock lock(connection_.loop());
+    recording_.reset();
+    tap_ = nullptr;
+}
+
+void PulseAudioEngine::prepare() {
+    const PulseLock lock(connection_.loop());
+    connection_.connect();
+}
+
+void PulseAudioEngine::start() {
+    if (std::exchange(isRunning_, true) || !tap_) {
+        return;
+    }
+    const PulseLock lock(connection_.loop());
+    try {
+        const pa_sample_spec sampleSpec{
+            PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(format_.sampleRate),
+            static_cast<std::uint8_t>(std::min<std::uint32_t>(format_.channelCount, UINT8_MAX))};
+        auto buffer = AudioPCMBuffer::create(format_, bufferSize_);
+        if (!pa_sample_spec_valid(&sampleSpec) || !buffer || bufferSize_ == 0
+            || format_.sample != AudioFormat::Sample::float32 || format_.isInterleaved) {
+            throw AudioEngineError(pa_strerror(PA_ERR_INVALID));
+        }
+        if (!connection_.connect()) {
+            throw AudioEngineError(connection_.error());
+        }
+        // The source's own map keeps the server from mixing its channels.
+        pa_channel_map channelMap;
+        pa_channel_map_init_extend(&channelMap, sampleSpec.channels, PA_CHANNEL_MAP_DEFAULT);
+        if (source_ && source_->channelMap.channels == sampleSpec.channels) {
+            channelMap = source_->channelMap;
+        }
+        recording_ = std::make_unique<Recording>(connection_, sampleSpec, channelMap,
+                                                 std::move(*buffer), tap_, log_);
+        recording_->waitUntilOpen();
+    } catch (...) {
+        recording_.reset();
+        isRunning_ = false;
+        throw;
+    }
+}
+
+void PulseAudioEngine::stop() {
+    const PulseLock lock(connection_.loop());
+    recording_.reset();
+    isRunning_ = false;
+}
+
+} // namespace orlune

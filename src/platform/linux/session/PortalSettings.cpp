@@ -1,0 +1,77 @@
+#include "platform/linux/session/PortalSettings.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QMap>
+
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+const QString portal = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+
+} // namespace
+
+PortalSettings::PortalSettings(QStringList groups, OnValue onValue)
+    : groups_(std::move(groups)), onValue_(std::move(onValue)) {
+    // QtDBus looks the slot's types up by name, and makes this one known a moment too late at
+    // times.
+    qRegisterMetaType<QDBusVariant>();
+    auto bus = QDBusConnection::sessionBus();
+    // From whichever sender: to name one, Qt would wait for the bus.
+    bus.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
+                SLOT(onSettingChanged(QString, QString, QDBusVariant)));
+    auto* watcher =
+        new QDBusServiceWatcher(portal, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { ask(); });
+    ask();
+}
+
+PortalSettings::~PortalSettings() = default;
+
+void PortalSettings::onSettingChanged(const QString& group, const QString& key,
+                                      const QDBusVariant& value) {
+    if (groups_.contains(group)) {
+        tell(group, key, value.variant());
+    }
+}
+
+void PortalSettings::ask() {
+    auto call = QDBusMessage::createMethodCall(portal, portalPath, settingsInterface,
+                                               QStringLiteral("ReadAll"));
+    call << groups_;
+    auto* watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const auto reply = watcher->reply();
+        watcher->deleteLater();
+        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}") {
+            return;
+        }
+        QMap<QString, QVariantMap> values;
+        reply.arguments().constFirst().value<QDBusArgument>() >> values;
+        for (auto group = values.cbegin(); group != values.cend(); ++group) {
+            for (auto value = group->cbegin(); value != group->cend(); ++value) {
+                tell(group.key(), value.key(), value.value());
+            }
+        }
+    });
+}
+
+void PortalSettings::tell(const QString& group, const QString& key, QVariant value) {
+    // Some portals wrap a value more than once.
+    while (value.userType() == qMetaTypeId<QDBusVariant>()) {
+        value = value.value<QDBusVariant>().variant();
+    }
+    onValue_(group, key, value);
+}
+
+} // namespace orlune

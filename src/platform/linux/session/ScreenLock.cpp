@@ -1,0 +1,107 @@
+#include "platform/linux/session/ScreenLock.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+const QString logind = QStringLiteral("org.freedesktop.login1");
+const QString logindManagerPath = QStringLiteral("/org/freedesktop/login1");
+/// Our session, or the one in which the user sits when we run beside it as a service of theirs.
+const QString ownSessionPath = QStringLiteral("/org/freedesktop/login1/session/auto");
+const QString managerInterface = QStringLiteral("org.freedesktop.login1.Manager");
+const QString sessionInterface = QStringLiteral("org.freedesktop.login1.Session");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString lockedHint = QStringLiteral("LockedHint");
+const QString screenSaver = QStringLiteral("org.freedesktop.ScreenSaver");
+
+} // namespace
+
+ScreenLock::ScreenLock(OnChange onChange) : onChange_(std::move(onChange)) {
+    followScreenSaver();
+    // Signals come from the session's own path alone, so its name is asked for first.
+    askProperty(ownSessionPath, QStringLiteral("Id"),
+                [this](const QVariant& id) { followSession(id.toString()); });
+}
+
+ScreenLock::~ScreenLock() = default;
+
+void ScreenLock::onScreenSaver(bool isActive) {
+    update(isSessionLocked_, isActive);
+}
+
+void ScreenLock::onProperties(const QString& interface, const QVariantMap& changed,
+                              const QStringList&) {
+    if (interface == sessionInterface && changed.contains(lockedHint)) {
+        update(changed.value(lockedHint).toBool(), isScreenSaverActive_);
+    }
+}
+
+void ScreenLock::followScreenSaver() {
+    auto bus = QDBusConnection::sessionBus();
+    bus.connect(QString(), QString(), screenSaver, QStringLiteral("ActiveChanged"), this,
+                SLOT(onScreenSaver(bool)));
+    auto* watcher = new QDBusServiceWatcher(screenSaver, bus,
+                                            QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { onScreenSaver(/*isActive=*/false); });
+}
+
+void ScreenLock::followSession(const QString& id) {
+    auto call = QDBusMessage::createMethodCall(logind, logindManagerPath, managerInterface,
+                                               QStringLiteral("GetSession"));
+    call << id;
+    ask(call, [this](const QVariant& session) {
+        const auto path = session.value<QDBusObjectPath>().path();
+        QDBusConnection::systemBus().connect(logind, path, propertiesInterface,
+                                             QStringLiteral("PropertiesChanged"), this,
+                                             SLOT(onProperties(QString, QVariantMap, QStringList)));
+        askProperty(path, lockedHint, [this](const QVariant& isLocked) {
+            update(isLocked.toBool(), isScreenSaverActive_);
+        });
+    });
+}
+
+void ScreenLock::askProperty(const QString& path, const QString& name, OnValue onValue) {
+    auto call =
+        QDBusMessage::createMethodCall(logind, path, propertiesInterface, QStringLiteral("Get"));
+    call << sessionInterface << name;
+    ask(call, [onValue = std::move(onValue)](const QVariant& value) {
+        onValue(value.value<QDBusVariant>().variant());
+    });
+}
+
+/// Without an answer nothing happens: there is no logind, or none of its sessions is ours.
+void ScreenLock::ask(const QDBusMessage& call, OnValue onValue) {
+    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [watcher, onValue = std::move(onValue)] {
+                const auto reply = watcher->reply();
+                watcher->deleteLater();
+                if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
+                    onValue(reply.arguments().constFirst());
+                }
+            });
+}
+
+void ScreenLock::update(bool isSessionLocked, bool isScreenSaverActive) {
+    const bool wasLocked = isSessionLocked_ || isScreenSaverActive_;
+    isSessionLocked_ = isSessionLocked;
+    isScreenSaverActive_ = isScreenSaverActive;
+    const bool isLocked = isSessionLocked_ || isScreenSaverActive_;
+    if (isLocked != wasLocked) {
+        onChange_(isLocked);
+    }
+}
+
+} // namespace orlune

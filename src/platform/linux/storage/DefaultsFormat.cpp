@@ -1,0 +1,119 @@
+#include "platform/linux/storage/DefaultsFormat.h"
+
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <type_traits>
+
+namespace orlune {
+
+namespace json = boost::json;
+
+namespace {
+
+constexpr auto dataMember = "data";
+
+std::string base64(const UserDefaults::Data& data) {
+    std::string text((data.size() + 2) / 3 * 4 + 1, '\0');
+    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
+                                       reinterpret_cast<const unsigned char*>(data.data()),
+                                       static_cast<int>(data.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+std::optional<UserDefaults::Data> dataFromBase64(std::string_view text) {
+    UserDefaults::Data data(text.size() / 4 * 3);
+    const int length = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(data.data()),
+                                       reinterpret_cast<const unsigned char*>(text.data()),
+                                       static_cast<int>(text.size()));
+    if (length < 0 || static_cast<std::size_t>(length) != data.size()) {
+        return std::nullopt;
+    }
+    // The decoder counts the padding as bytes.
+    const auto padding = text.ends_with("==") ? 2u : text.ends_with("=") ? 1u : 0u;
+    data.resize(data.size() - padding);
+    // It also skips blanks and ignores stray bits, which no encoder of ours writes.
+    return base64(data) == text ? std::optional(std::move(data)) : std::nullopt;
+}
+
+bool isUTF8(std::string_view text) {
+    // What the parser would refuse must never be written.
+    boost::system::error_code error;
+    json::parse(json::serialize(json::string(text)), error);
+    return !error;
+}
+
+} // namespace
+
+std::optional<json::object> parseDefaults(std::string_view text) {
+    if (text.size() > largestDefaultsFileBytes) {
+        return std::nullopt;
+    }
+    boost::system::error_code error;
+    auto document = json::parse(text, error);
+    if (error || !document.is_object()) {
+        return std::nullopt;
+    }
+    return std::move(document.get_object());
+}
+
+std::string serializeDefaults(const json::object& members) {
+    std::string text = "{";
+    const char* separator = "\n  ";
+    for (const auto& [key, member] : members) {
+        text += separator + json::serialize(json::string(key)) + ": " + json::serialize(member);
+        separator = ",\n  ";
+    }
+    return text + "\n}\n";
+}
+
+std::optional<UserDefaults::Value> defaultsValue(const json::value& member) {
+    switch (member.kind()) {
+    case json::kind::bool_:
+        return member.get_bool();
+    case json::kind::int64:
+        return member.get_int64();
+    case json::kind::double_:
+        return member.get_double();
+    case json::kind::string:
+        return std::string(member.get_string());
+    case json::kind::object: {
+        const auto* data = member.get_object().if_contains(dataMember);
+        if (!data || !data->is_string() || member.get_object().size() != 1) {
+            return std::nullopt;
+        }
+        return dataFromBase64(data->get_string());
+    }
+    case json::kind::null:
+    case json::kind::uint64:
+    case json::kind::array:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<json::value> defaultsMember(const UserDefaults::Value& value) {
+    return std::visit(
+        [](const auto& typed) -> std::optional<json::value> {
+            using Type = std::decay_t<decltype(typed)>;
+            if constexpr (std::is_same_v<Type, UserDefaults::Data>) {
+                json::object object;
+                object[dataMember] = base64(typed);
+                return object;
+            } else if constexpr (std::is_same_v<Type, std::string>) {
+                return isUTF8(typed) ? std::optional<json::value>(typed) : std::nullopt;
+            } else if constexpr (std::is_same_v<Type, double>) {
+                return std::isfinite(typed) ? std::optional<json::value>(typed) : std::nullopt;
+            } else {
+                return json::value(typed);
+            }
+        },
+        value);
+}
+
+} // namespace orlune

@@ -1,0 +1,116 @@
+#include "platform/linux/windows/TrayHost.h"
+
+#include "platform/linux/x11/XConnection.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <X11/Xlib.h>
+#include <X11/extensions/Xfixes.h>
+
+#include <chrono>
+#include <string>
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// Desktops that have both kinds of tray bring the older one up first.
+constexpr auto patienceWithEmbedding = std::chrono::seconds(3);
+
+} // namespace
+
+TrayHost::TrayHost(std::function<void()> onReady) : onReady_(std::move(onReady)) {
+    auto bus = QDBusConnection::sessionBus();
+    bus.connect(watcherName, watcherPath, watcherName,
+                QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(onHostRegistered()));
+    auto* watcher =
+        new QDBusServiceWatcher(watcherName, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { askWatcher(); });
+    askWatcher();
+    followEmbeddingTray();
+}
+
+TrayHost::~TrayHost() = default;
+
+void TrayHost::onHostRegistered() {
+    tell();
+}
+
+void TrayHost::askWatcher() {
+    auto call = QDBusMessage::createMethodCall(watcherName, watcherPath,
+                                               QStringLiteral("org.freedesktop.DBus.Properties"),
+                                               QStringLiteral("Get"));
+    call << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
+    call.setAutoStartService(false);
+    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const auto reply = answer->reply();
+        answer->deleteLater();
+        if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()
+            && reply.arguments().constFirst().value<QDBusVariant>().variant().toBool()) {
+            tell();
+        }
+    });
+}
+
+void TrayHost::followEmbeddingTray() {
+    connection_ = XConnection::open("");
+    if (!connection_) {
+        return;
+    }
+    Display* display = connection_->display();
+    const auto name = "_NET_SYSTEM_TRAY_S" + std::to_string(DefaultScreen(display));
+    traySelection_ = XInternAtom(display, name.c_str(), /*only_if_exists=*/False);
+    int firstEvent = 0;
+    int firstError = 0;
+    if (XFixesQueryExtension(display, &firstEvent, &firstError)) {
+        XFixesSelectSelectionInput(display, DefaultRootWindow(display), traySelection_,
+                                   XFixesSetSelectionOwnerNotifyMask);
+    }
+    patience_ = std::make_unique<QTimer>();
+    patience_->setSingleShot(true);
+    connect(patience_.get(), &QTimer::timeout, this, [this] { tell(); });
+    notifier_ = std::make_unique<QSocketNotifier>(ConnectionNumber(display), QSocketNotifier::Read);
+    connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { readEmbeddingTray(); });
+    readEmbeddingTray();
+}
+
+void TrayHost::readEmbeddingTray() {
+    Display* display = connection_->display();
+    bool isThere = false;
+    // Asked after each reading: an answer may bring events with it, which no longer wake the
+    // notifier.
+    do {
+        while (connection_->isAlive() && XPending(display) > 0) {
+            XEvent ignored{};
+            XNextEvent(display, &ignored);
+        }
+        isThere = connection_->isAlive() && XGetSelectionOwner(display, traySelection_) != None;
+    } while (connection_->isAlive() && XQLength(display) > 0);
+    if (!connection_->isAlive()) {
+        notifier_->setEnabled(false);
+    }
+    if (isThere && !patience_->isActive()) {
+        patience_->start(patienceWithEmbedding);
+    }
+}
+
+void TrayHost::tell() {
+    patience_.reset();
+    notifier_.reset();
+    connection_.reset();
+    if (const auto onReady = std::exchange(onReady_, nullptr)) {
+        QMetaObject::invokeMethod(this, onReady, Qt::QueuedConnection);
+    }
+}
+
+} // namespace orlune

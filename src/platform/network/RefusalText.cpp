@@ -1,0 +1,92 @@
+#include "platform/network/RefusalText.h"
+
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
+
+#include <cstddef>
+
+namespace orlune {
+
+namespace {
+
+using Headers = std::vector<WebSocketRequest::Header>;
+
+/// More than a line on the screen is not for a person.
+constexpr std::size_t lengthLimit = 200;
+/// A shorter piece of a header is no secret, and would be found in ordinary words.
+constexpr std::size_t shortestSecret = 4;
+
+bool isContinuationByte(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// One line of bounded length, without control characters.
+std::string tidied(std::string_view text) {
+    std::string line;
+    for (const char character : text.substr(0, lengthLimit)) {
+        const auto byte = static_cast<unsigned char>(character);
+        line.push_back(byte < 0x20 || byte == 0x7F ? ' ' : character);
+    }
+    if (text.size() > lengthLimit && isContinuationByte(text[lengthLimit])) {
+        while (!line.empty() && isContinuationByte(line.back())) {
+            line.pop_back();
+        }
+        if (!line.empty()) {
+            line.pop_back();
+        }
+    }
+    return line;
+}
+
+std::string withoutSecret(std::string text, std::string_view secret) {
+    constexpr std::string_view mask = "…";
+    if (secret.size() >= shortestSecret) {
+        for (auto found = text.find(secret); found != std::string::npos;
+             found = text.find(secret, found + mask.size())) {
+            text.replace(found, secret.size(), mask);
+        }
+    }
+    return text;
+}
+
+/// Hides whole values and what follows a scheme's name in them ("Token …").
+std::string withoutSecrets(std::string text, const Headers& secrets) {
+    for (const auto& header : secrets) {
+        text = withoutSecret(std::move(text), header.value);
+        const auto space = header.value.find(' ');
+        if (space != std::string::npos) {
+            text = withoutSecret(std::move(text), std::string_view(header.value).substr(space + 1));
+        }
+    }
+    return text;
+}
+
+std::string messageOf(std::string_view body) {
+    boost::system::error_code error;
+    const auto json = boost::json::parse(boost::json::string_view(body.data(), body.size()), error);
+    const auto* object = error ? nullptr : json.if_object();
+    const auto* member = object ? object->if_contains("err_msg") : nullptr;
+    const auto* message = member ? member->if_string() : nullptr;
+    return message ? std::string(message->data(), message->size()) : std::string();
+}
+
+} // namespace
+
+std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
+                        std::string_view body, const Headers& secrets) {
+    std::string text = "The connection was refused (HTTP " + std::to_string(status);
+    if (!reason.empty()) {
+        text += " " + tidied(withoutSecrets(std::string(reason), secrets));
+    }
+    text += ")";
+    const auto message = messageOf(body);
+    if (!errorHeader.empty()) {
+        text += ": " + tidied(withoutSecrets(std::string(errorHeader), secrets));
+    }
+    if (!message.empty() && message != errorHeader) {
+        text += ": " + tidied(withoutSecrets(message, secrets));
+    }
+    return text;
+}
+
+} // namespace orlune
