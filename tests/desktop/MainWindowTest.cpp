@@ -174,34 +174,32 @@ TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
 TEST_F(MainWindow, LetsAScreenReaderReachAndNameEachControl) {
     launch();
     ASSERT_TRUE(reader.shows("Speak. Structure. Ship."));
-    expectControls("Orlune", {"push button: Continue"});
+    expectControls("Orlune", {"button: Continue"});
     goOn("Connect Deepgram.");
-    expectControls("Orlune", {"password text: Deepgram API key",
-                              "push button: Open Deepgram Console", "push button: Back"});
+    expectControls("Orlune", {"password text: Deepgram API key", "button: Open Deepgram Console",
+                              "button: Back"});
     moveTo("Deepgram API key");
     type("any-key");
-    expectControls("Orlune", {"password text: Deepgram API key", "push button: Save Key",
-                              "push button: Open Deepgram Console", "push button: Back"});
+    expectControls("Orlune", {"password text: Deepgram API key", "button: Save Key",
+                              "button: Open Deepgram Console", "button: Back"});
     moveTo("Deepgram API key");
     keyboard.tap({keycode::enter});
     goOn("Two permissions. Nothing more.");
-    expectControls("Orlune", {"push button: Back", "push button: Continue"});
+    expectControls("Orlune", {"button: Back", "button: Continue"});
     goOn("Try your first prompt.");
     ASSERT_TRUE(getsFocus("Test area"));
-    expectControls("Orlune",
-                   {"text: Test area", "push button: Back", "push button: Start Using Orlune"});
+    expectControls("Orlune", {"text: Test area", "button: Back", "button: Start Using Orlune"});
     moveTo("Start Using Orlune");
     keyboard.tap({keycode::enter});
     ASSERT_TRUE(reader.shows(home));
-    expectControls("Orlune", {"text: Test area", "push button: Settings"});
+    expectControls("Orlune", {"text: Test area", "button: Settings"});
     moveTo("Settings");
     keyboard.tap({keycode::enter});
     ASSERT_TRUE(reader.shows("Intent Check"));
     expectControls("Orlune Settings",
                    {"radio button: Tap to toggle. Press once to start, once to finish",
-                    "push button: Shortcut, fn", "check box: Enable Orlune",
-                    "check box: Intent Check", "password text: Deepgram API Key",
-                    "push button: Remove"},
+                    "button: Shortcut, fn", "check box: Enable Orlune", "check box: Intent Check",
+                    "password text: Deepgram API Key", "button: Remove"},
                    {"radio button: Hold to speak. Hold while speaking, release to finish"});
 }
 

@@ -64,6 +64,9 @@ ScreenReader::Element describe(AtspiAccessible* accessible, AtspiStateSet* state
                                   .isChecked = is(ATSPI_STATE_CHECKED) != 0,
                                   .isSelected = is(ATSPI_STATE_SELECTED) != 0,
                                   .isActive = is(ATSPI_STATE_ACTIVE) != 0};
+    if (element.role == "push button") { // its name before 2.56
+        element.role = "button";
+    }
     const Reference<AtspiComponent> component(atspi_accessible_get_component_iface(accessible));
     if (AtspiRect* const area = !component ? nullptr : ask([&](GError** error) {
             return atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, error);

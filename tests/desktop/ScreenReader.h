@@ -22,7 +22,7 @@ class ScreenReader {
 
     struct Element {
         std::string window; ///< the title of the window it is in
-        std::string role;   ///< as the bus names it: "push button", "password text"
+        std::string role;   ///< as newer versions of the bus name it: "button", "password text"
         std::string name;
         std::string description;
         std::string text;                        ///< what is in an editor
