@@ -1,0 +1,45 @@
+#include "platform/linux/keys/ShortcutEdges.h"
+
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+constexpr std::uint16_t virtualEscape = 53;
+constexpr std::uint16_t virtualFunction = 63;
+
+} // namespace
+
+std::optional<KeyEvent> ShortcutEdges::setShortcut(const KeyCombination& shortcut) {
+    auto released = release();
+    shortcut_ = shortcut;
+    return released;
+}
+
+std::optional<KeyEvent> ShortcutEdges::press() {
+    return std::exchange(isDown_, true) ? std::nullopt : std::optional(event(/*isDown=*/true));
+}
+
+std::optional<KeyEvent> ShortcutEdges::release() {
+    return std::exchange(isDown_, false) ? std::optional(event(/*isDown=*/false)) : std::nullopt;
+}
+
+KeyEvent ShortcutEdges::event(bool isDown) const {
+    if (!shortcut_.virtualKey) {
+        return {.type = KeyEvent::Type::flagsChanged,
+                .keyCode = virtualFunction,
+                .modifierFlags = isDown ? shortcut_.modifiers : ModifierFlags::none};
+    }
+    return {.type = isDown ? KeyEvent::Type::keyDown : KeyEvent::Type::keyUp,
+            .keyCode = *shortcut_.virtualKey,
+            .modifierFlags = shortcut_.modifiers};
+}
+
+KeyEvent escapeEvent(bool isDown) {
+    return {.type = isDown ? KeyEvent::Type::keyDown : KeyEvent::Type::keyUp,
+            .keyCode = virtualEscape,
+            .modifierFlags = ModifierFlags::none};
+}
+
+} // namespace orlune
