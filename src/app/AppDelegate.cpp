@@ -24,7 +24,8 @@ void callIfSet(const std::function<void()>& action) {
 } // namespace
 
 AppDelegate::AppDelegate(std::shared_ptr<AppState> state, const Platform& platform, Windows windows)
-    : state_(std::move(state)), platform_(platform), windows_(std::move(windows)) {}
+    : state_(std::move(state)), platform_(platform), windows_(std::move(windows)),
+      observation_([this] { tellDesktop(); }) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -32,9 +33,30 @@ void AppDelegate::applicationDidFinishLaunching(bool opensWindow) {
     overlay_ = std::make_unique<OverlayWindowController>(state_, platform_);
     hotkey_ = FnPushToTalkMonitor::make(state_, platform_.keyEventMonitors, platform_.mainActor);
     hotkey_->start();
+    observation_.observe(state_->shortcut());
+    observation_.observe(state_->phase());
+    tellDesktop();
     if (opensWindow) {
         callIfSet(windows_.showMain);
         QTimer::singleShot(activationDelay, qApp, [this] { activate(); });
+    }
+}
+
+/// What the desktop has to know where it shows programs only the keys that they ask for, and lets
+/// them post keys only while the user can see that they may.
+void AppDelegate::tellDesktop() {
+    using Case = AppState::Phase::Case;
+    platform_.keyEventMonitors.watch(state_->shortcut().get().keyCombination());
+    const auto phase = state_->phase().get().kind();
+    const bool isDictating =
+        phase == Case::listening || phase == Case::processing || phase == Case::reviewing;
+    if (isDictating != std::exchange(isDictating_, isDictating)) {
+        platform_.keyEventMonitors.watchEscape(isDictating);
+        if (isDictating) {
+            platform_.keyEventPosting.prepare();
+        } else {
+            platform_.keyEventPosting.rest();
+        }
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "dictation/AppState.h"
 #include "dictation/FnPushToTalkMonitor.h"
+#include "ui/Observation.h"
 
 #include <functional>
 #include <memory>
@@ -40,12 +41,15 @@ class AppDelegate {
 
   private:
     bool activate() const;
+    void tellDesktop();
 
     const std::shared_ptr<AppState> state_;
     const Platform& platform_;
     const Windows windows_;
     std::unique_ptr<OverlayWindowController> overlay_;
     std::shared_ptr<FnPushToTalkMonitor> hotkey_;
+    bool isDictating_ = false;
+    ui::Observation observation_;
 };
 
 } // namespace orlune

@@ -54,23 +54,36 @@ std::optional<Integer> exactInteger(const boost::json::value& value) {
     return std::nullopt;
 }
 
+using Modifiers = DictationShortcut::Modifiers;
+
+constexpr std::array<std::pair<ModifierFlags, Modifiers>, 5> flagsOfModifiers{{
+    {ModifierFlags::command, Modifiers::command},
+    {ModifierFlags::option, Modifiers::option},
+    {ModifierFlags::control, Modifiers::control},
+    {ModifierFlags::shift, Modifiers::shift},
+    {ModifierFlags::function, Modifiers::function},
+}};
+
 } // namespace
 
 DictationShortcut::Modifiers DictationShortcut::Modifiers::from(ModifierFlags flags) {
-    constexpr std::array<std::pair<ModifierFlags, Modifiers>, 5> members{{
-        {ModifierFlags::command, command},
-        {ModifierFlags::option, option},
-        {ModifierFlags::control, control},
-        {ModifierFlags::shift, shift},
-        {ModifierFlags::function, function},
-    }};
     Modifiers modifiers;
-    for (const auto& [flag, member] : members) {
+    for (const auto& [flag, member] : flagsOfModifiers) {
         if (orlune::contains(flags, flag)) {
             modifiers = modifiers.united(member);
         }
     }
     return modifiers;
+}
+
+ModifierFlags DictationShortcut::Modifiers::flags() const {
+    auto flags = ModifierFlags::none;
+    for (const auto& [flag, member] : flagsOfModifiers) {
+        if (contains(member)) {
+            flags |= flag;
+        }
+    }
+    return flags;
 }
 
 std::string DictationShortcut::displayName() const {

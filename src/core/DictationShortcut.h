@@ -3,7 +3,7 @@
 // caller falls back to the default.
 #pragma once
 
-#include "platform/ModifierFlags.h"
+#include "platform/KeyCombination.h"
 
 #include <cstdint>
 #include <initializer_list>
@@ -34,6 +34,8 @@ struct DictationShortcut {
 
         /// The five modifier keys among the flags of a keyboard event; all other flags are ignored.
         static Modifiers from(ModifierFlags flags);
+        /// The flags of these modifier keys.
+        ModifierFlags flags() const;
 
         constexpr std::uint64_t rawValue() const { return rawValue_; }
         constexpr bool isEmpty() const { return rawValue_ == 0; }
@@ -69,6 +71,10 @@ struct DictationShortcut {
 
     /// The shortcut as shown to the user, such as "⇧⌘K" or "fn Space"; empty for an empty shortcut.
     std::string displayName() const;
+    /// What the platform calls it.
+    KeyCombination keyCombination() const {
+        return {.virtualKey = keyCode, .modifiers = modifiers.flags()};
+    }
     /// Where Fn is on a keyboard on which `standIn` counts as Fn, such as "Right Control on this
     /// keyboard"; empty for a shortcut without Fn, and when nothing stands in.
     std::string functionKeyHint(std::string_view standIn) const;

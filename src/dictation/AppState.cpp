@@ -108,7 +108,7 @@ AppState::AppState(const Platform& platform)
       audio_(platform.makeAudioEngine, platform.makeAudioConverter),
       deepgram_(std::make_shared<DeepgramService>(platform.webSockets, platform.clock,
                                                   platform.background, platform.speechEndpoint)),
-      inserter_(platform.accessibility, platform.pasteboard, platform.keyEvents),
+      inserter_(platform.accessibility, platform.pasteboard, platform.keyEventPosting),
       latencyLog_(platform.log, "Latency"), sessionID_(newSessionID()) {
     const auto key = keychain_.string(SecretKey::deepgramAPIKey);
     hasDeepgramAPIKey_.set(key && !key->empty());

@@ -28,6 +28,12 @@ class KeyEventPosting {
   public:
     virtual ~KeyEventPosting() = default;
 
+    /// A dictation begins, whose text will be pasted. Some desktops want a session opened for it,
+    /// which they show to the user until `rest`.
+    virtual void prepare() = 0;
+    /// The dictation is over. Keys that were posted still arrive.
+    virtual void rest() = 0;
+
     /// None when keys cannot be posted at all.
     virtual std::optional<EventSource> createSource(EventSourceState state) = 0;
     /// None when this key cannot be posted. The event carries no flags.

@@ -5,6 +5,7 @@
 // asked for.
 #pragma once
 
+#include "platform/KeyCombination.h"
 #include "platform/ModifierFlags.h"
 
 #include <cstdint>
@@ -92,6 +93,13 @@ class KeyEvents {
     /// nor the monitors that were added later.
     [[nodiscard]] virtual KeyEventMonitor addLocalMonitor(KeyEventMask mask,
                                                           LocalHandler handler) = 0;
+    /// The keys that global monitors look for. Some desktops show a program only the keys that it
+    /// asks for; where every key is seen anyway, both calls change nothing.
+    virtual void watch(const KeyCombination& shortcut) = 0;
+    /// The same for Escape, which such a desktop keeps from other programs meanwhile.
+    virtual void watchEscape(bool isWanted) = 0;
+    /// Whether global monitors also see the watched keys come up.
+    virtual bool reportsReleases() = 0;
     /// Why global monitors see nothing here, for a person; empty when they do.
     virtual std::string reasonForUnavailability() = 0;
     /// The key that counts as Fn, in words such as "Right Control". Empty when that is the key with

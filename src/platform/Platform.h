@@ -38,8 +38,8 @@ struct Platform {
     SecretItems& secretItems;
     Accessibility& accessibility;
     Pasteboard& pasteboard;
-    KeyEventPosting& keyEvents;  ///< posting them
-    KeyEvents& keyEventMonitors; ///< watching them
+    KeyEventPosting& keyEventPosting;
+    KeyEvents& keyEventMonitors;
     UserDefaults& userDefaults;
     Log& log;
     CaptureAuthorization& captureAuthorization;

@@ -263,7 +263,7 @@ TEST(AppStateTest, everyFailureHasItsTextStaysTwoSecondsAndLeavesNothingRunning)
          }},
         {"Couldn't paste into the active application",
          [](DictationHarness& harness) {
-             harness.platform.keyEvents.refusesSource = true;
+             harness.platform.keyEventPosting.refusesSource = true;
              harness.state().setIntentCheckEnabled(false);
              harness.dictate("some words to paste");
          }},

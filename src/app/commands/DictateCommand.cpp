@@ -146,7 +146,7 @@ int dictate(const DictateOptions& options, int interrupts) {
     if (!options.insertsText) {
         replacements.accessibility = &standardOutput;
         replacements.pasteboard = &standardOutput;
-        replacements.keyEvents = &standardOutput;
+        replacements.keyEventPosting = &standardOutput;
     }
 
     LocalServiceProcess localService;

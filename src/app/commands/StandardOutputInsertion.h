@@ -21,6 +21,8 @@ class StandardOutputInsertion final : public Pasteboard,
         return true;
     }
 
+    void prepare() override {}
+    void rest() override {}
     std::optional<EventSource> createSource(EventSourceState state) override {
         return EventSource{state};
     }

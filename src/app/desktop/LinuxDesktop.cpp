@@ -99,7 +99,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
             .functionKeyName = configuration.fnKey,
             .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; }},
         log);
-    auto& keyEvents = replacedOr(replacements.keyEvents, xtest, [&] {
+    auto& keyEventPosting = replacedOr(replacements.keyEventPosting, xtest, [&] {
         XTestKeyPoster::Hooks hooks;
         hooks.ownPrimarySelection = [this] {
             return clipboard && clipboard->ownPrimarySelection();
@@ -137,7 +137,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
                               secrets,
                               accessibility,
                               pasteboard,
-                              keyEvents,
+                              keyEventPosting,
                               *keyWatch,
                               defaults,
                               log,

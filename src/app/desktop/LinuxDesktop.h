@@ -20,7 +20,7 @@ class LinuxDesktop {
     struct Replacements {
         Accessibility* accessibility = nullptr;
         Pasteboard* pasteboard = nullptr;
-        KeyEventPosting* keyEvents = nullptr;
+        KeyEventPosting* keyEventPosting = nullptr;
         SecretItems* secretItems = nullptr;
         UserDefaults* userDefaults = nullptr;
         Log* log = nullptr;

@@ -19,6 +19,8 @@ class MemoryKeyEventPosting final : public KeyEventPosting {
 
     explicit MemoryKeyEventPosting(MemoryEvents log = makeMemoryEvents()) : log_(std::move(log)) {}
 
+    void prepare() override { isPrepared = true; }
+    void rest() override { isPrepared = false; }
     std::optional<EventSource> createSource(EventSourceState state) override;
     std::optional<KeyboardEvent> createKeyboardEvent(const EventSource& source,
                                                      std::uint16_t virtualKey,
@@ -28,6 +30,8 @@ class MemoryKeyEventPosting final : public KeyEventPosting {
     const std::vector<Posted>& posted() const { return posted_; }
     const MemoryEvents& log() const { return log_; }
 
+    /// Between `prepare` and `rest`.
+    bool isPrepared = false;
     /// While true, what it names cannot be created.
     bool refusesSource = false;
     bool refusesKeyDown = false;

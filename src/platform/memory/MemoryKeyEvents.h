@@ -19,6 +19,9 @@ class MemoryKeyEvents final : public KeyEvents {
     [[nodiscard]] KeyEventMonitor addGlobalMonitor(KeyEventMask mask,
                                                    GlobalHandler handler) override;
     [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
+    void watch(const KeyCombination& shortcut) override { watched = shortcut; }
+    void watchEscape(bool isWanted) override { watchesEscape = isWanted; }
+    bool reportsReleases() override { return hasReleases; }
     std::string reasonForUnavailability() override { return reason; }
     std::string functionKeyStandIn() override { return standIn; }
 
@@ -29,6 +32,11 @@ class MemoryKeyEvents final : public KeyEvents {
 
     const MemoryEvents& log() const { return log_; }
 
+    // What was asked for last.
+    KeyCombination watched;
+    bool watchesEscape = false;
+    /// What `reportsReleases` answers.
+    bool hasReleases = true;
     /// While not empty, other programs' keys are not seen.
     std::string reason;
     /// What `functionKeyStandIn` answers.

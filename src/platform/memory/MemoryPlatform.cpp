@@ -23,7 +23,7 @@ Platform MemoryPlatform::bundle(MainActor& mainActor) {
                     secretItems,
                     accessibility,
                     pasteboard,
-                    keyEvents,
+                    keyEventPosting,
                     keyEventMonitors,
                     userDefaults,
                     log,

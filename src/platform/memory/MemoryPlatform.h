@@ -60,7 +60,7 @@ struct MemoryPlatform {
     MemoryAudioConverter audioConverter;
     MemoryAccessibility accessibility{events};
     MemoryPasteboard pasteboard{events};
-    MemoryKeyEventPosting keyEvents{events};
+    MemoryKeyEventPosting keyEventPosting{events};
     MemoryKeyEvents keyEventMonitors{events};
     MemoryWebSocketSession webSockets{events};
     MemoryCaptureAuthorization captureAuthorization;

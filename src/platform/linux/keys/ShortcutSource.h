@@ -1,6 +1,6 @@
 // Reports the shortcut, and Escape, while another program has the keyboard, on desktops that tell a
 // program about its own shortcuts only. Main thread, with Qt's loop running; the observer is called
-// there, never from within a call of this interface. No call waits for the user or for the desktop.
+// there, and from within `releaseAll` only of these calls. None waits for the user or the desktop.
 #pragma once
 
 #include "platform/KeyCombination.h"
@@ -39,7 +39,7 @@ class ShortcutSource {
     /// Whether the desktop reports when the watched shortcut is let go. Without it, holding cannot
     /// work.
     virtual bool reportsReleases() const = 0;
-    /// The screen was locked: what is down counts as released.
+    /// The screen is about to be locked: reports what is down as released.
     virtual void releaseAll() = 0;
 };
 

@@ -34,9 +34,18 @@ XInputKeyEvents::XInputKeyEvents(Surroundings surroundings, Log& log)
     layoutTimer_->setSingleShot(true);
     QObject::connect(layoutTimer_.get(), &QTimer::timeout, layoutTimer_.get(),
                      [this] { resolveRoles(); });
+    if (surroundings_.source) {
+        surroundings_.source->setObserver(
+            {.onKey = [this](const KeyEvent& event) { reportFromSource(event); },
+             .onChange = surroundings_.onSourceChange});
+    }
 }
 
-XInputKeyEvents::~XInputKeyEvents() = default;
+XInputKeyEvents::~XInputKeyEvents() {
+    if (surroundings_.source) {
+        surroundings_.source->setObserver({});
+    }
+}
 
 KeyEventMonitor XInputKeyEvents::addGlobalMonitor(KeyEventMask mask, GlobalHandler handler) {
     connect();
@@ -55,7 +64,26 @@ KeyEventMonitor XInputKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler
     return local_.add(mask, std::move(handler));
 }
 
+void XInputKeyEvents::watch(const KeyCombination& shortcut) {
+    if (surroundings_.source) {
+        surroundings_.source->watch(shortcut);
+    }
+}
+
+void XInputKeyEvents::watchEscape(bool isWanted) {
+    if (surroundings_.source) {
+        surroundings_.source->watchEscape(isWanted);
+    }
+}
+
+bool XInputKeyEvents::reportsReleases() {
+    return !surroundings_.source || surroundings_.source->reportsReleases();
+}
+
 std::string XInputKeyEvents::reasonForUnavailability() {
+    if (surroundings_.source) {
+        return surroundings_.source->reasonForUnavailability();
+    }
     return connect() ? watch_->reasonForUnavailability() : noDisplayReason;
 }
 
@@ -133,7 +161,7 @@ void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
     const auto& [keycode, event] = edge;
     if (!surroundings_.ownWindowHasKeyboard()) {
         answers_.erase(keycode);
-        if (watch_->reasonForUnavailability().empty()) {
+        if (!surroundings_.source && watch_->reasonForUnavailability().empty()) {
             global_.offer(event);
         }
         return;
@@ -145,6 +173,14 @@ void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
         answers.isPressReceived = answers.isPressReceived && event.isARepeat;
     } else if (event.type == KeyEvent::Type::keyUp) {
         answers_[keycode].release = answer;
+    }
+}
+
+/// The desktop may take the shortcut's keys from our own windows as well.
+void XInputKeyEvents::reportFromSource(const KeyEvent& event) {
+    if (!isLocked_) {
+        auto& monitors = surroundings_.ownWindowHasKeyboard() ? local_ : global_;
+        monitors.offer(event);
     }
 }
 
@@ -213,6 +249,9 @@ void XInputKeyEvents::countAsReleased(const std::vector<Keycode>& keys) {
 }
 
 void XInputKeyEvents::setLocked(bool isLocked) {
+    if (isLocked && !isLocked_ && surroundings_.source) {
+        surroundings_.source->releaseAll();
+    }
     if (isLocked && !isLocked_ && watch_) {
         watch_->catchUp();
         for (const auto& edge : edges_.releaseAll()) {

@@ -10,6 +10,7 @@
 #include "platform/linux/keys/KeyEdges.h"
 #include "platform/linux/keys/LocalKeyFilter.h"
 #include "platform/linux/keys/RawKeyWatch.h"
+#include "platform/linux/keys/ShortcutSource.h"
 
 #include <deque>
 #include <functional>
@@ -32,6 +33,11 @@ class XInputKeyEvents final : public KeyEvents {
         std::string functionKeyName;
         /// Whether one of our own windows has the keyboard now.
         std::function<bool()> ownWindowHasKeyboard;
+        /// Reports the keys of other programs where X does not see them: in Wayland sessions. Our
+        /// own windows are X windows there too. None: raw keys do. Outlives this object.
+        ShortcutSource* source = nullptr;
+        /// An answer of the source may have changed. May be empty.
+        std::function<void()> onSourceChange = {};
         /// Empty means the DISPLAY of the environment.
         std::string displayName = {};
     };
@@ -42,6 +48,9 @@ class XInputKeyEvents final : public KeyEvents {
     [[nodiscard]] KeyEventMonitor addGlobalMonitor(KeyEventMask mask,
                                                    GlobalHandler handler) override;
     [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
+    void watch(const KeyCombination& shortcut) override;
+    void watchEscape(bool isWanted) override;
+    bool reportsReleases() override;
     std::string reasonForUnavailability() override;
     std::string functionKeyStandIn() override;
 
@@ -68,6 +77,7 @@ class XInputKeyEvents final : public KeyEvents {
     void receive(const RawKeyWatch::Key& key);
     void enqueue(Keycode keycode, bool isDown);
     void tell(const KeyEdges::Edge& edge);
+    void reportFromSource(const KeyEvent& event);
     void checkHeldKeys();
     void watchHeldKeys();
     KeyEventAnswer answerFor(const LocalKeyFilter::Key& key);

@@ -42,6 +42,8 @@ class XTestKeyPoster final : public KeyEventPosting {
     /// Lets go of every key that is still down.
     ~XTestKeyPoster() override;
 
+    void prepare() override {}
+    void rest() override {}
     std::optional<EventSource> createSource(EventSourceState state) override;
     std::optional<KeyboardEvent> createKeyboardEvent(const EventSource& source,
                                                      std::uint16_t virtualKey,
