@@ -1,9 +1,8 @@
 #include "platform/linux/keys/RawKeyWatch.h"
 
 #include "platform/linux/x11/KeyAccess.h"
-#include "platform/linux/x11/XConnection.h"
+#include "platform/linux/x11/XEventSource.h"
 
-#include <QSocketNotifier>
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
@@ -44,33 +43,27 @@ bool isSyntheticDevice(Display* display, int device) {
 } // namespace
 
 std::unique_ptr<RawKeyWatch> RawKeyWatch::open(const std::string& displayName, Observer observer) {
-    auto connection = XConnection::open(displayName);
-    if (!connection) {
-        return nullptr;
-    }
+    auto events = XEventSource::open(displayName);
     return std::unique_ptr<RawKeyWatch>(
-        new RawKeyWatch(std::move(connection), std::move(observer)));
+        events ? new RawKeyWatch(std::move(events), std::move(observer)) : nullptr);
 }
 
-RawKeyWatch::RawKeyWatch(std::unique_ptr<XConnection> connection, Observer observer)
-    : connection_(std::move(connection)), observer_(std::move(observer)),
+RawKeyWatch::RawKeyWatch(std::unique_ptr<XEventSource> events, Observer observer)
+    : events_(std::move(events)), observer_(std::move(observer)),
       // Before anything else, or keys would not come during another client's grab.
-      reason_(missingKeyAccess(connection_->display())) {
+      reason_(missingKeyAccess(events_->display())) {
     select();
-    notifier_ = std::make_unique<QSocketNotifier>(ConnectionNumber(connection_->display()),
-                                                  QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
-                     [this] { read(); });
+    events_->start([this](XEvent& event) { read(event); });
 }
 
 RawKeyWatch::~RawKeyWatch() = default;
 
 std::string RawKeyWatch::reasonForUnavailability() const {
-    return connection_->isAlive() ? reason_ : noDisplayReason;
+    return events_->isAlive() ? reason_ : noDisplayReason;
 }
 
 void RawKeyWatch::select() {
-    Display* display = connection_->display();
+    Display* display = events_->display();
     int ignored = 0;
     if (reason_.empty()
         && XQueryExtension(display, "XInputExtension", &inputOpcode_, &ignored, &ignored)) {
@@ -97,11 +90,11 @@ void RawKeyWatch::select() {
         XkbSelectEventDetails(display, XkbUseCoreKbd, XkbStateNotify, XkbGroupStateMask,
                               XkbGroupStateMask);
     }
-    connection_->roundTrip();
+    events_->connection().roundTrip();
 }
 
 void RawKeyWatch::findSyntheticKeyboards() {
-    Display* display = connection_->display();
+    Display* display = events_->display();
     int count = 0;
     const std::unique_ptr<XIDeviceInfo, DeviceInfoDeleter> devices(
         XIQueryDevice(display, XIAllDevices, &count));
@@ -115,28 +108,19 @@ void RawKeyWatch::findSyntheticKeyboards() {
 }
 
 void RawKeyWatch::catchUp() {
-    connection_->roundTrip();
-    read();
+    events_->catchUp();
 }
 
-void RawKeyWatch::read() {
-    Display* display = connection_->display();
-    while (connection_->isAlive() && XPending(display) > 0) {
-        XEvent event{};
-        XNextEvent(display, &event);
-        if (event.type == GenericEvent && event.xcookie.extension == inputOpcode_) {
-            readInput(event);
-        } else if (event.type == xkbEvent_ && observer_.onLayoutChange) {
-            observer_.onLayoutChange();
-        }
-    }
-    if (!connection_->isAlive()) {
-        notifier_->setEnabled(false);
+void RawKeyWatch::read(XEvent& event) {
+    if (event.type == GenericEvent && event.xcookie.extension == inputOpcode_) {
+        readInput(event);
+    } else if (event.type == xkbEvent_ && observer_.onLayoutChange) {
+        observer_.onLayoutChange();
     }
 }
 
 void RawKeyWatch::readInput(XEvent& event) {
-    Display* display = connection_->display();
+    Display* display = events_->display();
     if (!XGetEventData(display, &event.xcookie)) {
         return;
     }
@@ -161,18 +145,17 @@ void RawKeyWatch::readInput(XEvent& event) {
 }
 
 std::optional<KeyboardLayout> RawKeyWatch::layout() {
-    auto layout =
-        connection_->isAlive() ? KeyboardLayout::read(connection_->display()) : std::nullopt;
-    read(); // what came with the answer no longer wakes the notifier
+    auto layout = events_->isAlive() ? KeyboardLayout::read(events_->display()) : std::nullopt;
+    events_->readPending();
     return layout;
 }
 
 std::optional<std::bitset<256>> RawKeyWatch::keysDown() {
     std::array<char, 32> bits{};
-    if (!connection_->roundTrip() || !XQueryKeymap(connection_->display(), bits.data())) {
+    if (!events_->connection().roundTrip() || !XQueryKeymap(events_->display(), bits.data())) {
         return std::nullopt;
     }
-    read();
+    events_->readPending();
     std::bitset<256> keys;
     for (std::size_t key = 0; key < keys.size(); ++key) {
         keys.set(key, ((static_cast<unsigned char>(bits.at(key / 8)) >> (key % 8)) & 1U) != 0);

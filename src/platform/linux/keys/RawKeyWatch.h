@@ -13,12 +13,11 @@
 #include <string>
 #include <vector>
 
-class QSocketNotifier;
 union _XEvent;
 
 namespace orlune {
 
-class XConnection;
+class XEventSource;
 
 class RawKeyWatch {
   public:
@@ -51,19 +50,18 @@ class RawKeyWatch {
     std::optional<std::bitset<256>> keysDown();
 
   private:
-    RawKeyWatch(std::unique_ptr<XConnection> connection, Observer observer);
+    RawKeyWatch(std::unique_ptr<XEventSource> events, Observer observer);
     void select();
     void findSyntheticKeyboards();
-    void read();
+    void read(_XEvent& event);
     void readInput(_XEvent& event);
 
-    std::unique_ptr<XConnection> connection_;
+    std::unique_ptr<XEventSource> events_;
     Observer observer_;
     std::string reason_;
     int inputOpcode_ = 0;
     int xkbEvent_ = -1;
     std::vector<int> syntheticKeyboards_; ///< by device number
-    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 } // namespace orlune

@@ -1,39 +1,40 @@
 #include "platform/linux/paste/DelayedKeyReleases.h"
 
-#include <QSocketNotifier>
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace orlune {
 
 std::unique_ptr<DelayedKeyReleases> DelayedKeyReleases::open(const std::string& displayName,
                                                              std::function<void()> onAllReleased) {
-    auto connection = XConnection::open(displayName);
-    if (!connection) {
-        return nullptr;
-    }
+    auto events = XEventSource::open(displayName);
     return std::unique_ptr<DelayedKeyReleases>(
-        new DelayedKeyReleases(std::move(connection), std::move(onAllReleased)));
+        events ? new DelayedKeyReleases(std::move(events), std::move(onAllReleased)) : nullptr);
 }
 
-DelayedKeyReleases::DelayedKeyReleases(std::unique_ptr<XConnection> connection,
+DelayedKeyReleases::DelayedKeyReleases(std::unique_ptr<XEventSource> events,
                                        std::function<void()> onAllReleased)
-    : connection_(std::move(connection)), onAllReleased_(std::move(onAllReleased)) {
-    Display* display = connection_->display();
+    : events_(std::move(events)), onAllReleased_(std::move(onAllReleased)) {
+    Display* display = events_->display();
     markerWindow_ = XCreateWindow(display, DefaultRootWindow(display), -1, -1, 1, 1, 0, 0,
                                   InputOnly, CopyFromParent, 0, nullptr);
-    connection_->roundTrip();
-    notifier_ = std::make_unique<QSocketNotifier>(ConnectionNumber(display), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
-                     [this] { readMarkers(); });
+    connection().roundTrip();
+    events_->start(
+        [this](const XEvent& event) {
+            if (event.type == ClientMessage && event.xclient.window == markerWindow_) {
+                awaitMarkers(awaitedMarkers_ - 1);
+            }
+        },
+        [this] { awaitMarkers(0); });
 }
 
 DelayedKeyReleases::~DelayedKeyReleases() = default;
 
 void DelayedKeyReleases::schedule(const std::vector<Keycode>& keys) {
-    Display* display = connection_->display();
+    Display* display = events_->display();
     unsigned long wait = delay.count();
     for (const auto key : keys) {
         XTestFakeKeyEvent(display, key, /*is_press=*/False, wait);
@@ -50,26 +51,14 @@ void DelayedKeyReleases::schedule(const std::vector<Keycode>& keys) {
 }
 
 const std::vector<DelayedKeyReleases::Keycode>& DelayedKeyReleases::underWay() {
-    readMarkers();
+    events_->readPending();
     return underWay_;
 }
 
-void DelayedKeyReleases::readMarkers() {
-    Display* display = connection_->display();
+void DelayedKeyReleases::awaitMarkers(int count) {
     const bool wasUnderWay = awaitedMarkers_ > 0;
-    while (connection_->isAlive() && XPending(display) > 0) {
-        XEvent event{};
-        XNextEvent(display, &event);
-        if (event.type == ClientMessage && event.xclient.window == markerWindow_) {
-            --awaitedMarkers_;
-        }
-    }
-    if (!connection_->isAlive()) {
-        notifier_->setEnabled(false);
-        awaitedMarkers_ = 0;
-    }
-    if (awaitedMarkers_ <= 0) {
-        awaitedMarkers_ = 0;
+    awaitedMarkers_ = std::max(count, 0);
+    if (awaitedMarkers_ == 0) {
         underWay_.clear();
         if (wasUnderWay && onAllReleased_) {
             onAllReleased_();

@@ -3,7 +3,7 @@
 // called there. A connection that is lost counts as having let go.
 #pragma once
 
-#include "platform/linux/x11/XConnection.h"
+#include "platform/linux/x11/XEventSource.h"
 
 #include <chrono>
 #include <cstdint>
@@ -11,8 +11,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-class QSocketNotifier;
 
 namespace orlune {
 
@@ -35,20 +33,18 @@ class DelayedKeyReleases {
     /// The keys the server has not let go of yet.
     const std::vector<Keycode>& underWay();
 
-    XConnection& connection() { return *connection_; }
+    XConnection& connection() { return events_->connection(); }
 
   private:
-    DelayedKeyReleases(std::unique_ptr<XConnection> connection,
-                       std::function<void()> onAllReleased);
-    void readMarkers();
+    DelayedKeyReleases(std::unique_ptr<XEventSource> events, std::function<void()> onAllReleased);
+    void awaitMarkers(int count);
 
-    std::unique_ptr<XConnection> connection_;
+    std::unique_ptr<XEventSource> events_;
     std::function<void()> onAllReleased_;
     /// Never shown: receives a message from ourselves once the server has come past the releases.
     unsigned long markerWindow_;
     int awaitedMarkers_ = 0;
     std::vector<Keycode> underWay_;
-    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 } // namespace orlune

@@ -1,13 +1,12 @@
 #include "platform/linux/windows/TrayHost.h"
 
-#include "platform/linux/x11/XConnection.h"
+#include "platform/linux/x11/XEventSource.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
-#include <QSocketNotifier>
 #include <QTimer>
 #include <X11/Xlib.h>
 #include <X11/extensions/Xfixes.h>
@@ -63,11 +62,11 @@ void TrayHost::askWatcher() {
 }
 
 void TrayHost::followEmbeddingTray() {
-    connection_ = XConnection::open("");
-    if (!connection_) {
+    events_ = XEventSource::open("");
+    if (!events_) {
         return;
     }
-    Display* display = connection_->display();
+    Display* display = events_->display();
     const auto name = "_NET_SYSTEM_TRAY_S" + std::to_string(DefaultScreen(display));
     traySelection_ = XInternAtom(display, name.c_str(), /*only_if_exists=*/False);
     int firstEvent = 0;
@@ -79,35 +78,20 @@ void TrayHost::followEmbeddingTray() {
     patience_ = std::make_unique<QTimer>();
     patience_->setSingleShot(true);
     connect(patience_.get(), &QTimer::timeout, this, [this] { tell(); });
-    notifier_ = std::make_unique<QSocketNotifier>(ConnectionNumber(display), QSocketNotifier::Read);
-    connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { readEmbeddingTray(); });
-    readEmbeddingTray();
+    events_->start([this](const XEvent& /*event*/) { lookForEmbeddingTray(); });
+    lookForEmbeddingTray();
+    events_->readPending();
 }
 
-void TrayHost::readEmbeddingTray() {
-    Display* display = connection_->display();
-    bool isThere = false;
-    // Asked after each reading: an answer may bring events with it, which no longer wake the
-    // notifier.
-    do {
-        while (connection_->isAlive() && XPending(display) > 0) {
-            XEvent ignored{};
-            XNextEvent(display, &ignored);
-        }
-        isThere = connection_->isAlive() && XGetSelectionOwner(display, traySelection_) != None;
-    } while (connection_->isAlive() && XQLength(display) > 0);
-    if (!connection_->isAlive()) {
-        notifier_->setEnabled(false);
-    }
-    if (isThere && !patience_->isActive()) {
+void TrayHost::lookForEmbeddingTray() {
+    if (XGetSelectionOwner(events_->display(), traySelection_) != None && !patience_->isActive()) {
         patience_->start(patienceWithEmbedding);
     }
 }
 
 void TrayHost::tell() {
     patience_.reset();
-    notifier_.reset();
-    connection_.reset();
+    events_.reset();
     if (const auto onReady = std::exchange(onReady_, nullptr)) {
         QMetaObject::invokeMethod(this, onReady, Qt::QueuedConnection);
     }

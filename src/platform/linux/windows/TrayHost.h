@@ -8,12 +8,11 @@
 #include <functional>
 #include <memory>
 
-class QSocketNotifier;
 class QTimer;
 
 namespace orlune {
 
-class XConnection;
+class XEventSource;
 
 class TrayHost final : public QObject {
     Q_OBJECT
@@ -29,13 +28,12 @@ class TrayHost final : public QObject {
   private:
     void askWatcher();
     void followEmbeddingTray();
-    void readEmbeddingTray();
+    void lookForEmbeddingTray();
     void tell();
 
     std::function<void()> onReady_;
-    std::unique_ptr<XConnection> connection_;
+    std::unique_ptr<XEventSource> events_;
     unsigned long traySelection_ = 0;
-    std::unique_ptr<QSocketNotifier> notifier_;
     std::unique_ptr<QTimer> patience_;
 };
 

@@ -2,9 +2,8 @@
 
 #include "platform/linux/x11/QtConnection.h"
 #include "platform/linux/x11/WindowProperty.h"
-#include "platform/linux/x11/XConnection.h"
+#include "platform/linux/x11/XEventSource.h"
 
-#include <QSocketNotifier>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/Xfixes.h>
@@ -54,25 +53,24 @@ class X11WindowServer::Watch : public ObservableObject {
     Signal<void()> activeWindowDidChange;
 
   private:
-    void read();
+    void read(const XEvent& event);
     bool hasCompositor() const;
     Window activeWindow() const;
 
-    std::unique_ptr<XConnection> connection_;
+    std::unique_ptr<XEventSource> events_;
     Window root_ = None;
     Atom compositor_ = None;
     Atom active_ = None;
     Window lastActive_ = None;
     int fixesEvent_ = -1;
-    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 X11WindowServer::Watch::Watch(const std::string& displayName)
-    : connection_(XConnection::open(displayName)) {
-    if (!connection_) {
+    : events_(XEventSource::open(displayName)) {
+    if (!events_) {
         return;
     }
-    Display* display = connection_->display();
+    Display* display = events_->display();
     root_ = DefaultRootWindow(display);
     active_ = XInternAtom(display, activeWindowName, /*only_if_exists=*/False);
     compositor_ =
@@ -89,39 +87,28 @@ X11WindowServer::Watch::Watch(const std::string& displayName)
     // After the selection, so that no change is missed in between.
     isCompositing.set(hasCompositor());
     lastActive_ = activeWindow();
-    notifier_ = std::make_unique<QSocketNotifier>(ConnectionNumber(display), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
-                     [this] { read(); });
-    read(); // what came with the answers no longer wakes the notifier
+    events_->start([this](const XEvent& event) { read(event); });
 }
 
-void X11WindowServer::Watch::read() {
-    Display* display = connection_->display();
-    while (connection_->isAlive() && XPending(display) > 0) {
-        XEvent event{};
-        XNextEvent(display, &event);
-        if (event.type == fixesEvent_ + XFixesSelectionNotify) {
-            if (const bool isOn = hasCompositor(); isOn != isCompositing) {
-                isCompositing.set(isOn);
-            }
-        } else if (event.type == PropertyNotify && event.xproperty.atom == active_) {
-            const Window active = activeWindow();
-            if (std::exchange(lastActive_, active) != active && active != None) {
-                activeWindowDidChange();
-            }
+void X11WindowServer::Watch::read(const XEvent& event) {
+    if (event.type == fixesEvent_ + XFixesSelectionNotify) {
+        if (const bool isOn = hasCompositor(); isOn != isCompositing) {
+            isCompositing.set(isOn);
         }
-    }
-    if (!connection_->isAlive()) {
-        notifier_->setEnabled(false);
+    } else if (event.type == PropertyNotify && event.xproperty.atom == active_) {
+        const Window active = activeWindow();
+        if (std::exchange(lastActive_, active) != active && active != None) {
+            activeWindowDidChange();
+        }
     }
 }
 
 bool X11WindowServer::Watch::hasCompositor() const {
-    return XGetSelectionOwner(connection_->display(), compositor_) != None;
+    return XGetSelectionOwner(events_->display(), compositor_) != None;
 }
 
 Window X11WindowServer::Watch::activeWindow() const {
-    return propertyItem(connection_->display(), root_, activeWindowName, XA_WINDOW).value_or(None);
+    return propertyItem(events_->display(), root_, activeWindowName, XA_WINDOW).value_or(None);
 }
 
 X11WindowServer::X11WindowServer(std::string displayName) : displayName_(std::move(displayName)) {}
