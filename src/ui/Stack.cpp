@@ -40,28 +40,14 @@ void shareWidth(QWidget& container, bool isWanted) {
 }
 
 Qt::Alignment flags(Alignment alignment, bool isRow, const QWidget& part) {
+    const bool isLeading = alignment == Alignment::leading;
     if (isRow) {
-        switch (alignment) {
-        case Alignment::leading:
-            return Qt::AlignTop;
-        case Alignment::center:
-            return Qt::AlignVCenter;
-        case Alignment::trailing:
-            return Qt::AlignBottom;
-        }
+        return isLeading ? Qt::AlignTop : Qt::AlignVCenter;
     }
     if (takesWidth(part)) {
         return {};
     }
-    switch (alignment) {
-    case Alignment::leading:
-        return Qt::AlignLeft;
-    case Alignment::center:
-        return Qt::AlignHCenter;
-    case Alignment::trailing:
-        return Qt::AlignRight;
-    }
-    return {};
+    return isLeading ? Qt::AlignLeft : Qt::AlignHCenter;
 }
 
 /// Qt leaves out the spacing beside an item that calls itself empty.

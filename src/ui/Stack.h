@@ -11,7 +11,7 @@
 namespace orlune::ui {
 
 /// How the parts of a row stand vertically, those of a column horizontally.
-enum class Alignment { leading, center, trailing };
+enum class Alignment { leading, center };
 
 /// A part of a row or column: a widget, or room that takes whatever is left.
 class Part {

@@ -1,9 +1,7 @@
 #include "app/desktop/LinuxDesktop.h"
 
+#include "app/desktop/SessionInput.h"
 #include "platform/audio/SpeexAudioConverter.h"
-#include "platform/linux/keys/XInputKeyEvents.h"
-#include "platform/linux/paste/QtPasteboard.h"
-#include "platform/linux/paste/XTestKeyPoster.h"
 #include "platform/linux/pulse/PulseAudioEngine.h"
 #include "platform/linux/pulse/PulseCaptureAuthorization.h"
 #include "platform/linux/runtime/BackgroundThread.h"
@@ -17,12 +15,9 @@
 #include "platform/linux/windows/DesktopUrlOpener.h"
 #include "platform/linux/windows/QtScreens.h"
 #include "platform/linux/windows/X11WindowServer.h"
-#include "platform/linux/x11/X11Accessibility.h"
 #include "platform/linux/x11/X11Bell.h"
 #include "platform/network/BeastWebSocket.h"
 #include "platform/network/ProxySettings.h"
-
-#include <QGuiApplication>
 
 #include <chrono>
 #include <optional>
@@ -62,18 +57,15 @@ struct LinuxDesktop::Facilities {
     SteadyClock clock{background.context()};
     std::unique_ptr<FileUserDefaults> fileDefaults;
     std::unique_ptr<SecretServiceItems> keyring;
-    std::unique_ptr<X11Accessibility> x11Accessibility;
-    std::unique_ptr<QtPasteboard> clipboard;
-    std::unique_ptr<XInputKeyEvents> keyWatch; // before the poster, which tells it
-    std::unique_ptr<XTestKeyPoster> xtest;
+    std::optional<SessionInput> input;
     std::unique_ptr<ScreenLock> screenLock;
     std::unique_ptr<BeastWebSocketSession> webSockets;
-    std::unique_ptr<PulseCaptureAuthorization> microphone;
-    std::unique_ptr<DesktopDisplayOptions> desktopSettings;
-    std::unique_ptr<QtScreens> qtScreens;
-    std::unique_ptr<X11WindowServer> x11Windows;
-    std::unique_ptr<X11Bell> bell;
-    std::unique_ptr<DesktopUrlOpener> otherPrograms;
+    PulseCaptureAuthorization microphone;
+    std::optional<DesktopDisplayOptions> displayOptions;
+    QtScreens screens;
+    X11WindowServer windowServer;
+    X11Bell bell;
+    DesktopUrlOpener urlOpener;
     std::optional<Platform> platform;
 };
 
@@ -89,65 +81,35 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
                                 [&] { return std::make_unique<FileUserDefaults>(folder, log); });
     auto& secrets = replacedOr(replacements.secretItems, keyring,
                                [] { return std::make_unique<SecretServiceItems>(); });
-    auto& accessibility = replacedOr(replacements.accessibility, x11Accessibility, [&] {
-        return std::make_unique<X11Accessibility>(std::move(trustPrompt));
-    });
-    auto& pasteboard = replacedOr(replacements.pasteboard, clipboard,
-                                  [] { return std::make_unique<QtPasteboard>(); });
-    keyWatch = std::make_unique<XInputKeyEvents>(
-        XInputKeyEvents::Surroundings{
-            .functionKeyName = configuration.fnKey,
-            .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; }},
-        log);
-    auto& keyEventPosting = replacedOr(replacements.keyEventPosting, xtest, [&] {
-        XTestKeyPoster::Hooks hooks;
-        hooks.ownPrimarySelection = [this] {
-            return clipboard && clipboard->ownPrimarySelection();
-        };
-        hooks.willPost = [this] { keyWatch->willPost(); };
-        hooks.didPost = [this] { keyWatch->didPost(); };
-        hooks.onModifiersReleased = [this](const auto& keys) { keyWatch->countAsReleased(keys); };
-        return std::make_unique<XTestKeyPoster>(configuration.terminals, std::move(hooks));
-    });
+    input.emplace(configuration, std::move(trustPrompt), log);
     webSockets = std::make_unique<BeastWebSocketSession>(background.executor(),
                                                          ProxySettings::fromProcessEnvironment());
     if (!replacements.makeAudioEngine) {
         replacements.makeAudioEngine = [&log] { return std::make_unique<PulseAudioEngine>(&log); };
     }
-    auto& captureAuthorization = replacedOr(replacements.captureAuthorization, microphone, [] {
-        return std::make_unique<PulseCaptureAuthorization>();
-    });
-    auto& displayOptions = replacedOr(replacements.displayOptions, desktopSettings, [&] {
-        return std::make_unique<DesktopDisplayOptions>(configuration.reduceMotion);
-    });
-    auto& screens =
-        replacedOr(replacements.screens, qtScreens, [] { return std::make_unique<QtScreens>(); });
-    auto& windowServer = replacedOr(replacements.windowServer, x11Windows,
-                                    [] { return std::make_unique<X11WindowServer>(); });
-    auto& sound = replacedOr(replacements.sound, bell, [] { return std::make_unique<X11Bell>(); });
-    auto& urlOpener = replacedOr(replacements.urlOpener, otherPrograms,
-                                 [] { return std::make_unique<DesktopUrlOpener>(); });
+    displayOptions.emplace(configuration.reduceMotion);
     const auto& endpoint = replacements.speechEndpoint;
-    platform.emplace(Platform{*mainActor,
-                              background.executor(),
-                              clock,
-                              std::move(replacements.makeAudioEngine),
-                              SpeexAudioConverter::create,
-                              *webSockets,
-                              secrets,
-                              accessibility,
-                              pasteboard,
-                              keyEventPosting,
-                              *keyWatch,
-                              defaults,
-                              log,
-                              captureAuthorization,
-                              displayOptions,
-                              screens,
-                              windowServer,
-                              sound,
-                              urlOpener,
-                              endpoint.empty() ? configuration.endpoint : endpoint});
+    platform.emplace(Platform{
+        *mainActor,
+        background.executor(),
+        clock,
+        std::move(replacements.makeAudioEngine),
+        SpeexAudioConverter::create,
+        *webSockets,
+        secrets,
+        replacements.accessibility ? *replacements.accessibility : input->accessibility(),
+        replacements.pasteboard ? *replacements.pasteboard : input->pasteboard(),
+        replacements.keyEventPosting ? *replacements.keyEventPosting : input->keyEventPosting(),
+        input->keyEvents(),
+        defaults,
+        log,
+        microphone,
+        *displayOptions,
+        screens,
+        windowServer,
+        bell,
+        urlOpener,
+        endpoint.empty() ? configuration.endpoint : endpoint});
 }
 
 /// No work may run, on either thread, once the first facility is gone.
@@ -166,18 +128,14 @@ const Platform& LinuxDesktop::platform() const {
     return *facilities_->platform;
 }
 
-const PlatformConfiguration& LinuxDesktop::configuration() const {
-    return facilities_->configuration;
-}
-
 void LinuxDesktop::watchScreenLock(std::function<void()> onLock) {
-    auto& keyWatch = *facilities_->keyWatch;
+    auto& input = *facilities_->input;
     facilities_->screenLock =
-        std::make_unique<ScreenLock>([&keyWatch, onLock = std::move(onLock)](bool isLocked) {
+        std::make_unique<ScreenLock>([&input, onLock = std::move(onLock)](bool isLocked) {
             if (isLocked) {
                 onLock();
             }
-            keyWatch.setLocked(isLocked);
+            input.setLocked(isLocked);
         });
 }
 

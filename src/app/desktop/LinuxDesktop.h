@@ -1,6 +1,6 @@
-// The composition root's workshop: builds every real facility of a Linux desktop, bundles them and
-// takes them down in the right order. Created on the main thread after the application object;
-// whatever received the bundle ends before it. Facilities may be replaced before they are built.
+// Builds every real facility of a Linux desktop, bundles them, and takes them down in the right
+// order. Created on the main thread after the application object; whatever received the bundle ends
+// before it.
 #pragma once
 
 #include "platform/Platform.h"
@@ -15,8 +15,8 @@ namespace orlune {
 
 class LinuxDesktop {
   public:
-    /// What stands in the place of a real facility; a null or empty member means the real one. The
-    /// pointed-to objects outlive the desktop.
+    /// What a command that dictates once puts in the place of a real facility; a null or empty
+    /// member means the real one. The pointed-to objects outlive the desktop.
     struct Replacements {
         Accessibility* accessibility = nullptr;
         Pasteboard* pasteboard = nullptr;
@@ -25,12 +25,6 @@ class LinuxDesktop {
         UserDefaults* userDefaults = nullptr;
         Log* log = nullptr;
         AudioEngineFactory makeAudioEngine;
-        CaptureAuthorization* captureAuthorization = nullptr;
-        DisplayOptions* displayOptions = nullptr;
-        Screens* screens = nullptr;
-        WindowServer* windowServer = nullptr;
-        Sound* sound = nullptr;
-        UrlOpener* urlOpener = nullptr;
         std::string speechEndpoint;
     };
 
@@ -43,7 +37,6 @@ class LinuxDesktop {
     LinuxDesktop& operator=(const LinuxDesktop&) = delete;
 
     const Platform& platform() const;
-    const PlatformConfiguration& configuration() const;
 
     /// From now on no key is seen while the screen is locked. `onLock` is called on the main thread
     /// at each lock, before the keys that are down then are told to have come up: what was begun
