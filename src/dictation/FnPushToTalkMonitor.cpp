@@ -1,17 +1,14 @@
 #include "dictation/FnPushToTalkMonitor.h"
 
 #include "dictation/AppState.h"
+#include "platform/VirtualKey.h"
 #include "platform/concurrency/Task.h"
 
 #include <cstdint>
 
 namespace orlune {
 
-namespace {
-
-constexpr std::uint16_t escapeKey = 53;
-
-} // namespace
+namespace {} // namespace
 
 void toggleDictation(AppState& state) {
     using Case = AppState::Phase::Case;
@@ -124,7 +121,7 @@ void FnPushToTalkMonitor::handleKeyDown(const KeyEvent& event) {
         shortcutIsDown_ = false;
         return;
     }
-    if (event.keyCode == escapeKey) {
+    if (event.keyCode == virtual_key::escape) {
         state->cancelDictation();
         return;
     }
@@ -156,7 +153,7 @@ bool FnPushToTalkMonitor::consumes(const KeyEvent& event) const {
     if (!state || state->isCapturingShortcut()) {
         return false;
     }
-    return event.keyCode == escapeKey || state->shortcut().get().keyCode == event.keyCode;
+    return event.keyCode == virtual_key::escape || state->shortcut().get().keyCode == event.keyCode;
 }
 
 bool FnPushToTalkMonitor::matches(const KeyEvent& event, const AppState& state) {

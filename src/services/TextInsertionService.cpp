@@ -1,13 +1,13 @@
 #include "services/TextInsertionService.h"
 
-#include <cstdint>
+#include "platform/VirtualKey.h"
 
 namespace orlune {
 
 namespace {
 
-/// The V key, by its place on an ANSI keyboard; the platform finds it in the user's layout.
-constexpr std::uint16_t pasteKey = 9;
+/// By its place; the platform finds it in the user's layout.
+constexpr auto pasteKey = virtual_key::v;
 
 } // namespace
 

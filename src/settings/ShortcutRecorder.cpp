@@ -1,15 +1,12 @@
 #include "settings/ShortcutRecorder.h"
 
+#include "platform/VirtualKey.h"
+
 #include <utility>
 
 namespace orlune {
 
-namespace {
-
-constexpr std::uint16_t escapeKey = 53;
-constexpr std::uint16_t functionKey = 63;
-
-} // namespace
+namespace {} // namespace
 
 void ShortcutRecorder::begin() {
     isRecording_ = true;
@@ -30,7 +27,7 @@ ShortcutRecorder::Answer ShortcutRecorder::receive(const KeyEvent& event) {
     case Type::keyDown:
         return receiveKeyDown(event);
     case Type::flagsChanged:
-        return event.keyCode == functionKey
+        return event.keyCode == virtual_key::function
                    ? receiveFunctionKey(contains(event.modifierFlags, ModifierFlags::function))
                    : Answer::ignored;
     case Type::keyUp:
@@ -40,7 +37,7 @@ ShortcutRecorder::Answer ShortcutRecorder::receive(const KeyEvent& event) {
 }
 
 ShortcutRecorder::Answer ShortcutRecorder::receiveKeyDown(const KeyEvent& event) {
-    if (event.keyCode == escapeKey) {
+    if (event.keyCode == virtual_key::escape) {
         cancel();
         return Answer::cancelled;
     }

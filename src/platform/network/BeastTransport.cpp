@@ -1,5 +1,7 @@
 #include "platform/network/BeastTransport.h"
 
+#include "platform/Base64.h"
+
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -29,15 +31,6 @@ namespace {
 constexpr auto attemptLimit = std::chrono::seconds(3);
 /// A peer that acknowledges nothing for so long is gone; the system then fails the connection.
 constexpr unsigned acknowledgementLimitMilliseconds = 30'000;
-
-std::string base64(const std::string& text) {
-    std::string encoded((text.size() + 2) / 3 * 4 + 1, '\0'); // with the final NUL it writes
-    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(encoded.data()),
-                                       reinterpret_cast<const unsigned char*>(text.data()),
-                                       static_cast<int>(text.size()));
-    encoded.resize(static_cast<std::size_t>(length));
-    return encoded;
-}
 
 } // namespace
 
@@ -165,7 +158,8 @@ Awaitable<void> BeastTransport::tunnel(ProxyServer proxy) {
     request.target(address_.hostAndPort());
     request.set(http::field::host, address_.hostAndPort());
     if (!proxy.credentials.empty()) {
-        request.set(http::field::proxy_authorization, "Basic " + base64(proxy.credentials));
+        request.set(http::field::proxy_authorization,
+                    "Basic " + base64(std::as_bytes(std::span(proxy.credentials))));
     }
     error_code error;
     auto writing =

@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/KeyAccess.h"
 #include "platform/linux/x11/XEventSource.h"
+#include "platform/linux/x11/XHandles.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
@@ -19,10 +20,6 @@ struct DeviceInfoDeleter {
     void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
 };
 
-struct XDeleter {
-    void operator()(unsigned char* data) const { XFree(data); }
-};
-
 /// The server marks its own synthetic devices, whatever they are called.
 bool isSyntheticDevice(Display* display, int device) {
     const Atom mark = XInternAtom(display, "XTEST Device", /*only_if_exists=*/True);
@@ -36,7 +33,7 @@ bool isSyntheticDevice(Display* display, int device) {
     unsigned char* data = nullptr;
     const auto status = XIGetProperty(display, device, mark, 0, 1, /*delete_property=*/False,
                                       AnyPropertyType, &type, &format, &count, &rest, &data);
-    const std::unique_ptr<unsigned char, XDeleter> owner(data);
+    const XOwned<unsigned char> owner(data);
     return status == Success && format == 8 && count == 1 && data[0] != 0;
 }
 

@@ -1,15 +1,10 @@
 #include "platform/linux/keys/ShortcutEdges.h"
 
+#include "platform/VirtualKey.h"
+
 #include <utility>
 
 namespace orlune {
-
-namespace {
-
-constexpr std::uint16_t virtualEscape = 53;
-constexpr std::uint16_t virtualFunction = 63;
-
-} // namespace
 
 std::optional<KeyEvent> ShortcutEdges::setShortcut(const KeyCombination& shortcut) {
     auto released = release();
@@ -28,7 +23,7 @@ std::optional<KeyEvent> ShortcutEdges::release() {
 KeyEvent ShortcutEdges::event(bool isDown) const {
     if (!shortcut_.virtualKey) {
         return {.type = KeyEvent::Type::flagsChanged,
-                .keyCode = virtualFunction,
+                .keyCode = virtual_key::function,
                 .modifierFlags = isDown ? shortcut_.modifiers : ModifierFlags::none};
     }
     return {.type = isDown ? KeyEvent::Type::keyDown : KeyEvent::Type::keyUp,
@@ -38,7 +33,7 @@ KeyEvent ShortcutEdges::event(bool isDown) const {
 
 KeyEvent escapeEvent(bool isDown) {
     return {.type = isDown ? KeyEvent::Type::keyDown : KeyEvent::Type::keyUp,
-            .keyCode = virtualEscape,
+            .keyCode = virtual_key::escape,
             .modifierFlags = ModifierFlags::none};
 }
 

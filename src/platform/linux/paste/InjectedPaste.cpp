@@ -1,5 +1,7 @@
 #include "platform/linux/paste/InjectedPaste.h"
 
+#include "platform/VirtualKey.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,7 +11,6 @@ namespace {
 
 using KeyCode = KeyInjector::KeyCode;
 
-constexpr std::uint16_t virtualV = 9;
 constexpr KeyCode leftControl = 29;
 constexpr KeyCode leftShift = 42;
 constexpr KeyCode v = 47;
@@ -50,7 +51,7 @@ std::optional<EventSource> InjectedPaste::createSource(EventSourceState state) {
 std::optional<KeyboardEvent> InjectedPaste::createKeyboardEvent(const EventSource& /*source*/,
                                                                 std::uint16_t virtualKey,
                                                                 bool isKeyDown) {
-    if (virtualKey != virtualV) {
+    if (virtualKey != virtual_key::v) {
         return std::nullopt;
     }
     return KeyboardEvent{

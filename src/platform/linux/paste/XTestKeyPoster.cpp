@@ -1,8 +1,10 @@
 #include "platform/linux/paste/XTestKeyPoster.h"
 
+#include "platform/VirtualKey.h"
 #include "platform/linux/keys/VirtualKeyCodes.h"
 #include "platform/linux/paste/DelayedKeyReleases.h"
 #include "platform/linux/x11/FocusedWindow.h"
+#include "platform/linux/x11/ModifierSymbols.h"
 #include "platform/linux/x11/XConnection.h"
 
 #include <X11/Xlib.h>
@@ -21,28 +23,11 @@ namespace {
 
 using Keycode = XTestKeyPoster::Keycode;
 
-constexpr std::uint16_t virtualV = 9;
-constexpr std::uint16_t virtualInsert = 114;
-
 constexpr auto chordFlags = ModifierFlags::shift | ModifierFlags::control | ModifierFlags::option
                             | ModifierFlags::command | ModifierFlags::function;
 
-struct ModifierSymbols {
-    ModifierFlags flag;
-    KeySym left;
-    KeySym right;
-};
-
-constexpr ModifierSymbols shiftSymbols{ModifierFlags::shift, XK_Shift_L, XK_Shift_R};
-constexpr ModifierSymbols controlSymbols{ModifierFlags::control, XK_Control_L, XK_Control_R};
-constexpr std::array modifierSymbols = {
-    controlSymbols,
-    ModifierSymbols{ModifierFlags::option, XK_Alt_L, XK_Alt_R},
-    shiftSymbols,
-    ModifierSymbols{ModifierFlags::command, XK_Super_L, XK_Super_R},
-};
-
-std::optional<Keycode> modifierKey(const KeyboardLayout& layout, const ModifierSymbols& symbols) {
+std::optional<Keycode> modifierKey(const KeyboardLayout& layout, ModifierFlags flag) {
+    const auto& symbols = symbolsOf(flag);
     const auto left = layout.keycodeOf(symbols.left);
     return left ? left : layout.keycodeOf(symbols.right);
 }
@@ -109,7 +94,7 @@ void releaseHeld(Keystrokes& keys, const KeyboardLayout& layout, std::vector<Key
         keys.release(key);
     }
     // Control in between, or Alt and Super would have been tapped alone.
-    const auto control = modifierKey(layout, controlSymbols);
+    const auto control = modifierKey(layout, ModifierFlags::control);
     if (!menuKeys.empty() && control) {
         keys.press(*control);
     }
@@ -188,8 +173,8 @@ bool XTestKeyPoster::post(EventTapLocation, const KeyboardEvent& event) {
 
 std::optional<XTestKeyPoster::Chord>
 XTestKeyPoster::pasteChord(const KeyboardLayout& layout) const {
-    const auto control = modifierKey(layout, controlSymbols);
-    const auto shift = modifierKey(layout, shiftSymbols);
+    const auto control = modifierKey(layout, ModifierFlags::control);
+    const auto shift = modifierKey(layout, ModifierFlags::shift);
     const auto v = layout.keycodeOf(XK_v);
     const auto wanted = pasteKeys_.of(classOfFocusedWindow(connection_->display()));
     if (control && v && wanted == PasteKeys::Chord::controlV) {
@@ -199,7 +184,7 @@ XTestKeyPoster::pasteChord(const KeyboardLayout& layout) const {
         return Chord{.modifiers = {*control, *shift}, .key = *v};
     }
     const auto named = layout.keycodeOf(XK_Insert);
-    const auto insert = named ? named : keyInPlace(virtualInsert);
+    const auto insert = named ? named : keyInPlace(virtual_key::insert);
     if (!shift || !insert || (hooks_.ownPrimarySelection && !hooks_.ownPrimarySelection())) {
         return std::nullopt;
     }
@@ -214,7 +199,7 @@ XTestKeyPoster::plainChord(const KeyboardEvent& event, const KeyboardLayout& lay
     }
     Chord chord{.modifiers = {}, .key = *key};
     for (const auto& symbols : modifierSymbols) {
-        const auto modifier = modifierKey(layout, symbols);
+        const auto modifier = modifierKey(layout, symbols.flag);
         if (contains(event.flags, symbols.flag) && modifier && *modifier != *key) {
             chord.modifiers.push_back(*modifier);
         }
@@ -228,7 +213,7 @@ bool XTestKeyPoster::press(const KeyboardEvent& event) {
         return false;
     }
     const bool isPaste =
-        event.virtualKey == virtualV && (event.flags & chordFlags) == ModifierFlags::command;
+        event.virtualKey == virtual_key::v && (event.flags & chordFlags) == ModifierFlags::command;
     auto chord = isPaste ? pasteChord(*layout) : plainChord(event, *layout);
     if (!chord) {
         return false;

@@ -1,8 +1,9 @@
 #include "platform/linux/storage/DefaultsFormat.h"
 
+#include "platform/Base64.h"
+
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
-#include <openssl/evp.h>
 
 #include <algorithm>
 #include <cmath>
@@ -16,30 +17,6 @@ namespace json = boost::json;
 namespace {
 
 constexpr auto dataMember = "data";
-
-std::string base64(const UserDefaults::Data& data) {
-    std::string text((data.size() + 2) / 3 * 4 + 1, '\0');
-    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
-                                       reinterpret_cast<const unsigned char*>(data.data()),
-                                       static_cast<int>(data.size()));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
-}
-
-std::optional<UserDefaults::Data> dataFromBase64(std::string_view text) {
-    UserDefaults::Data data(text.size() / 4 * 3);
-    const int length = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(data.data()),
-                                       reinterpret_cast<const unsigned char*>(text.data()),
-                                       static_cast<int>(text.size()));
-    if (length < 0 || static_cast<std::size_t>(length) != data.size()) {
-        return std::nullopt;
-    }
-    // The decoder counts the padding as bytes.
-    const auto padding = text.ends_with("==") ? 2u : text.ends_with("=") ? 1u : 0u;
-    data.resize(data.size() - padding);
-    // It also skips blanks and ignores stray bits, which no encoder of ours writes.
-    return base64(data) == text ? std::optional(std::move(data)) : std::nullopt;
-}
 
 bool isUTF8(std::string_view text) {
     // What the parser would refuse must never be written.
@@ -87,7 +64,7 @@ std::optional<UserDefaults::Value> defaultsValue(const json::value& member) {
         if (!data || !data->is_string() || member.get_object().size() != 1) {
             return std::nullopt;
         }
-        return dataFromBase64(data->get_string());
+        return bytesFromBase64(data->get_string());
     }
     case json::kind::null:
     case json::kind::uint64:

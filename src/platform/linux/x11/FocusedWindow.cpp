@@ -1,6 +1,7 @@
 #include "platform/linux/x11/FocusedWindow.h"
 
 #include "platform/linux/x11/WindowProperty.h"
+#include "platform/linux/x11/XHandles.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -12,13 +13,6 @@
 namespace orlune {
 
 namespace {
-
-struct XFreeDeleter {
-    void operator()(void* memory) const { XFree(memory); }
-};
-
-template <typename Value>
-using XOwned = std::unique_ptr<Value, XFreeDeleter>;
 
 std::optional<WindowClass> classOf(Display* display, Window window) {
     XClassHint hint{};

@@ -1,5 +1,8 @@
 #include "platform/linux/x11/KeyboardLayout.h"
 
+#include "platform/linux/x11/ModifierSymbols.h"
+#include "platform/linux/x11/XHandles.h"
+
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
@@ -12,42 +15,12 @@ namespace orlune {
 
 namespace {
 
-struct KeyboardDeleter {
-    void operator()(XkbDescPtr keyboard) const {
-        XkbFreeKeyboard(keyboard, /*which=*/0, /*freeDesc=*/True);
-    }
-};
-
 constexpr std::size_t keycodeCount = 256;
-
-/// Keys that modify by what they are, whatever the modifier map says: the usual AltGr is not in it.
-bool modifies(KeySym symbol) {
-    switch (symbol) {
-    case XK_Shift_L:
-    case XK_Shift_R:
-    case XK_Control_L:
-    case XK_Control_R:
-    case XK_Alt_L:
-    case XK_Alt_R:
-    case XK_Meta_L:
-    case XK_Meta_R:
-    case XK_Super_L:
-    case XK_Super_R:
-    case XK_Hyper_L:
-    case XK_Hyper_R:
-    case XK_ISO_Level3_Shift:
-    case XK_ISO_Level5_Shift:
-    case XK_Mode_switch:
-        return true;
-    default:
-        return false;
-    }
-}
 
 } // namespace
 
 std::optional<KeyboardLayout> KeyboardLayout::read(Display* display) {
-    const std::unique_ptr<XkbDescRec, KeyboardDeleter> keyboard(
+    const XOwned<XkbDescRec> keyboard(
         XkbGetMap(display, XkbKeySymsMask | XkbModifierMapMask, XkbUseCoreKbd));
     XkbStateRec state{};
     if (!keyboard || !keyboard->map || !keyboard->map->modmap
@@ -68,7 +41,7 @@ std::optional<KeyboardLayout> KeyboardLayout::read(Display* display) {
         }
         layout.groupCount_ = std::max(layout.groupCount_, key.symbols.size());
         key.isModifier = (keyboard->map->modmap[keycode] & ~LockMask) != 0
-                         || modifies(layout.symbolIn(layout.activeGroup_, key));
+                         || modifierFlagOf(layout.symbolIn(layout.activeGroup_, key));
         key.isDown = (downBits[static_cast<std::size_t>(keycode) / 8] >> (keycode % 8)) & 1;
     }
     return layout;

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/WindowProperty.h"
 
+#include "platform/linux/x11/XHandles.h"
+
 #include <X11/Xlib.h>
 
 #include <memory>
@@ -19,7 +21,7 @@ std::optional<unsigned long> propertyItem(Display* display, Window window, const
     unsigned char* bytes = nullptr;
     const int status = XGetWindowProperty(display, window, property, 0, 1, /*delete=*/False,
                                           wantedType, &type, &format, &count, &rest, &bytes);
-    const std::unique_ptr<unsigned char, int (*)(void*)> owned(bytes, XFree);
+    const XOwned<unsigned char> owned(bytes);
     if (status != Success || format != 32 || count == 0) {
         return std::nullopt;
     }
