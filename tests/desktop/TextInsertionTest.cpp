@@ -62,27 +62,37 @@ void tap(XTestKeyPoster& poster, std::uint16_t virtualKey,
     }
 }
 
-/// A terminal in which `cat` writes a file.
+/// A terminal in which `cat` writes what arrives into a file, byte for byte.
 class Terminal final : public Target {
   public:
     explicit Terminal(const std::string& className = "XTerm")
         : file_(folder_.filePath("input").toStdString()),
           program_({"xterm", "-fa", "Monospace", "-class", className, "-name", className, "-e",
-                    "sh", "-c", "stty -echo eof ^[; exec cat > " + file_}) {
+                    "sh", "-c", "stty -echo -icanon -iexten; exec cat > " + file_}) {
         EXPECT_TRUE(waitUntil([&] {
             return std::filesystem::exists(file_) && desktop::focusedClass() == className;
         })) << "the terminal did not come up";
     }
 
     std::string finish(XTestKeyPoster& poster) override {
+        // The terminal asks for a pasted text, and keys would overtake the answer.
+        EXPECT_TRUE(!isPastedInto || waitUntil([this] { return !arrived().empty(); }));
         tap(poster, virtualReturn);
         tap(poster, virtualEscape);
-        program_.output();
+        EXPECT_TRUE(waitUntil([this] { return arrived().ends_with('\x1b'); })) << arrived();
+        auto text = arrived();
+        text.pop_back();
+        return text;
+    }
+
+    bool isPastedInto = true;
+
+  private:
+    std::string arrived() const {
         std::ifstream stream(file_);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-  private:
     QTemporaryDir folder_;
     std::string file_;
     Program program_;
@@ -303,6 +313,7 @@ TEST_F(TextInsertionDesktopTest, TheUsersPrimarySelectionIsTakenForTerminalsAlon
 
 TEST_F(TextInsertionDesktopTest, NothingIsPastedIntoATerminalWhoseSelectionSomebodyElseKeeps) {
     Terminal terminal;
+    terminal.isPastedInto = false;
     poster = std::make_unique<XTestKeyPoster>(
         std::vector<std::string>{},
         XTestKeyPoster::Hooks{.ownPrimarySelection = [] { return false; }});
