@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <utility>
 #include <xcb/xcb.h>
 
 namespace orlune {
@@ -43,26 +44,33 @@ bool offer(const QString& text, QClipboard::Mode mode) {
 
 } // namespace
 
-QtPasteboard::QtPasteboard() : clearing_(std::make_unique<QTimer>()) {
-    clearing_->setSingleShot(true);
-    clearing_->setInterval(0);
-    QObject::connect(clearing_.get(), &QTimer::timeout, clearing_.get(),
-                     [] { QGuiApplication::clipboard()->clear(); });
+QtPasteboard::QtPasteboard() : nextTurn_(std::make_unique<QTimer>()) {
+    nextTurn_->setSingleShot(true);
+    nextTurn_->setInterval(0);
+    QObject::connect(nextTurn_.get(), &QTimer::timeout, nextTurn_.get(), [this] {
+        if (refused_.isNull()) {
+            QGuiApplication::clipboard()->clear();
+        } else {
+            offer(std::exchange(refused_, {}), QClipboard::Clipboard);
+        }
+    });
 }
 
 QtPasteboard::~QtPasteboard() = default;
 
 void QtPasteboard::clearContents() {
-    clearing_->start();
+    refused_ = {};
+    nextTurn_->start();
 }
 
 bool QtPasteboard::setString(const std::string& text) {
-    clearing_->stop();
-    const auto offered = QString::fromStdString(text);
-    if (offer(offered, QClipboard::Clipboard)) {
+    nextTurn_->stop();
+    refused_ = QString::fromStdString(text);
+    if (offer(refused_, QClipboard::Clipboard)) {
+        refused_ = {};
         return true;
     }
-    QTimer::singleShot(0, clearing_.get(), [offered] { offer(offered, QClipboard::Clipboard); });
+    nextTurn_->start();
     return false;
 }
 

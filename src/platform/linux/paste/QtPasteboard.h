@@ -5,6 +5,8 @@
 
 #include "platform/Pasteboard.h"
 
+#include <QString>
+
 #include <memory>
 #include <string>
 
@@ -29,7 +31,8 @@ class QtPasteboard final : public Pasteboard {
     bool ownPrimarySelection();
 
   private:
-    std::unique_ptr<QTimer> clearing_;
+    std::unique_ptr<QTimer> nextTurn_;
+    QString refused_; ///< offered again in the next turn; null: the clipboard is cleared then
 };
 
 } // namespace orlune
