@@ -1,10 +1,10 @@
 #include "platform/linux/session/PortalSettings.h"
 
+#include "platform/linux/session/BusCall.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QMap>
 
@@ -48,12 +48,8 @@ void PortalSettings::ask() {
     auto call = QDBusMessage::createMethodCall(portal, portalPath, settingsInterface,
                                                QStringLiteral("ReadAll"));
     call << groups_;
-    auto* watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const auto reply = watcher->reply();
-        watcher->deleteLater();
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}") {
+    callBus(QDBusConnection::sessionBus(), call, this, [this](const QDBusMessage& reply) {
+        if (reply.signature() != "a{sa{sv}}") {
             return;
         }
         QMap<QString, QVariantMap> values;

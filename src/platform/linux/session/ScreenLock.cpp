@@ -1,13 +1,11 @@
 #include "platform/linux/session/ScreenLock.h"
 
-#include <QDBusArgument>
+#include "platform/linux/session/BusCall.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 
 #include <utility>
 
@@ -30,8 +28,10 @@ const QString screenSaver = QStringLiteral("org.freedesktop.ScreenSaver");
 ScreenLock::ScreenLock(OnChange onChange) : onChange_(std::move(onChange)) {
     followScreenSaver();
     // Signals come from the session's own path alone, so its name is asked for first.
-    askProperty(ownSessionPath, QStringLiteral("Id"),
-                [this](const QVariant& id) { followSession(id.toString()); });
+    // Without an answer nothing happens: there is no logind, or none of its sessions is ours.
+    readProperty(QDBusConnection::systemBus(),
+                 {logind, ownSessionPath, sessionInterface, QStringLiteral("Id")}, this,
+                 [this](const QVariant& id) { followSession(id.toString()); });
 }
 
 ScreenLock::~ScreenLock() = default;
@@ -61,37 +61,20 @@ void ScreenLock::followSession(const QString& id) {
     auto call = QDBusMessage::createMethodCall(logind, logindManagerPath, managerInterface,
                                                QStringLiteral("GetSession"));
     call << id;
-    ask(call, [this](const QVariant& session) {
-        const auto path = session.value<QDBusObjectPath>().path();
-        QDBusConnection::systemBus().connect(logind, path, propertiesInterface,
-                                             QStringLiteral("PropertiesChanged"), this,
-                                             SLOT(onProperties(QString, QVariantMap, QStringList)));
-        askProperty(path, lockedHint, [this](const QVariant& isLocked) {
-            update(isLocked.toBool(), isScreenSaverActive_);
-        });
+    callBus(QDBusConnection::systemBus(), call, this, [this](const QDBusMessage& reply) {
+        if (!reply.arguments().isEmpty()) {
+            followLock(reply.arguments().constFirst().value<QDBusObjectPath>().path());
+        }
     });
 }
 
-void ScreenLock::askProperty(const QString& path, const QString& name, OnValue onValue) {
-    auto call =
-        QDBusMessage::createMethodCall(logind, path, propertiesInterface, QStringLiteral("Get"));
-    call << sessionInterface << name;
-    ask(call, [onValue = std::move(onValue)](const QVariant& value) {
-        onValue(value.value<QDBusVariant>().variant());
-    });
-}
-
-/// Without an answer nothing happens: there is no logind, or none of its sessions is ours.
-void ScreenLock::ask(const QDBusMessage& call, OnValue onValue) {
-    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [watcher, onValue = std::move(onValue)] {
-                const auto reply = watcher->reply();
-                watcher->deleteLater();
-                if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()) {
-                    onValue(reply.arguments().constFirst());
-                }
-            });
+void ScreenLock::followLock(const QString& path) {
+    auto bus = QDBusConnection::systemBus();
+    bus.connect(logind, path, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
+                SLOT(onProperties(QString, QVariantMap, QStringList)));
+    readProperty(
+        bus, {logind, path, sessionInterface, lockedHint}, this,
+        [this](const QVariant& isLocked) { update(isLocked.toBool(), isScreenSaverActive_); });
 }
 
 void ScreenLock::update(bool isSessionLocked, bool isScreenSaverActive) {

@@ -10,8 +10,6 @@
 
 #include <functional>
 
-class QDBusMessage;
-
 namespace orlune {
 
 class ScreenLock final : public QObject {
@@ -30,12 +28,9 @@ class ScreenLock final : public QObject {
                       const QStringList& invalidated);
 
   private:
-    using OnValue = std::function<void(const QVariant&)>;
-
     void followScreenSaver();
     void followSession(const QString& id);
-    void askProperty(const QString& path, const QString& name, OnValue onValue);
-    void ask(const QDBusMessage& call, OnValue onValue);
+    void followLock(const QString& path);
     void update(bool isSessionLocked, bool isScreenSaverActive);
 
     OnChange onChange_;

@@ -1,12 +1,10 @@
 #include "platform/linux/windows/TrayHost.h"
 
+#include "platform/linux/session/BusCall.h"
 #include "platform/linux/x11/XEventSource.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QTimer>
 #include <X11/Xlib.h>
 #include <X11/extensions/Xfixes.h>
@@ -45,20 +43,14 @@ void TrayHost::onHostRegistered() {
 }
 
 void TrayHost::askWatcher() {
-    auto call = QDBusMessage::createMethodCall(watcherName, watcherPath,
-                                               QStringLiteral("org.freedesktop.DBus.Properties"),
-                                               QStringLiteral("Get"));
-    call << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
-    call.setAutoStartService(false);
-    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        const auto reply = answer->reply();
-        answer->deleteLater();
-        if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty()
-            && reply.arguments().constFirst().value<QDBusVariant>().variant().toBool()) {
-            tell();
-        }
-    });
+    readProperty(
+        QDBusConnection::sessionBus(),
+        {watcherName, watcherPath, watcherName, QStringLiteral("IsStatusNotifierHostRegistered")},
+        this, [this](const QVariant& isRegistered) {
+            if (isRegistered.toBool()) {
+                tell();
+            }
+        });
 }
 
 void TrayHost::followEmbeddingTray() {

@@ -1,0 +1,29 @@
+// Questions over D-Bus that nobody waits for. On the thread of `receiver`, with Qt's loop running;
+// answers arrive there, in a later turn, and only while `receiver` lives. Errors are no answers.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+#include <functional>
+
+namespace orlune {
+
+void callBus(const QDBusConnection& bus, const QDBusMessage& call, QObject* receiver,
+             std::function<void(const QDBusMessage& reply)> onReply);
+
+struct BusProperty {
+    QString service;
+    QString path;
+    QString interface;
+    QString name;
+};
+
+/// Starts no program to answer.
+void readProperty(const QDBusConnection& bus, const BusProperty& property, QObject* receiver,
+                  std::function<void(const QVariant& value)> onValue);
+
+} // namespace orlune
