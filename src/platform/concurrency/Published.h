@@ -1,22 +1,14 @@
 // A property that announces each change before it is stored, to its own observers and to those of
-// the object it belongs to. Used on the main actor alone. Subscribing returns a handle; dropping
+// the object it belongs to. Used on the main actor only. Subscribing returns a handle; dropping
 // the handle ends the delivery.
 #pragma once
 
-#include <boost/signals2/dummy_mutex.hpp>
-#include <boost/signals2/signal.hpp>
-#include <boost/signals2/signal_type.hpp>
+#include "platform/concurrency/Signal.h"
 
 #include <functional>
 #include <utility>
 
 namespace orlune {
-
-template <typename Signature>
-using Signal = typename boost::signals2::signal_type<
-    Signature, boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>>::type;
-
-using Subscription = boost::signals2::scoped_connection;
 
 /// The base of an object with published properties; observers of the whole object hear every
 /// change.

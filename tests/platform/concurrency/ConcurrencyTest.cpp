@@ -255,5 +255,32 @@ TEST(PublishedTest, announcesBeforeItStoresAndStopsWithTheSubscription) {
     EXPECT_EQ(model.number.get(), 3);
 }
 
+TEST(SignalTest, observersMayComeAndGoWhileTheyAreCalled) {
+    auto signal = std::make_unique<Signal<void(int)>>();
+    std::string calls;
+    Subscription added;
+    Subscription own;
+    Subscription last;
+    const auto first = signal->connect([&](int number) { calls += "a" + std::to_string(number); });
+    own = signal->connect([&](int number) {
+        calls += 'b';
+        own.disconnect();
+        last.disconnect();
+        added = signal->connect([&](int /*number*/) { calls += 'd'; });
+        if (number == 1) {
+            (*signal)(2);
+        }
+    });
+    last = signal->connect([&](int /*number*/) { calls += 'c'; });
+    (*signal)(1);
+    EXPECT_EQ(calls, "a1ba2d");
+    (*signal)(3);
+    EXPECT_EQ(calls, "a1ba2da3d");
+    // A handle may outlive its signal, and an observer may end it.
+    const auto end = signal->connect([&](int /*number*/) { signal.reset(); });
+    (*signal)(4);
+    EXPECT_EQ(calls, "a1ba2da3da4d");
+}
+
 } // namespace
 } // namespace orlune
