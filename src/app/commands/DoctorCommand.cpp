@@ -9,9 +9,14 @@
 #include "app/doctor/SoundCheck.h"
 #include "platform/linux/secrets/SecretServiceItems.h"
 #include "platform/linux/session/SessionBus.h"
+#include "platform/linux/shortcuts/SwayBindings.h"
 
+#include <QCoreApplication>
+
+#include <array>
 #include <chrono>
 #include <cstdio>
+#include <string>
 
 namespace orlune {
 
@@ -32,6 +37,8 @@ Findings examine() {
     DesktopFacts desktop;
     desktop.environment = environment;
     desktop.functionKeyName = configuration.fnKey;
+    desktop.wayland = WaylandFacts::read();
+    desktop.hasSway = SwayBindings::isThere(swaySocket());
     desktop.display = DisplayFacts::read({}, configuration.fnKey);
     desktop.hasTrayHost =
         bus && bus->flag(trayWatcher, "IsStatusNotifierHostRegistered").value_or(false);
@@ -52,6 +59,10 @@ Findings examine() {
 } // namespace
 
 int runDoctorCommand(const DoctorOptions& options) {
+    std::string name = "orlune";
+    std::array arguments{name.data()};
+    int count = 1;
+    const QCoreApplication application(count, arguments.data()); // for the loop of its thread
     const auto findings = examine();
     const auto report = options.isJson ? reportJson(findings) : reportText(findings);
     std::fputs(report.c_str(), stdout);

@@ -1,8 +1,14 @@
 #include "app/desktop/SessionInput.h"
 
 #include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/paste/ConsentAccessibility.h"
+#include "platform/linux/paste/InjectedPaste.h"
 #include "platform/linux/paste/QtPasteboard.h"
 #include "platform/linux/paste/XTestKeyPoster.h"
+#include "platform/linux/shortcuts/SwayBindings.h"
+#include "platform/linux/wayland/DataControlPasteboard.h"
+#include "platform/linux/wayland/VirtualKeyboard.h"
+#include "platform/linux/wayland/WaylandConnection.h"
 #include "platform/linux/x11/X11Accessibility.h"
 
 #include <QGuiApplication>
@@ -13,29 +19,100 @@ namespace orlune {
 
 /// In the order of their making; the last made ends first.
 struct SessionInput::Parts {
-    std::unique_ptr<Accessibility> accessibility;
+    std::unique_ptr<WaylandConnection> wayland;
+    std::unique_ptr<SwayBindings> sway;
+    std::unique_ptr<KeyInjector> injector;
+    std::unique_ptr<DataControlPasteboard> dataControl;
     std::unique_ptr<QtPasteboard> clipboard;
+    std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<XInputKeyEvents> keys; // before what posts, which reports to it
     std::unique_ptr<KeyEventPosting> posting;
+
+    void findWayland(const PlatformConfiguration& configuration);
+    void useXTest(const PlatformConfiguration& configuration, TrustPrompt trustPrompt);
+    void useInjector(const PlatformConfiguration& configuration, TrustPrompt trustPrompt);
+    bool ownPrimarySelection() const;
+    void log(const Logger& logger) const;
 };
+
+/// What a Wayland compositor offers. Only the offers count, not its name.
+void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration) {
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
+        return;
+    }
+    wayland = WaylandConnection::open();
+    if (wayland) {
+        injector = VirtualKeyboard::open(*wayland);
+        dataControl = DataControlPasteboard::open(*wayland);
+    }
+    sway = SwayBindings::open(swaySocket(), configuration.fnKey);
+}
+
+bool SessionInput::Parts::ownPrimarySelection() const {
+    return dataControl ? dataControl->ownsPrimarySelection() : clipboard->ownPrimarySelection();
+}
+
+void SessionInput::Parts::useXTest(const PlatformConfiguration& configuration,
+                                   TrustPrompt trustPrompt) {
+    accessibility = std::make_unique<X11Accessibility>(std::move(trustPrompt));
+    XTestKeyPoster::Hooks hooks;
+    hooks.ownPrimarySelection = [this] { return ownPrimarySelection(); };
+    hooks.willPost = [this] { keys->willPost(); };
+    hooks.didPost = [this] { keys->didPost(); };
+    hooks.onModifiersReleased = [this](const auto& released) { keys->countAsReleased(released); };
+    posting = std::make_unique<XTestKeyPoster>(configuration.terminals, std::move(hooks));
+}
+
+void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration,
+                                      TrustPrompt trustPrompt) {
+    accessibility =
+        std::make_unique<ConsentAccessibility>(sway.get(), *injector, std::move(trustPrompt));
+    const auto chord = configuration.pastesWithControlV ? InjectedPaste::Chord::controlV
+                                                        : InjectedPaste::Chord::shiftInsert;
+    posting = std::make_unique<InjectedPaste>(
+        *injector, InjectedPaste::Surroundings{
+                       .chord = chord,
+                       .ownPrimarySelection = [this] { return ownPrimarySelection(); },
+                       // A virtual keyboard has modifiers of its own; the user's do not join them.
+                       .isShortcutHeld = [] { return false; }});
+}
+
+void SessionInput::Parts::log(const Logger& logger) const {
+    logger.info("Keys of other programs by " + (sway ? sway->name() : "X") + ", pasted by "
+                + (injector ? injector->name() : "XTEST") + ", clipboard by "
+                + (dataControl ? "data control" : "X"));
+}
 
 SessionInput::SessionInput(const PlatformConfiguration& configuration, TrustPrompt trustPrompt,
                            Log& log)
     : parts_(std::make_unique<Parts>()) {
     auto& parts = *parts_;
-    parts.accessibility = std::make_unique<X11Accessibility>(std::move(trustPrompt));
+    parts.findWayland(configuration);
     parts.clipboard = std::make_unique<QtPasteboard>();
+    if (parts.injector) {
+        parts.useInjector(configuration, std::move(trustPrompt));
+    } else {
+        parts.useXTest(configuration, std::move(trustPrompt));
+    }
+    auto* const consent = dynamic_cast<ConsentAccessibility*>(parts.accessibility.get());
     parts.keys = std::make_unique<XInputKeyEvents>(
         XInputKeyEvents::Surroundings{
             .functionKeyName = configuration.fnKey,
-            .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; }},
+            .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; },
+            .source = parts.sway.get(),
+            .onSourceChange =
+                [consent, &parts, logger = Logger(log, "Session")] {
+                    const auto reason = parts.sway->reasonForUnavailability();
+                    logger.info(reason.empty() ? "The shortcut is bound"
+                                               : "The shortcut isn't bound: " + reason);
+                    if (consent) {
+                        consent->sourceChanged();
+                    }
+                }},
         log);
-    XTestKeyPoster::Hooks hooks;
-    hooks.ownPrimarySelection = [&parts] { return parts.clipboard->ownPrimarySelection(); };
-    hooks.willPost = [&parts] { parts.keys->willPost(); };
-    hooks.didPost = [&parts] { parts.keys->didPost(); };
-    hooks.onModifiersReleased = [&parts](const auto& keys) { parts.keys->countAsReleased(keys); };
-    parts.posting = std::make_unique<XTestKeyPoster>(configuration.terminals, std::move(hooks));
+    if (parts.wayland) {
+        parts.log(Logger(log, "Session"));
+    }
 }
 
 SessionInput::~SessionInput() = default;
@@ -49,6 +126,9 @@ KeyEventPosting& SessionInput::keyEventPosting() {
 }
 
 Pasteboard& SessionInput::pasteboard() {
+    if (parts_->dataControl) {
+        return *parts_->dataControl;
+    }
     return *parts_->clipboard;
 }
 

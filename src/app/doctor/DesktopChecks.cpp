@@ -18,7 +18,7 @@ std::string variable(const Environment& environment, std::string_view name) {
 }
 
 bool isWayland(const DesktopFacts& facts) {
-    return (facts.display && facts.display->isXwayland)
+    return facts.wayland || (facts.display && facts.display->isXwayland)
            || !variable(facts.environment, "WAYLAND_DISPLAY").empty();
 }
 
@@ -45,6 +45,10 @@ Finding keyObservation(const DesktopFacts& facts) {
     if (const auto& reason = facts.display->whyKeysAreNotSeen; !reason.empty()) {
         return {name, State::fail, "keys of other programs cannot be seen", reason};
     }
+    if (facts.hasSway) {
+        return {name, State::ok,
+                "in every program, by bindings of sway; Fn is \"" + facts.functionKeyName + "\""};
+    }
     if (isWayland(facts)) {
         return {name, State::warning, "only while an X11 window has the keyboard",
                 "Bind a shortcut of your desktop to \"orlune toggle\", which works everywhere, or "
@@ -64,6 +68,9 @@ Finding keyPosting(const DesktopFacts& facts) {
     if (!facts.display) {
         return {name, State::fail, noDisplay, "Start it inside a graphical session."};
     }
+    if (facts.wayland && facts.wayland->hasVirtualKeyboard) {
+        return {name, State::ok, "into every program, by a virtual keyboard"};
+    }
     if (const auto& reason = facts.display->whyKeysAreNotPosted; !reason.empty()) {
         return {name, State::fail, "keys cannot be pressed in other programs", reason};
     }
@@ -79,6 +86,9 @@ Finding clipboard(const DesktopFacts& facts) {
     constexpr auto name = "clipboard";
     if (!facts.display) {
         return {name, State::fail, noDisplay, "Start it inside a graphical session."};
+    }
+    if (facts.wayland && facts.wayland->hasDataControl) {
+        return {name, State::ok, "by data control: the text is there for as long as Orlune runs"};
     }
     return {name, State::ok,
             facts.display->hasClipboardManager

@@ -3,6 +3,7 @@
 
 #include "app/doctor/Finding.h"
 #include "platform/linux/storage/ConfigurationFolder.h"
+#include "platform/linux/wayland/WaylandFacts.h"
 #include "platform/linux/x11/DisplayFacts.h"
 
 #include <optional>
@@ -13,6 +14,8 @@ struct DesktopFacts {
     Environment environment;
     std::string functionKeyName;
     std::optional<DisplayFacts> display; ///< none when no X server answers
+    std::optional<WaylandFacts> wayland; ///< none when no compositor answers
+    bool hasSway = false;                ///< its socket answers
     bool hasTrayHost = false;            ///< of the kind that is found over D-Bus
 };
 

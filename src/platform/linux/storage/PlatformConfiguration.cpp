@@ -109,6 +109,14 @@ std::optional<std::string> readSwitch(std::string_view text, std::optional<bool>
     return std::nullopt;
 }
 
+std::optional<std::string> readPasteKeys(std::string_view text, bool& isControlV) {
+    if (text != "shift-insert" && text != "control-v") {
+        return "is neither shift-insert nor control-v";
+    }
+    isControlV = text == "control-v";
+    return std::nullopt;
+}
+
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
     const auto last = text.find_last_not_of(" \t");
@@ -137,12 +145,14 @@ class Reader {
                 configuration_.reduceMotion = member.get_bool();
             } else if (key == "reduceMotion") {
                 report(name, "is neither true nor false");
-            } else if (key != "endpoint" && key != "fnKey") {
+            } else if (key != "endpoint" && key != "fnKey" && key != "pasteKeys") {
                 report(name, "is not known");
             } else if (!member.is_string()) {
                 report(name, "is not text");
             } else if (key == "endpoint") {
                 report(name, readEndpoint(member.get_string(), configuration_.endpoint));
+            } else if (key == "pasteKeys") {
+                report(name, readPasteKeys(member.get_string(), configuration_.pastesWithControlV));
             } else {
                 report(name, readKey(member.get_string(), configuration_.fnKey));
             }
@@ -158,6 +168,9 @@ class Reader {
         }
         if (const auto* text = variable(environment, "ORLUNE_REDUCE_MOTION")) {
             report("ORLUNE_REDUCE_MOTION", readSwitch(*text, configuration_.reduceMotion));
+        }
+        if (const auto* text = variable(environment, "ORLUNE_PASTE_KEYS")) {
+            report("ORLUNE_PASTE_KEYS", readPasteKeys(*text, configuration_.pastesWithControlV));
         }
         if (const auto* text = variable(environment, "ORLUNE_TERMINALS")) {
             configuration_.terminals.clear();

@@ -2,7 +2,7 @@
 // each entry overridden by an environment variable. Read once at start. A bad value is ignored and
 // reported as a text for the log; nothing here fails.
 //   {"endpoint": "wss://host:port", "fnKey": "Control_R", "terminals": ["window class", …],
-//    "reduceMotion": true}
+//    "reduceMotion": true, "pasteKeys": "control-v"}
 #pragma once
 
 #include "platform/linux/storage/ConfigurationFolder.h"
@@ -30,6 +30,9 @@ struct PlatformConfiguration {
     /// Whether movement is left out; what the desktop's own settings say where this says nothing.
     /// ORLUNE_REDUCE_MOTION, 1 or 0.
     std::optional<bool> reduceMotion;
+    /// Wayland sessions only: Control-V pastes, "control-v", for users whose programs do not paste
+    /// with Shift-Insert, "shift-insert". ORLUNE_PASTE_KEYS.
+    bool pastesWithControlV = false;
 
     /// What was ignored and why, in order.
     std::vector<std::string> problems;

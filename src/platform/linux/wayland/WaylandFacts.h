@@ -1,0 +1,17 @@
+// What the compositor of this session offers to a program without windows, for a report. Main
+// thread, with an application object.
+#pragma once
+
+#include <optional>
+
+namespace orlune {
+
+struct WaylandFacts {
+    bool hasVirtualKeyboard = false;
+    bool hasDataControl = false;
+
+    /// None when no compositor answers.
+    static std::optional<WaylandFacts> read();
+};
+
+} // namespace orlune
