@@ -61,7 +61,13 @@ TEST(DoctorTest, judgesDesktops) {
     facts.display->hasTray = true;
     facts.display->isXwayland = true;
     EXPECT_EQ(troubles(checkDesktop(facts)), "seeing the shortcut: warning; pasting: warning; ");
-    facts.display.reset();
+    facts.wayland.emplace();
+    facts.hasGlobalAccel = true;
+    facts.hasPortal = true;
+    EXPECT_EQ(troubles(checkDesktop(facts)), "pasting: warning; ") << "not allowed yet";
+    facts.isPastingAllowed = true;
+    EXPECT_EQ(troubles(checkDesktop(facts)), "");
+    facts = {};
     EXPECT_EQ(troubles(checkDesktop(facts)), "session: fail; seeing the shortcut: fail; pasting: "
                                              "fail; clipboard: fail; tray: warning; ");
 }

@@ -7,6 +7,7 @@
 #include "app/doctor/NetworkCheck.h"
 #include "app/doctor/Report.h"
 #include "app/doctor/SoundCheck.h"
+#include "platform/linux/portals/RemoteDesktopInjector.h"
 #include "platform/linux/secrets/SecretServiceItems.h"
 #include "platform/linux/session/SessionBus.h"
 #include "platform/linux/shortcuts/SwayBindings.h"
@@ -40,6 +41,19 @@ Findings examine() {
     desktop.wayland = WaylandFacts::read();
     desktop.hasSway = SwayBindings::isThere(swaySocket());
     desktop.display = DisplayFacts::read({}, configuration.fnKey);
+    const auto answers = [&bus](const char* name, const char* path) {
+        using Kind = SessionBus::Answer::Kind;
+        return bus
+               && bus->call({name, path, "org.freedesktop.DBus.Peer"}, "Ping").kind
+                      == Kind::answered;
+    };
+    const auto plasma = environment.find("KDE_SESSION_VERSION");
+    desktop.hasGlobalAccel = plasma != environment.end() && plasma->second == "5"
+                             && answers("org.kde.kglobalaccel", "/kglobalaccel");
+    desktop.hasPortal =
+        answers("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");
+    desktop.isPastingAllowed =
+        std::filesystem::exists(stateFolder(environment) / RemoteDesktopInjector::tokenFile);
     desktop.hasTrayHost =
         bus && bus->flag(trayWatcher, "IsStatusNotifierHostRegistered").value_or(false);
 

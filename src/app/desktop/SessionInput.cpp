@@ -5,12 +5,18 @@
 #include "platform/linux/paste/InjectedPaste.h"
 #include "platform/linux/paste/QtPasteboard.h"
 #include "platform/linux/paste/XTestKeyPoster.h"
+#include "platform/linux/portals/Portal.h"
+#include "platform/linux/portals/RemoteDesktopInjector.h"
+#include "platform/linux/portals/TokenStore.h"
+#include "platform/linux/shortcuts/KGlobalAccel.h"
 #include "platform/linux/shortcuts/SwayBindings.h"
+#include "platform/linux/storage/ConfigurationFolder.h"
 #include "platform/linux/wayland/DataControlPasteboard.h"
 #include "platform/linux/wayland/VirtualKeyboard.h"
 #include "platform/linux/wayland/WaylandConnection.h"
 #include "platform/linux/x11/X11Accessibility.h"
 
+#include <QDBusConnection>
 #include <QGuiApplication>
 
 #include <utility>
@@ -20,12 +26,16 @@ namespace orlune {
 /// In the order of their making; the last made ends first.
 struct SessionInput::Parts {
     std::unique_ptr<WaylandConnection> wayland;
-    std::unique_ptr<SwayBindings> sway;
+    std::unique_ptr<Portal> portal;
+    std::unique_ptr<TokenStore> tokens;
+    std::unique_ptr<ShortcutSource> source;
     std::unique_ptr<KeyInjector> injector;
+    /// Whether what the injector presses joins the modifiers that the user holds.
+    bool sharesModifiers = false;
     std::unique_ptr<DataControlPasteboard> dataControl;
     std::unique_ptr<QtPasteboard> clipboard;
     std::unique_ptr<Accessibility> accessibility;
-    std::unique_ptr<XInputKeyEvents> keys; // before what posts, which reports to it
+    std::unique_ptr<XInputKeyEvents> keys; // before what posts, which asks it and reports to it
     std::unique_ptr<KeyEventPosting> posting;
 
     void findWayland(const PlatformConfiguration& configuration);
@@ -35,7 +45,8 @@ struct SessionInput::Parts {
     void log(const Logger& logger) const;
 };
 
-/// What a Wayland compositor offers. Only the offers count, not its name.
+/// What a Wayland session offers: only its offers count, not its name. What needs no consent comes
+/// first.
 void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration) {
     if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
         return;
@@ -45,7 +56,18 @@ void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration
         injector = VirtualKeyboard::open(*wayland);
         dataControl = DataControlPasteboard::open(*wayland);
     }
-    sway = SwayBindings::open(swaySocket(), configuration.fnKey);
+    if (!injector && (portal = Portal::open())) {
+        tokens = std::make_unique<TokenStore>(stateFolder(processEnvironment()),
+                                              RemoteDesktopInjector::tokenFile);
+        injector = std::make_unique<RemoteDesktopInjector>(*portal, *tokens);
+        sharesModifiers = true;
+    }
+    source = SwayBindings::open(swaySocket(), configuration.fnKey);
+    // From version 6 on, Plasma shows X clients these keys, both edges of a modifier too, of which
+    // its service then reports only the second.
+    if (!source && qgetenv("KDE_SESSION_VERSION") == "5") {
+        source = KGlobalAccel::open(QDBusConnection::sessionBus(), configuration.fnKey);
+    }
 }
 
 bool SessionInput::Parts::ownPrimarySelection() const {
@@ -66,7 +88,7 @@ void SessionInput::Parts::useXTest(const PlatformConfiguration& configuration,
 void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration,
                                       TrustPrompt trustPrompt) {
     accessibility =
-        std::make_unique<ConsentAccessibility>(sway.get(), *injector, std::move(trustPrompt));
+        std::make_unique<ConsentAccessibility>(source.get(), *injector, std::move(trustPrompt));
     const auto chord = configuration.pastesWithControlV ? InjectedPaste::Chord::controlV
                                                         : InjectedPaste::Chord::shiftInsert;
     posting = std::make_unique<InjectedPaste>(
@@ -78,7 +100,7 @@ void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration
 }
 
 void SessionInput::Parts::log(const Logger& logger) const {
-    logger.info("Keys of other programs by " + (sway ? sway->name() : "X") + ", pasted by "
+    logger.info("Keys of other programs by " + (source ? source->name() : "X") + ", pasted by "
                 + (injector ? injector->name() : "XTEST") + ", clipboard by "
                 + (dataControl ? "data control" : "X"));
 }
@@ -99,10 +121,10 @@ SessionInput::SessionInput(const PlatformConfiguration& configuration, TrustProm
         XInputKeyEvents::Surroundings{
             .functionKeyName = configuration.fnKey,
             .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; },
-            .source = parts.sway.get(),
+            .source = parts.source.get(),
             .onSourceChange =
                 [consent, &parts, logger = Logger(log, "Session")] {
-                    const auto reason = parts.sway->reasonForUnavailability();
+                    const auto reason = parts.source->reasonForUnavailability();
                     logger.info(reason.empty() ? "The shortcut is bound"
                                                : "The shortcut isn't bound: " + reason);
                     if (consent) {
@@ -110,8 +132,15 @@ SessionInput::SessionInput(const PlatformConfiguration& configuration, TrustProm
                     }
                 }},
         log);
+    const Logger logger(log, "Session");
+    if (parts.injector) {
+        parts.injector->setOnChange([&injector = *parts.injector, logger] {
+            const auto reason = injector.reasonForUnavailability();
+            logger.info(reason.empty() ? "Keys can be posted" : "Keys can't be posted: " + reason);
+        });
+    }
     if (parts.wayland) {
-        parts.log(Logger(log, "Session"));
+        parts.log(logger);
     }
 }
 

@@ -49,6 +49,10 @@ Finding keyObservation(const DesktopFacts& facts) {
         return {name, State::ok,
                 "in every program, by bindings of sway; Fn is \"" + facts.functionKeyName + "\""};
     }
+    if (facts.hasGlobalAccel) {
+        return {name, State::ok,
+                "in every program, by KGlobalAccel; Fn is \"" + facts.functionKeyName + "\""};
+    }
     if (isWayland(facts)) {
         return {name, State::warning, "only while an X11 window has the keyboard",
                 "Bind a shortcut of your desktop to \"orlune toggle\", which works everywhere, or "
@@ -70,6 +74,13 @@ Finding keyPosting(const DesktopFacts& facts) {
     }
     if (facts.wayland && facts.wayland->hasVirtualKeyboard) {
         return {name, State::ok, "into every program, by a virtual keyboard"};
+    }
+    if (facts.wayland && facts.hasPortal) {
+        if (facts.isPastingAllowed) {
+            return {name, State::ok, "into every program, through the RemoteDesktop portal"};
+        }
+        return {name, State::warning, "not before you allow it",
+                "Open Accessibility in the settings of Orlune: the desktop asks once."};
     }
     if (const auto& reason = facts.display->whyKeysAreNotPosted; !reason.empty()) {
         return {name, State::fail, "keys cannot be pressed in other programs", reason};

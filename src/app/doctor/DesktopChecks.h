@@ -16,6 +16,9 @@ struct DesktopFacts {
     std::optional<DisplayFacts> display; ///< none when no X server answers
     std::optional<WaylandFacts> wayland; ///< none when no compositor answers
     bool hasSway = false;                ///< its socket answers
+    bool hasGlobalAccel = false;         ///< KGlobalAccel, where Plasma reports both edges by it
+    bool hasPortal = false;              ///< the desktop portal runs
+    bool isPastingAllowed = false;       ///< the user consented to it in the portal's dialog
     bool hasTrayHost = false;            ///< of the kind that is found over D-Bus
 };
 

@@ -1,5 +1,6 @@
 #include "platform/linux/keys/XInputKeyEvents.h"
 
+#include "platform/VirtualKey.h"
 #include "platform/linux/keys/KeyNames.h"
 #include "platform/linux/x11/KeyAccess.h"
 
@@ -178,6 +179,11 @@ void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
 
 /// The desktop may take the shortcut's keys from our own windows as well.
 void XInputKeyEvents::reportFromSource(const KeyEvent& event) {
+    if (event.keyCode != virtual_key::escape) {
+        isSourceKeyHeld_ = event.type == KeyEvent::Type::flagsChanged
+                               ? event.modifierFlags != ModifierFlags::none
+                               : event.type == KeyEvent::Type::keyDown;
+    }
     if (!isLocked_) {
         auto& monitors = surroundings_.ownWindowHasKeyboard() ? local_ : global_;
         monitors.offer(event);

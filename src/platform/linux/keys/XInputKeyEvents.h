@@ -61,6 +61,9 @@ class XInputKeyEvents final : public KeyEvents {
     /// The user still holds these keys, but every program was told that they came up.
     void countAsReleased(const std::vector<Keycode>& keys);
 
+    /// Whether the user holds keys, as far as they are seen.
+    bool areKeysHeld() const { return edges_.isAnyDown() || isSourceKeyHeld_; }
+
     /// While the screen is locked no key is told; locking lets go of all that is down.
     void setLocked(bool isLocked);
 
@@ -91,6 +94,7 @@ class XInputKeyEvents final : public KeyEvents {
     bool isFunctionKeyMissing_ = false;
     /// What was said about a key when it last went down and up in one of our windows.
     std::map<Keycode, Answers> answers_;
+    bool isSourceKeyHeld_ = false;
     bool isPosting_ = false;
     bool isLocked_ = false;
     /// A handler may post keys, which reads further events: they wait until it has returned.

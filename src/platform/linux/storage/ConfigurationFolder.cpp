@@ -8,6 +8,31 @@
 
 namespace orlune {
 
+namespace {
+
+/// The folder of ours below the one that the variable names, else below `fallback` in the home
+/// folder.
+std::filesystem::path folderBelow(const Environment& environment, std::string_view variable,
+                                  const std::filesystem::path& fallback) {
+    const auto absolute = [&environment](std::string_view name) -> std::filesystem::path {
+        const auto entry = environment.find(name);
+        const auto path = entry == environment.end() ? std::filesystem::path()
+                                                     : std::filesystem::path(entry->second);
+        return path.is_absolute() ? path : std::filesystem::path();
+    };
+    if (const auto folder = absolute(variable); !folder.empty()) {
+        return folder / bundleIdentifier;
+    }
+    auto home = absolute("HOME");
+    if (home.empty()) {
+        const auto* user = ::getpwuid(::getuid());
+        home = user && user->pw_dir ? user->pw_dir : "";
+    }
+    return home.is_absolute() ? home / fallback / bundleIdentifier : std::filesystem::path();
+}
+
+} // namespace
+
 Environment processEnvironment() {
     Environment environment;
     for (char** entry = environ; entry && *entry; ++entry) {
@@ -21,21 +46,11 @@ Environment processEnvironment() {
 }
 
 std::filesystem::path configurationFolder(const Environment& environment) {
-    const auto absolute = [&environment](std::string_view name) -> std::filesystem::path {
-        const auto entry = environment.find(name);
-        const auto path = entry == environment.end() ? std::filesystem::path()
-                                                     : std::filesystem::path(entry->second);
-        return path.is_absolute() ? path : std::filesystem::path();
-    };
-    if (const auto folder = absolute("XDG_CONFIG_HOME"); !folder.empty()) {
-        return folder / bundleIdentifier;
-    }
-    auto home = absolute("HOME");
-    if (home.empty()) {
-        const auto* user = ::getpwuid(::getuid());
-        home = user && user->pw_dir ? user->pw_dir : "";
-    }
-    return home.is_absolute() ? home / ".config" / bundleIdentifier : std::filesystem::path();
+    return folderBelow(environment, "XDG_CONFIG_HOME", ".config");
+}
+
+std::filesystem::path stateFolder(const Environment& environment) {
+    return folderBelow(environment, "XDG_STATE_HOME", ".local/state");
 }
 
 } // namespace orlune

@@ -17,5 +17,8 @@ Environment processEnvironment();
 /// XDG_CONFIG_HOME counts as unset, as the base directory rules say. Without HOME the home folder
 /// of the user database is taken. Empty when there is none at all.
 std::filesystem::path configurationFolder(const Environment& environment);
+/// The same below `$XDG_STATE_HOME`, else `~/.local/state`: for what the program remembers by
+/// itself.
+std::filesystem::path stateFolder(const Environment& environment);
 
 } // namespace orlune

@@ -1,0 +1,101 @@
+// The desktop portal of the session bus, on a connection of its own, so that the program can say
+// who it is before anything else. Main thread, with Qt's loop running; answers arrive there, in a
+// later turn. No call waits.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+class QDBusServiceWatcher;
+
+namespace orlune {
+
+/// How a request ended. `results` are empty unless it was granted.
+struct PortalResponse {
+    enum class Code {
+        granted = 0,
+        refused = 1, ///< by the user, in the portal's dialog
+        ended = 2,   ///< otherwise, by the portal
+        failed = 3,  ///< no answer in time, or the call itself failed
+    };
+    Code code = Code::failed;
+    QVariantMap results;
+};
+
+class Portal final : public QObject {
+    Q_OBJECT
+
+  public:
+    using OnResponse = std::function<void(const PortalResponse& response)>;
+
+    /// For requests that ask nobody. The back end may have to be started first.
+    static constexpr std::chrono::seconds answerLimit{10};
+
+    /// Null when there is no session bus, or nobody on it who is or could become the portal.
+    static std::unique_ptr<Portal> open(const QString& busAddress = {});
+    ~Portal() override;
+
+    /// Reads a number of an interface, such as "version"; none when the portal lacks the interface.
+    void readNumber(const QString& interface, const QString& property,
+                    std::function<void(std::optional<std::uint32_t>)> onNumber);
+
+    /// Calls a method that answers with a request. `arguments` come before the options, to which
+    /// the handle's token is added. Without a limit a dialog may stand for as long as it likes.
+    /// `onResponse` is called once, and not at all when `receiver` has gone.
+    void request(const QString& interface, const QString& method, QVariantList arguments,
+                 QVariantMap options, std::optional<std::chrono::milliseconds> limit,
+                 QObject* receiver, OnResponse onResponse);
+    /// Calls a method whose answer does not matter. Calls are carried out in order.
+    void send(const QString& interface, const QString& method, const QVariantList& arguments);
+
+    QDBusConnection& connection() { return connection_; }
+    /// A name that no other handle has had.
+    QString makeToken();
+
+  Q_SIGNALS:
+    /// The portal has ended; requests and sessions are gone with it.
+    void lost();
+    /// A new one has started.
+    void found();
+
+  private:
+    explicit Portal(QDBusConnection connection);
+    void registerApplication();
+
+    QDBusConnection connection_;
+    QDBusServiceWatcher* owner_;
+    int tokens_ = 0;
+};
+
+/// A session that a portal has opened. Closes it with its end.
+class PortalSession final : public QObject {
+    Q_OBJECT
+
+  public:
+    PortalSession(Portal& portal, QDBusObjectPath path, QObject* parent);
+    ~PortalSession() override;
+
+    const QDBusObjectPath& path() const { return path_; }
+
+  Q_SIGNALS:
+    /// The user or the desktop has closed it.
+    void closed();
+
+  private Q_SLOTS:
+    void onClosed(const QVariantMap& details);
+    void onClosed(); ///< as older portals report it
+
+  private:
+    Portal& portal_;
+    QDBusObjectPath path_;
+    bool isOpen_ = true;
+};
+
+} // namespace orlune

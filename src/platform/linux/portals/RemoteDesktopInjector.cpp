@@ -1,0 +1,204 @@
+#include "platform/linux/portals/RemoteDesktopInjector.h"
+
+#include <utility>
+
+namespace orlune {
+
+namespace {
+
+using Code = PortalResponse::Code;
+
+const QString interface = QStringLiteral("org.freedesktop.portal.RemoteDesktop");
+/// The first version that can remember a consent.
+constexpr std::uint32_t rememberingVersion = 2;
+constexpr std::uint32_t keyboard = 1;
+constexpr std::uint32_t untilRevoked = 2;
+/// Stored in the place of a token where the portal gives none.
+constexpr auto consented = "consented";
+
+constexpr auto notAnswered = "the desktop portal has not answered yet";
+constexpr auto notAllowed =
+    "Orlune needs your permission to paste. The desktop asks for it once, as "
+    "for a remote desktop: allow it to interact, and to be remembered.";
+constexpr auto refused = "you did not allow Orlune to paste";
+constexpr auto forgotten = "the desktop wants to be asked again whether Orlune may paste";
+
+} // namespace
+
+RemoteDesktopInjector::RemoteDesktopInjector(Portal& portal, TokenStore& tokens)
+    : portal_(portal), tokens_(tokens), reason_(notAnswered) {
+    connect(&portal_, &Portal::lost, this, [this] {
+        close();
+        version_ = 0;
+        reason_ = notAnswered;
+        changed();
+    });
+    connect(&portal_, &Portal::found, this, [this] { findOut(); });
+    findOut();
+}
+
+RemoteDesktopInjector::~RemoteDesktopInjector() = default;
+
+void RemoteDesktopInjector::findOut() {
+    portal_.readNumber(interface, QStringLiteral("version"), [this](auto version) {
+        if (isOpening_ || isOpen_) {
+            return; // asked twice: the first question started the portal
+        }
+        version_ = version.value_or(0);
+        if (version_ == 0) {
+            reason_ = "the portal of this desktop lets no program press keys";
+        } else {
+            const bool isRemembered =
+                remembers() && !tokens_.token().empty() && tokens_.token() != consented;
+            reason_ = isRemembered ? "" : notAllowed;
+        }
+        changed();
+        if (isWanted_ && reason_.empty()) {
+            open(Way::silently);
+        } else if (version_ != 0 && !remembers() && !tokens_.token().empty()) {
+            open(Way::asking);
+        }
+    });
+}
+
+bool RemoteDesktopInjector::remembers() const {
+    return version_ >= rememberingVersion;
+}
+
+void RemoteDesktopInjector::prepare() {
+    isWanted_ = true;
+    if (reason_.empty() && !isOpen_ && !isOpening_) {
+        open(Way::silently);
+    }
+}
+
+void RemoteDesktopInjector::rest() {
+    isWanted_ = false;
+    if (remembers() && way_ == Way::silently) {
+        close();
+    }
+}
+
+void RemoteDesktopInjector::requestAccess() {
+    if (version_ != 0 && !isOpening_ && !isOpen_) {
+        open(Way::asking);
+    }
+}
+
+std::string RemoteDesktopInjector::reasonForUnavailability() const {
+    return reason_;
+}
+
+void RemoteDesktopInjector::open(Way way) {
+    way_ = way;
+    isOpening_ = true;
+    attempt_ = std::make_unique<QObject>();
+    const QVariantMap options{{QStringLiteral("session_handle_token"), portal_.makeToken()}};
+    portal_.request(
+        interface, QStringLiteral("CreateSession"), {}, options, Portal::answerLimit,
+        attempt_.get(), [this](const PortalResponse& response) {
+            const auto path = response.results.value(QStringLiteral("session_handle")).toString();
+            if (response.code != Code::granted || path.isEmpty()) {
+                fail("the desktop portal opens no session");
+                return;
+            }
+            session_ = std::make_unique<PortalSession>(portal_, QDBusObjectPath(path), nullptr);
+            connect(session_.get(), &PortalSession::closed, this,
+                    [this] { fail(remembers() ? "" : "the permission to paste was withdrawn"); });
+            selectKeyboard();
+        });
+}
+
+/// The same options every time: with others some desktops ask again.
+void RemoteDesktopInjector::selectKeyboard() {
+    QVariantMap options{{QStringLiteral("types"), keyboard}};
+    if (remembers()) {
+        options.insert(QStringLiteral("persist_mode"), untilRevoked);
+        if (!tokens_.token().empty() && tokens_.token() != consented) {
+            options.insert(QStringLiteral("restore_token"),
+                           QString::fromStdString(tokens_.token()));
+        }
+    }
+    portal_.request(interface, QStringLiteral("SelectDevices"),
+                    {QVariant::fromValue(session_->path())}, options, Portal::answerLimit,
+                    attempt_.get(), [this](const PortalResponse& response) {
+                        if (response.code == Code::granted) {
+                            start();
+                        } else {
+                            fail("the desktop portal offers no keyboard");
+                        }
+                    });
+}
+
+void RemoteDesktopInjector::start() {
+    const auto limit = way_ == Way::silently ? std::optional<std::chrono::milliseconds>(silentLimit)
+                                             : std::nullopt;
+    portal_.request(interface, QStringLiteral("Start"),
+                    {QVariant::fromValue(session_->path()), QString()}, {}, limit, attempt_.get(),
+                    [this](const PortalResponse& response) { finish(response); });
+}
+
+void RemoteDesktopInjector::finish(const PortalResponse& response) {
+    if (response.code == Code::granted) {
+        isOpening_ = false;
+        isOpen_ = true;
+        reason_.clear();
+        const auto token = response.results.value(QStringLiteral("restore_token")).toString();
+        if (!remembers()) {
+            tokens_.set(consented);
+        } else if (!token.isEmpty()) {
+            tokens_.set(token.toStdString());
+        }
+        const bool wasAsked = std::exchange(way_, Way::silently) == Way::asking;
+        if (wasAsked && remembers() && !isWanted_) {
+            close(); // the consent is what was asked for
+        }
+        changed();
+        return;
+    }
+    if (way_ == Way::silently) {
+        tokens_.forget();
+        fail(forgotten);
+    } else {
+        fail(response.code == Code::refused ? refused : "the desktop portal gives no permission");
+    }
+}
+
+/// `reason` may be empty: nothing keeps the next session from being opened.
+void RemoteDesktopInjector::fail(std::string reason) {
+    close();
+    way_ = Way::silently;
+    reason_ = std::move(reason);
+    changed();
+}
+
+void RemoteDesktopInjector::close() {
+    isOpening_ = false;
+    isOpen_ = false;
+    // Both may be in the middle of a call to us.
+    if (attempt_) {
+        attempt_.release()->deleteLater();
+    }
+    if (session_) {
+        session_->disconnect(this);
+        session_.release()->deleteLater();
+    }
+}
+
+bool RemoteDesktopInjector::notify(KeyCode key, bool isDown) {
+    if (!isOpen_) {
+        return false;
+    }
+    portal_.send(interface, QStringLiteral("NotifyKeyboardKeycode"),
+                 {QVariant::fromValue(session_->path()), QVariantMap(), static_cast<int>(key),
+                  isDown ? 1U : 0U});
+    return true;
+}
+
+void RemoteDesktopInjector::changed() {
+    if (onChange_) {
+        onChange_();
+    }
+}
+
+} // namespace orlune
