@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -17,6 +18,23 @@ namespace json = boost::json;
 namespace {
 
 constexpr auto dataMember = "data";
+
+/// Exponents beyond a double's range give infinity, or for 0e400 no number. JSON has no words for
+/// them: written again, they would damage the file.
+void boundNumbers(json::value& value) {
+    if (auto* number = value.if_double(); number && !std::isfinite(*number)) {
+        *number =
+            std::isnan(*number) ? 0 : std::copysign(std::numeric_limits<double>::max(), *number);
+    } else if (auto* object = value.if_object()) {
+        for (auto& member : *object) {
+            boundNumbers(member.value());
+        }
+    } else if (auto* array = value.if_array()) {
+        for (auto& element : *array) {
+            boundNumbers(element);
+        }
+    }
+}
 
 bool isUTF8(std::string_view text) {
     // What the parser would refuse must never be written.
@@ -36,6 +54,7 @@ std::optional<json::object> parseDefaults(std::string_view text) {
     if (error || !document.is_object()) {
         return std::nullopt;
     }
+    boundNumbers(document);
     return std::move(document.get_object());
 }
 

@@ -18,7 +18,8 @@ namespace orlune {
 inline constexpr std::size_t largestDefaultsFileBytes = 1024 * 1024;
 
 /// The members of a settings file; none when the text is not one: not JSON, not an object, nested
-/// deeper than 32 levels, or larger than `largestDefaultsFileBytes`.
+/// deeper than 32 levels, or larger than `largestDefaultsFileBytes`. A number too large for a
+/// double becomes the largest one.
 std::optional<boost::json::object> parseDefaults(std::string_view text);
 /// The text of a settings file, with one member per line for people who read or compare it.
 std::string serializeDefaults(const boost::json::object& members);

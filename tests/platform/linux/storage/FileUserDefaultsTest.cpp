@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <sys/stat.h>
 
 namespace orlune {
@@ -95,6 +96,15 @@ TEST_F(FileUserDefaultsTest, KeepsWhatOthersWrote) {
     const boost::json::object expected = {
         {"later", {{"version", {1, nullptr}}}}, {"mode", "hold"}, {"enabled", true}};
     EXPECT_EQ(*members, expected);
+}
+
+TEST_F(FileUserDefaultsTest, NumbersBeyondARealNumberDoNotDamageTheFile) {
+    fs::create_directories(folder);
+    test::write(file, R"({"a": 1e400, "later": [{"b": -1e400}, 0e400], "mode": "hold"})");
+    open().set("enabled", true);
+    EXPECT_EQ(open().string("mode"), "hold");
+    EXPECT_EQ(open().object("a"), UserDefaults::Value(std::numeric_limits<double>::max()));
+    EXPECT_EQ(names().size(), 1U) << "nothing was set aside";
 }
 
 TEST_F(FileUserDefaultsTest, SetsADamagedFileAsideAndNeverOverwritesAnEarlierOne) {
