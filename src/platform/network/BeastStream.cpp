@@ -1,6 +1,7 @@
 // The two kinds of transport: Beast's WebSocket over a TCP socket, plain or under TLS.
 
 #include "platform/network/BeastTransport.h"
+#include "platform/network/PlainLine.h"
 #include "platform/network/RefusalText.h"
 
 #include <boost/asio/redirect_error.hpp>
@@ -42,7 +43,7 @@ std::string closeText(const websocket::close_reason& reason) {
     if (reason.code != websocket::close_code::none) {
         text += " (" + std::to_string(reason.code);
         if (!reason.reason.empty()) {
-            text += ": " + std::string(reason.reason.data(), reason.reason.size());
+            text += ": " + plainLine({reason.reason.data(), reason.reason.size()});
         }
         text += ")";
     }

@@ -1,5 +1,7 @@
 #include "platform/network/RefusalText.h"
 
+#include "platform/network/PlainLine.h"
+
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
 
@@ -11,32 +13,8 @@ namespace {
 
 using Headers = std::vector<WebSocketRequest::Header>;
 
-/// More than a line on the screen is not for a person.
-constexpr std::size_t lengthLimit = 200;
 /// A shorter piece of a header is no secret, and would be found in ordinary words.
 constexpr std::size_t shortestSecret = 4;
-
-bool isContinuationByte(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-/// One line of bounded length, without control characters.
-std::string tidied(std::string_view text) {
-    std::string line;
-    for (const char character : text.substr(0, lengthLimit)) {
-        const auto byte = static_cast<unsigned char>(character);
-        line.push_back(byte < 0x20 || byte == 0x7F ? ' ' : character);
-    }
-    if (text.size() > lengthLimit && isContinuationByte(text[lengthLimit])) {
-        while (!line.empty() && isContinuationByte(line.back())) {
-            line.pop_back();
-        }
-        if (!line.empty()) {
-            line.pop_back();
-        }
-    }
-    return line;
-}
 
 std::string withoutSecret(std::string text, std::string_view secret) {
     constexpr std::string_view mask = "…";
@@ -76,15 +54,15 @@ std::string refusalText(unsigned status, std::string_view reason, std::string_vi
                         std::string_view body, const Headers& secrets) {
     std::string text = "The connection was refused (HTTP " + std::to_string(status);
     if (!reason.empty()) {
-        text += " " + tidied(withoutSecrets(std::string(reason), secrets));
+        text += " " + plainLine(withoutSecrets(std::string(reason), secrets));
     }
     text += ")";
     const auto message = messageOf(body);
     if (!errorHeader.empty()) {
-        text += ": " + tidied(withoutSecrets(std::string(errorHeader), secrets));
+        text += ": " + plainLine(withoutSecrets(std::string(errorHeader), secrets));
     }
     if (!message.empty() && message != errorHeader) {
-        text += ": " + tidied(withoutSecrets(message, secrets));
+        text += ": " + plainLine(withoutSecrets(message, secrets));
     }
     return text;
 }

@@ -277,6 +277,9 @@ TEST_F(BeastWebSocketTest, aRefusalSaysWhyAndNeverRepeatsTheKey) {
         {"HTTP/1.1 302 Found\r\nLocation: ws://127.0.0.1/\r\nContent-Length: 0\r\n\r\n",
          "(HTTP 302 Found)"},
         {"HTTP/1.1 401 Unauthorized\r\n\r\n{\"err_msg\":5}", "(HTTP 401 Unauthorized)"},
+        {"HTTP/1.1 401 N\xF3\r\ndg-error: \xC2\x9B 2J\r\nContent-Length: 20\r\n\r\n"
+         R"({"err_msg":"\u001b"})",
+         "(HTTP 401 N\uFFFD):   2J:  "},
     };
     for (const auto& [answer, expected] : rows) {
         const Peer peer([bytes = std::string(answer)](tcp::socket& socket) {
