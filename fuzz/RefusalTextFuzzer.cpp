@@ -1,0 +1,53 @@
+// Any refusal gives one line of bounded length that does not repeat the key. The input is the
+// reason, the `dg-error` header and the key, separated by NUL, and the body.
+#include "fuzz/PlainText.h"
+#include "platform/network/RefusalText.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t lengthLimit = 1000;
+constexpr std::size_t shortestSecret = 4;
+
+void expect(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+/// A key is letters and digits; the text's own words are no leak of it.
+bool isKey(std::string_view text) {
+    const auto plain = orlune::refusalText(401, {}, {}, {}, {});
+    return text.size() >= shortestSecret && plain.find(text) == std::string::npos
+           && std::ranges::all_of(text, [](char byte) {
+                  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z')
+                         || (byte >= 'a' && byte <= 'z');
+              });
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string_view rest(reinterpret_cast<const char*>(data), size);
+    const auto next = [&rest] {
+        const auto end = std::min(rest.find('\0'), rest.size());
+        const auto part = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        return part;
+    };
+    const auto reason = next();
+    const auto errorHeader = next();
+    const std::string key(next());
+    const auto text =
+        orlune::refusalText(401, reason, errorHeader, rest, {{"Authorization", "Token " + key}});
+    expect(text.starts_with("The connection was refused (HTTP 401"));
+    expect(text.size() < lengthLimit && orlune::fuzz::isOneCleanLine(text));
+    expect(!isKey(key) || text.find(key) == std::string::npos);
+    return 0;
+}

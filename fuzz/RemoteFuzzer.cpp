@@ -1,0 +1,35 @@
+// Any text from the session bus names a request by its one name or none, and a status of any shape
+// is a line for a person or refused.
+#include "app/remote/RemoteRequest.h"
+#include "app/remote/Status.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void expect(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (const auto request = orlune::remoteRequestNamed(text)) {
+        expect(orlune::remoteRequestOfMethod(orlune::busMethod(*request)) == request);
+        expect(!orlune::remoteRequestOfMethod(text));
+    }
+    if (const auto request = orlune::remoteRequestOfMethod(text)) {
+        expect(orlune::busMethod(*request) == text);
+    }
+    if (const auto line = orlune::statusLine(text)) {
+        expect(line->find(": ") != std::string::npos);
+    }
+    return 0;
+}
