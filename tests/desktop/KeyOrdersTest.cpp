@@ -1,0 +1,364 @@
+// The shortcut monitor under random orders of keys of a real X server, against a model of what they
+// mean for a dictation. An order is a function of its seed; a failure prints both and the last
+// steps. Longer runs: ORLUNE_KEY_STEPS=10000 ORLUNE_KEY_SEED=7.
+#include "dictation/FnPushToTalkMonitor.h"
+#include "platform/linux/keys/XInputKeyEvents.h"
+#include "tests/desktop/Desktop.h"
+#include "tests/desktop/OtherClient.h"
+#include "tests/support/DictationHarness.h"
+
+#include <QCoreApplication>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <optional>
+#include <random>
+#include <set>
+
+namespace orlune {
+namespace {
+
+using namespace std::chrono_literals;
+using desktop::Keyboard;
+using Modifiers = DictationShortcut::Modifiers;
+namespace keycode = desktop::keycode;
+
+constexpr int defaultSteps = 3000;
+
+const std::map<Keyboard::Keycode, Modifiers> modifierKeys{{keycode::fn, Modifiers::function},
+                                                          {keycode::control, Modifiers::control},
+                                                          {keycode::shift, Modifiers::shift},
+                                                          {keycode::alt, Modifiers::option},
+                                                          {keycode::super, Modifiers::command}};
+const std::map<Keyboard::Keycode, std::uint16_t> otherKeys{
+    {keycode::space, 49}, {keycode::a, 0}, {keycode::escape, 53}};
+const std::vector<Keyboard::Keycode> allKeys{keycode::fn,    keycode::fn,     keycode::control,
+                                             keycode::shift, keycode::alt,    keycode::super,
+                                             keycode::space, keycode::escape, keycode::a};
+/// Touched only while a shortcut is recorded.
+constexpr auto recordedKey = keycode::k;
+
+const std::vector<DictationShortcut> shortcuts{
+    {},
+    {std::nullopt, {Modifiers::control, Modifiers::option}},
+    {49, {Modifiers::control}},
+    {0, {}}};
+
+/// The dictation and the shortcut as a person would describe them.
+class Model {
+  public:
+    std::string phase = "idle";
+    DictationShortcut shortcut;
+    bool isHoldToSpeak = false;
+    bool isLocked = false;
+
+    void press(Keyboard::Keycode key) {
+        if (isLocked) {
+            return;
+        }
+        const bool isRepeat = !held_.insert(key).second;
+        if (modifierKeys.contains(key)) {
+            if (!isRepeat) {
+                modifiersChanged();
+            }
+            return;
+        }
+        const auto code = otherKeys.at(key);
+        if (code == 53) {
+            cancel();
+        } else if (!isRepeat && shortcut.keyCode == code && modifiers() == shortcut.modifiers) {
+            hold(true);
+        }
+    }
+
+    void release(Keyboard::Keycode key) {
+        if (isLocked || held_.erase(key) == 0) {
+            return;
+        }
+        if (modifierKeys.contains(key)) {
+            modifiersChanged();
+        } else if (shortcut.keyCode == otherKeys.at(key)) {
+            hold(false); // whatever became of its modifiers
+        }
+    }
+
+    void lock() {
+        while (!held_.empty()) {
+            release(*held_.begin());
+        }
+        isLocked = true;
+        cancel();
+    }
+
+    void record(const DictationShortcut& chosen) {
+        isShortcutHeld_ = false;
+        shortcut = chosen;
+    }
+
+    void answer() {
+        if (phase == "processing") {
+            phase = "reviewing";
+        }
+    }
+
+    void wait() {
+        if (phase == "processing" || phase == "failure" || phase == "success") {
+            phase = "idle";
+        }
+    }
+
+  private:
+    Modifiers modifiers() const {
+        Modifiers now;
+        for (const auto key : held_) {
+            if (const auto found = modifierKeys.find(key); found != modifierKeys.end()) {
+                now = now.united(found->second);
+            }
+        }
+        return now;
+    }
+
+    void modifiersChanged() {
+        if (!shortcut.keyCode) {
+            hold(modifiers().contains(shortcut.modifiers));
+        }
+    }
+
+    void hold(bool isHeld) {
+        if (std::exchange(isShortcutHeld_, isHeld) == isHeld) {
+            return;
+        }
+        const bool isUnderWay = phase == "listening" || phase == "processing";
+        if (isHeld && phase == "reviewing") {
+            phase = "success";
+        } else if (isHeld && !isUnderWay) {
+            phase = "listening";
+        } else if (phase == "listening" && isHeld != isHoldToSpeak) {
+            phase = "processing";
+        }
+    }
+
+    void cancel() {
+        if (phase == "listening" || phase == "processing" || phase == "reviewing") {
+            phase = "failure";
+        }
+    }
+
+    std::set<Keyboard::Keycode> held_;
+    bool isShortcutHeld_ = false;
+};
+
+unsigned long setting(const char* name, unsigned long otherwise) {
+    const char* text = std::getenv(name);
+    return text ? std::strtoul(text, nullptr, 10) : otherwise;
+}
+
+/// The real monitor on the real keyboard; what it starts and ends dictates in memory.
+class Walk {
+  public:
+    explicit Walk(unsigned long seed) : random_(seed) {
+        EXPECT_EQ(keyEvents_.reasonForUnavailability(), "");
+        monitor_->start();
+    }
+    ~Walk() { grabbing_.reset(); }
+
+    std::string phase() {
+        const auto text = harness_.phase();
+        return text.substr(0, text.find(' '));
+    }
+    const Model& model() const { return model_; }
+
+    std::string story() const {
+        std::string text;
+        for (const auto& step : last_) {
+            text += "  " + step + "\n";
+        }
+        return text;
+    }
+
+    void step() {
+        struct Choice {
+            unsigned weight;
+            void (Walk::*act)();
+        };
+        static const std::vector<Choice> choices{
+            {600, &Walk::moveKey},   {60, &Walk::typeAsAnotherProgram}, {80, &Walk::answer},
+            {60, &Walk::wait},       {25, &Walk::switchMode},           {15, &Walk::record},
+            {25, &Walk::toggleLock}, {20, &Walk::toggleGrab},           {5, &Walk::switchLayout},
+            {30, &Walk::turnLoop}};
+        static std::discrete_distribution<std::size_t> which = [] {
+            std::vector<unsigned> weights;
+            std::ranges::transform(choices, std::back_inserter(weights), &Choice::weight);
+            return std::discrete_distribution<std::size_t>(weights.begin(), weights.end());
+        }();
+        (this->*choices[which(random_)].act)();
+        settle();
+    }
+
+    /// Lets go of every key.
+    void rest() {
+        while (!pressed_.empty()) {
+            release(*pressed_.begin());
+            settle();
+        }
+    }
+
+  private:
+    template <typename Range>
+    auto& any(Range& range) {
+        return *std::next(range.begin(), static_cast<std::ptrdiff_t>(random_() % std::size(range)));
+    }
+    void note(std::string text) {
+        last_.push_back(std::move(text));
+        if (last_.size() > 25) {
+            last_.pop_front();
+        }
+    }
+    /// All that the server has carried out has been handled.
+    void settle() {
+        keyEvents_.willPost();
+        keyEvents_.didPost();
+        harness_.platform.runUntilIdle();
+    }
+
+    void press(Keyboard::Keycode key) {
+        note("press " + std::to_string(key));
+        pressed_.insert(key);
+        keyboard_.press(key);
+        model_.press(key);
+    }
+    void release(Keyboard::Keycode key) {
+        note("release " + std::to_string(key));
+        pressed_.erase(key);
+        keyboard_.release(key);
+        model_.release(key);
+    }
+    /// Few keys stay down for long.
+    void moveKey() {
+        const auto key = any(allKeys);
+        if (pressed_.contains(key)) {
+            release(key);
+        } else if (pressed_.size() < 4) {
+            press(key);
+        } else {
+            release(any(pressed_));
+        }
+    }
+    /// A press by a program of a key that a keyboard holds is a repeat, and its release a release.
+    void typeAsAnotherProgram() {
+        const auto key = any(allKeys);
+        note("another program types " + std::to_string(key));
+        for (const bool isDown : {true, false}) {
+            program_.type(key, isDown);
+            isDown ? model_.press(key) : model_.release(key);
+            settle();
+        }
+    }
+    void answer() {
+        if (model_.phase == "processing") {
+            note("the service answers");
+            harness_.result("rename the button", /*isFinal=*/true);
+            harness_.metadata();
+            harness_.platform.advance(20ms);
+            model_.answer();
+        }
+    }
+    void wait() {
+        note("time passes");
+        harness_.platform.advance(5s);
+        model_.wait();
+    }
+    void switchMode() {
+        note("the mode changes");
+        model_.isHoldToSpeak = !model_.isHoldToSpeak;
+        harness_.state().setActivationMode(model_.isHoldToSpeak ? ActivationMode::holdToSpeak
+                                                                : ActivationMode::tapToToggle);
+    }
+    void record() {
+        if (model_.isLocked) {
+            return;
+        }
+        note("another shortcut is recorded");
+        harness_.state().setCapturingShortcut(true);
+        keyboard_.tap({recordedKey});
+        settle();
+        model_.record(any(shortcuts));
+        harness_.state().setShortcut(model_.shortcut);
+        harness_.state().setCapturingShortcut(false);
+    }
+    void toggleLock() {
+        note(model_.isLocked ? "the screen is unlocked" : "the screen is locked");
+        if (model_.isLocked) {
+            model_.isLocked = false;
+            keyEvents_.setLocked(false);
+        } else {
+            keyEvents_.setLocked(true);
+            harness_.platform.runUntilIdle();
+            harness_.state().cancelDictation();
+            model_.lock();
+        }
+    }
+    void toggleGrab() {
+        note(grabbing_ ? "the grab ends" : "another program grabs the keyboard");
+        if (grabbing_) {
+            grabbing_.reset();
+        } else if (!grabbing_.emplace().grabKeyboard()) {
+            note("the window manager has it: it knows some of these keys");
+            grabbing_.reset();
+        }
+    }
+    /// In all of these the modifiers are where they were.
+    void switchLayout() {
+        static const std::vector<std::vector<std::string>> layouts{
+            {"us"}, {"de"}, {"fr"}, {"us,ru"}, {"gb", "dvorak"}};
+        const auto& layout = any(layouts);
+        note("the layout is " + layout.front());
+        keyboard_.useLayout(layout, layout.front() == "us,ru" ? 1 : 0);
+    }
+    /// The looks at keys that are held, and at a changed layout, are due now and then.
+    void turnLoop() {
+        note("the loop turns");
+        QCoreApplication::processEvents();
+    }
+
+    std::mt19937_64 random_;
+    DictationHarness harness_;
+    Keyboard keyboard_;
+    desktop::OtherClient program_;
+    std::optional<desktop::OtherClient> grabbing_;
+    XInputKeyEvents keyEvents_{
+        {.functionKeyName = "Control_R", .ownWindowHasKeyboard = [] { return false; }},
+        harness_.platform.log};
+    std::shared_ptr<FnPushToTalkMonitor> monitor_ = FnPushToTalkMonitor::make(
+        harness_.state().shared_from_this(), keyEvents_, harness_.platform.queue);
+    std::set<Keyboard::Keycode> pressed_;
+    Model model_;
+    std::deque<std::string> last_;
+};
+
+TEST(KeyOrders, MeanTheSameForADictationAsInTheModel) {
+    const auto seed = setting("ORLUNE_KEY_SEED", 1);
+    const auto steps = setting("ORLUNE_KEY_STEPS", defaultSteps);
+    Walk walk(seed);
+    std::map<std::string, int> visits;
+    for (unsigned long index = 0; index < steps; ++index) {
+        walk.step();
+        ASSERT_EQ(walk.phase(), walk.model().phase)
+            << "seed " << seed << ", step " << index << ":\n"
+            << walk.story();
+        ++visits[walk.phase()];
+    }
+    walk.rest();
+    EXPECT_EQ(walk.phase(), walk.model().phase) << walk.story();
+    for (const auto* phase :
+         {"idle", "listening", "processing", "reviewing", "success", "failure"}) {
+        EXPECT_GT(visits[phase], 0) << phase << " was never reached";
+    }
+}
+
+} // namespace
+} // namespace orlune
