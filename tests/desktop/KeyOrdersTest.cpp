@@ -1,6 +1,6 @@
 // The shortcut monitor under random orders of keys of a real X server, against a model of what they
 // mean for a dictation. An order is a function of its seed; a failure prints both and the last
-// steps. Longer runs: ORLUNE_KEY_STEPS=10000 ORLUNE_KEY_SEED=7.
+// steps. Longer runs: ORLUNE_KEY_STEPS=100000 ORLUNE_KEY_SEED=7.
 #include "dictation/FnPushToTalkMonitor.h"
 #include "platform/linux/keys/XInputKeyEvents.h"
 #include "tests/desktop/Desktop.h"
@@ -27,7 +27,7 @@ using desktop::Keyboard;
 using Modifiers = DictationShortcut::Modifiers;
 namespace keycode = desktop::keycode;
 
-constexpr int defaultSteps = 3000;
+constexpr int defaultSteps = 10'000;
 
 const std::map<Keyboard::Keycode, Modifiers> modifierKeys{{keycode::fn, Modifiers::function},
                                                           {keycode::control, Modifiers::control},
@@ -186,9 +186,11 @@ class Walk {
             void (Walk::*act)();
         };
         static const std::vector<Choice> choices{
-            {600, &Walk::moveKey},   {60, &Walk::typeAsAnotherProgram}, {80, &Walk::answer},
-            {60, &Walk::wait},       {25, &Walk::switchMode},           {15, &Walk::record},
-            {25, &Walk::toggleLock}, {20, &Walk::toggleGrab},           {5, &Walk::switchLayout},
+            {600, &Walk::moveKey},       {60, &Walk::typeAsAnotherProgram},
+            {100, &Walk::pressShortcut}, {80, &Walk::answer},
+            {60, &Walk::wait},           {25, &Walk::switchMode},
+            {15, &Walk::record},         {25, &Walk::toggleLock},
+            {20, &Walk::toggleGrab},     {5, &Walk::switchLayout},
             {30, &Walk::turnLoop}};
         static std::discrete_distribution<std::size_t> which = [] {
             std::vector<unsigned> weights;
@@ -248,9 +250,31 @@ class Walk {
             release(any(pressed_));
         }
     }
+    /// Exactly the keys of the shortcut, in any order, as somebody would who dictates.
+    void pressShortcut() {
+        rest();
+        std::vector<Keyboard::Keycode> keys;
+        for (const auto& [key, modifier] : modifierKeys) {
+            if (model_.shortcut.modifiers.contains(modifier)) {
+                keys.push_back(key);
+            }
+        }
+        for (const auto& [key, code] : otherKeys) {
+            if (model_.shortcut.keyCode == code) {
+                keys.push_back(key);
+            }
+        }
+        if (random_() % 4 == 0) {
+            std::ranges::shuffle(keys, random_);
+        }
+        for (const auto key : keys) {
+            press(key);
+            settle();
+        }
+    }
     /// A press by a program of a key that a keyboard holds is a repeat, and its release a release.
     void typeAsAnotherProgram() {
-        const auto key = any(allKeys);
+        const auto key = pressed_.empty() || random_() % 3 == 0 ? any(allKeys) : any(pressed_);
         note("another program types " + std::to_string(key));
         for (const bool isDown : {true, false}) {
             program_.type(key, isDown);
