@@ -67,14 +67,7 @@ class Bus:
     def call(self, member, name="app.orlune.Orlune", path="/app/orlune/Orlune",
              interface="app.orlune.Orlune1"):
         """The text of the answer. Raises `Refused` with the text of an error."""
-        self.serial += 1
-        fields = b""
-        for code, kind, text in ((1, b"o", path), (2, b"s", interface), (3, b"s", member),
-                                 (6, b"s", name)):
-            fields += b"\0" * (-len(fields) % 8) + bytes((code, 1)) + kind + b"\0"
-            fields += struct.pack("<I", len(text)) + text.encode() + b"\0"
-        message = struct.pack("<cBBBIII", b"l", 1, 0, 1, 0, self.serial, len(fields)) + fields
-        self.socket.sendall(message + b"\0" * (-len(message) % 8))
+        self.send(member, name, path, interface)
         while True:
             kind, replied, body = self.receive()
             if replied == self.serial and kind in (2, 3):
@@ -84,6 +77,18 @@ class Bus:
                 if kind == 3:
                     raise Bus.Refused(text)
                 return text
+
+    def send(self, member, name="app.orlune.Orlune", path="/app/orlune/Orlune",
+             interface="app.orlune.Orlune1"):
+        """Without waiting for the answer, which the next call passes over."""
+        self.serial += 1
+        fields = b""
+        for code, kind, text in ((1, b"o", path), (2, b"s", interface), (3, b"s", member),
+                                 (6, b"s", name)):
+            fields += b"\0" * (-len(fields) % 8) + bytes((code, 1)) + kind + b"\0"
+            fields += struct.pack("<I", len(text)) + text.encode() + b"\0"
+        message = struct.pack("<cBBBIII", b"l", 1, 0, 1, 0, self.serial, len(fields)) + fields
+        self.socket.sendall(message + b"\0" * (-len(message) % 8))
 
     def receive(self):
         def have(count):
@@ -354,9 +359,12 @@ class Orlune:
     def command(self, *words, **more):
         return quiet([str(self.program), *words], env=self.environment, **more)
 
-    def start(self, log):
+    def spawn(self, log):
         self.process = subprocess.Popen([str(self.program), "--background"], stderr=log,
                                         stdin=subprocess.DEVNULL, stdout=log, env=self.environment)
+
+    def start(self, log):
+        self.spawn(log)
         must("the program", self.bus.is_answered)
 
     def kill(self):
