@@ -178,6 +178,9 @@ class Window:
         must("the focus", lambda: quiet(["xdotool", "getwindowfocus"]).stdout.strip()
              == self.identity)
 
+    def has_crashed(self):
+        return self.process.poll() is not None
+
     def size(self):
         return self.file.stat().st_size
 
