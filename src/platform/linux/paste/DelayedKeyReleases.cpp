@@ -33,6 +33,10 @@ DelayedKeyReleases::DelayedKeyReleases(std::unique_ptr<XEventSource> events,
 
 DelayedKeyReleases::~DelayedKeyReleases() = default;
 
+void DelayedKeyReleases::outliveProcess() {
+    keeper_.keep(ConnectionNumber(events_->display()));
+}
+
 void DelayedKeyReleases::schedule(const std::vector<Keycode>& keys) {
     Display* display = events_->display();
     unsigned long wait = delay.count();

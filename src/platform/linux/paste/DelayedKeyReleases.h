@@ -3,6 +3,7 @@
 // called there. A connection that is lost counts as having let go.
 #pragma once
 
+#include "platform/linux/paste/ConnectionKeeper.h"
 #include "platform/linux/x11/XEventSource.h"
 
 #include <chrono>
@@ -26,6 +27,11 @@ class DelayedKeyReleases {
                                                     std::function<void()> onAllReleased);
     ~DelayedKeyReleases();
 
+    /// For the next second, the server carries out what has been scheduled even if this process is
+    /// killed; otherwise it would forget that and leave the keys down. Takes about a millisecond,
+    /// so call it before the keys go down.
+    void outliveProcess();
+
     /// Releases the first key after the delay, the others right after it, in order. What is sent
     /// on `connection()` afterwards is carried out after that.
     void schedule(const std::vector<Keycode>& keys);
@@ -45,6 +51,7 @@ class DelayedKeyReleases {
     unsigned long markerWindow_;
     int awaitedMarkers_ = 0;
     std::vector<Keycode> underWay_;
+    ConnectionKeeper keeper_;
 };
 
 } // namespace orlune

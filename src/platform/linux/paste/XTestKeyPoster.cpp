@@ -219,6 +219,7 @@ bool XTestKeyPoster::press(const KeyboardEvent& event) {
         return false;
     }
 
+    releases_->outliveProcess();
     auto ours = releases_->underWay();
     const bool areReleasesUnderWay = !ours.empty();
     if (down_.empty() && !areReleasesUnderWay) {
