@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -24,6 +27,9 @@ constexpr auto lockInterval = 5ms;
 constexpr int mostLinks = 40;
 /// More damaged files than this are a fault that another copy does not explain.
 constexpr int mostSetAside = 999;
+/// Nobody needs longer to write a settings file.
+constexpr auto longestWrite = 1min;
+constexpr std::string_view temporarySuffix = "XXXXXX"; // as mkostemp wants it
 
 std::string errorText() {
     return std::generic_category().message(errno);
@@ -60,6 +66,21 @@ void syncFolder(const std::filesystem::path& folder) {
     if (const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         descriptor) {
         ::fsync(descriptor.get());
+    }
+}
+
+/// What a writer that was killed has left behind; a younger file may still be written.
+void removeRemains(const std::filesystem::path& folder, const std::string& prefix) {
+    std::error_code error;
+    const auto now = std::filesystem::file_time_type::clock::now();
+    for (auto entry = std::filesystem::directory_iterator(folder, error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const auto name = entry->path().filename().string();
+        std::error_code gone;
+        if (name.size() == prefix.size() + temporarySuffix.size() && name.starts_with(prefix)
+            && now - entry->last_write_time(gone) > longestWrite && !gone) {
+            std::filesystem::remove(entry->path(), gone);
+        }
     }
 }
 
@@ -135,7 +156,8 @@ std::optional<std::string> SettingsFile::replace(std::string_view text) const {
     if (!createFolders(folder)) {
         return errorText();
     }
-    auto temporary = (folder / ("." + file.filename().string() + ".XXXXXX")).string();
+    const auto prefix = "." + file.filename().string() + ".new-";
+    auto temporary = (folder / (prefix + std::string(temporarySuffix))).string();
     FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC)); // with mode 0600
     if (!descriptor) {
         return errorText();
@@ -146,6 +168,7 @@ std::optional<std::string> SettingsFile::replace(std::string_view text) const {
         ::unlink(temporary.c_str());
         return error;
     }
+    removeRemains(folder, prefix);
     syncFolder(folder);
     return std::nullopt;
 }

@@ -8,10 +8,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <limits>
+#include <random>
+#include <set>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace orlune {
 namespace {
@@ -164,6 +170,41 @@ TEST_F(FileUserDefaultsTest, ValuesStayInMemoryWhenTheyCannotBeWrittenAndFollowL
     defaults.set("other", std::int64_t{1});
     EXPECT_EQ(open().boolean("enabled"), true) << "what could not be written is written now";
     EXPECT_EQ(open().object("mode"), std::nullopt);
+}
+
+TEST_F(FileUserDefaultsTest, AWriterThatIsKilledLeavesAWholeFile) {
+    open().set("kept", true);
+    std::minstd_rand random(1);
+    std::set<std::string> seen;
+    for (int round = 0; round < 200; ++round) {
+        const pid_t writer = ::fork();
+        if (writer == 0) {
+            auto defaults = open();
+            for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
+                defaults.set("mode", std::string(20'000, letter));
+            }
+        }
+        // The moment is what is random here; nothing waits for it.
+        ::usleep(static_cast<useconds_t>(random() % 3000));
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+        const auto members = parseDefaults(textOf(file));
+        ASSERT_TRUE(members) << "after " << round << " kills";
+        ASSERT_EQ(open().boolean("kept"), true);
+        const auto mode = open().string("mode").value_or("");
+        ASSERT_EQ(mode, std::string(mode.size(), mode.empty() ? ' ' : mode.front()));
+        seen.insert(mode);
+    }
+    EXPECT_GT(seen.size(), 1U) << "no write was under way";
+
+    test::write(folder / ".defaults.json.backup", "not of ours");
+    for (const auto& name : names()) {
+        fs::last_write_time(folder / name,
+                            fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+    open().set("enabled", true);
+    EXPECT_THAT(names(), UnorderedElementsAre("defaults.json", ".defaults.json.backup"))
+        << "what the killed writers left goes with the next write";
 }
 
 TEST_F(FileUserDefaultsTest, WhatIsNotAFileIsLeftAlone) {
