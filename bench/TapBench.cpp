@@ -47,7 +47,7 @@ void tap(benchmark::State& state) {
     orlune::MemoryAudioEngine microphone;
     microphone.format = buffers[0].format();
     orlune::AudioCaptureService service(microphone.factory(), orlune::SpeexAudioConverter::create);
-    service.prepare([](double level) { benchmark::DoNotOptimize(level); },
+    service.prepare([](auto levels) { benchmark::DoNotOptimize(levels.data()); },
                     [](orlune::AudioPacket packet) { benchmark::DoNotOptimize(packet.data()); });
     service.start();
     std::size_t index = 0;

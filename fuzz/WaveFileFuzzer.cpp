@@ -37,9 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto format = engine->inputFormat();
     expect(format.channelCount > 0 && format.sampleRate > 0);
     std::size_t bufferCount = 0;
-    engine->installTap(bufferSize, format, [&](const orlune::AudioPCMBuffer& buffer) {
-        ++bufferCount;
-        expect(buffer.frameLength() == bufferSize && buffer.format() == format);
+    engine->installTap(bufferSize, format, [&](auto buffers) {
+        for (const auto& buffer : buffers) {
+            ++bufferCount;
+            expect(buffer.frameLength() == bufferSize && buffer.format() == format);
+        }
     });
     engine->start();
     ended.get_future().wait();

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 namespace orlune {
 
@@ -265,10 +266,10 @@ void AppState::startCapture(SessionID identity) {
         });
     lastSendTask_ = audioSendTask_;
     const auto format = audio_.prepare(
-        [weakSelf = weak_from_this(), main = main_](double level) {
-            boost::asio::post(main, [weakSelf, level] {
+        [weakSelf = weak_from_this(), main = main_](std::span<const double> levels) {
+            boost::asio::post(main, [weakSelf, levels = std::vector(levels.begin(), levels.end())] {
                 if (const auto self = weakSelf.lock()) {
-                    self->receiveLevel(level);
+                    self->receiveLevels(levels);
                 }
             });
         },
@@ -288,10 +289,12 @@ void AppState::startCapture(SessionID identity) {
     phase_.set(Phase::listening());
 }
 
-void AppState::receiveLevel(double level) {
+void AppState::receiveLevels(std::span<const double> levels) {
     platform_.mainActor.assertCurrent();
     if (phase_.get().is(Case::listening)) {
-        waveform_.push(level);
+        for (const double level : levels) {
+            waveform_.push(level);
+        }
     }
 }
 

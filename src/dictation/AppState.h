@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <variant>
 
@@ -142,7 +143,7 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     void startCapture(SessionID identity);
     Awaitable<void> finish(Task sending, SessionID identity);
     void receiveTranscript(const std::string& text, SessionID identity);
-    void receiveLevel(double level);
+    void receiveLevels(std::span<const double> levels);
     void insert(const std::string& text);
     void fail(const std::string& message);
     void keepUninsertedText();

@@ -1,12 +1,13 @@
 // The microphone: one input with one tap. Owned by the capture service and used on the main actor;
-// the tap is called on the engine's own audio thread, one buffer at a time. A device that vanishes
-// while running ends in silence, never in an error or a hang.
+// the tap is called on the engine's own audio thread, once for each delivery of the device. A
+// device that vanishes while running ends in silence, never in an error or a hang.
 #pragma once
 
 #include "platform/AudioFormat.h"
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <stdexcept>
 
 namespace orlune {
@@ -19,7 +20,8 @@ class AudioEngineError : public std::runtime_error {
 
 class AudioEngine {
   public:
-    using Tap = std::function<void(const AudioPCMBuffer&)>;
+    /// Receives the buffers that one delivery has filled, oldest first, never none.
+    using Tap = std::function<void(std::span<const AudioPCMBuffer> buffers)>;
 
     virtual ~AudioEngine() = default;
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <utility>
+#include <vector>
 
 namespace orlune {
 
@@ -79,7 +79,7 @@ const char* AudioCaptureService::CaptureError::what() const noexcept {
     return "";
 }
 
-/// What happens to each buffer, with the state of one preparation. Touched by the audio thread
+/// What happens to each delivery, with the state of one preparation. Touched by the audio thread
 /// alone.
 class AudioCaptureService::TapHandler {
   public:
@@ -88,10 +88,20 @@ class AudioCaptureService::TapHandler {
         : level_(std::move(level)), audioData_(std::move(audioData)),
           converter_(std::move(converter)), outputPerInput_(packetFormat.sampleRate / inputRate) {}
 
-    void handle(const AudioPCMBuffer& buffer) {
-        // First the level: a conversion that fails still moves the waveform.
-        level_(smoothed(targetLevel(rms(buffer))));
-        convert(buffer);
+    void handle(std::span<const AudioPCMBuffer> buffers) {
+        // First the levels: a conversion that fails still moves the waveform.
+        levels_.clear();
+        for (const auto& buffer : buffers) {
+            levels_.push_back(smoothed(targetLevel(rms(buffer))));
+        }
+        level_(levels_);
+        for (const auto& buffer : buffers) {
+            convert(buffer);
+        }
+        for (auto& packet : packets_) {
+            audioData_(std::move(packet));
+        }
+        packets_.clear();
     }
 
   private:
@@ -104,6 +114,7 @@ class AudioCaptureService::TapHandler {
         return previousLevel_;
     }
 
+    /// Adds the buffer's packet, unless there is none.
     void convert(const AudioPCMBuffer& buffer) {
         const auto capacity =
             static_cast<std::uint32_t>(outputPerInput_ * buffer.frameLength()) + 1;
@@ -124,7 +135,7 @@ class AudioCaptureService::TapHandler {
             });
         const auto samples = std::as_bytes(std::as_const(*output_).int16Channel(0));
         if (converted && !samples.empty()) {
-            audioData_(AudioPacket(reinterpret_cast<const char*>(samples.data()), samples.size()));
+            packets_.emplace_back(reinterpret_cast<const char*>(samples.data()), samples.size());
         }
     }
 
@@ -133,6 +144,8 @@ class AudioCaptureService::TapHandler {
     std::unique_ptr<AudioConverter> converter_;
     double outputPerInput_;
     double previousLevel_ = 0;
+    std::vector<double> levels_;
+    std::vector<AudioPacket> packets_;
     std::optional<AudioPCMBuffer> output_;
 };
 
@@ -157,7 +170,7 @@ AudioFormat AudioCaptureService::prepare(LevelCallback level, AudioDataCallback 
     const auto handler = std::make_shared<TapHandler>(std::move(level), std::move(audioData),
                                                       std::move(converter), inputFormat.sampleRate);
     engine_->installTap(tapFrames(inputFormat.sampleRate), inputFormat,
-                        [handler](const AudioPCMBuffer& buffer) { handler->handle(buffer); });
+                        [handler](auto buffers) { handler->handle(buffers); });
     engine_->prepare();
     isPrepared_ = true;
     return packetFormat;

@@ -1,7 +1,8 @@
 // The default microphone as packets for the transcription, with a loudness for the waveform. Owned
 // by the session controller, which prepares, starts and stops it on the main actor. Both callbacks
-// run on the engine's audio thread, one buffer at a time, and must return quickly. Failures are
-// thrown: CaptureError by `prepare`, the engine's own error by `start`.
+// run on the engine's audio thread and must return quickly: for each delivery first the levels,
+// then the packets, so that whoever listens wakes once. Failures are thrown: CaptureError by
+// `prepare`, the engine's own error by `start`.
 #pragma once
 
 #include "core/AudioPacketStream.h"
@@ -12,6 +13,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <span>
 
 namespace orlune {
 
@@ -32,8 +34,8 @@ class AudioCaptureService {
         Case kind_;
     };
 
-    /// Receives the smoothed loudness of one buffer, from 0 to 1.
-    using LevelCallback = std::function<void(double level)>;
+    /// Receives the smoothed loudness of each buffer of one delivery, from 0 to 1.
+    using LevelCallback = std::function<void(std::span<const double> levels)>;
     /// Receives the samples of one buffer; never an empty packet.
     using AudioDataCallback = std::function<void(AudioPacket packet)>;
 

@@ -34,15 +34,11 @@ Instant now() {
 class Recorder {
   public:
     AudioEngine::Tap tap() {
-        return [this](const AudioPCMBuffer& buffer) {
+        return [this](auto buffers) {
             {
                 const std::lock_guard lock(mutex_);
-                lengths_.push_back(buffer.frameLength());
-                channels_.resize(buffer.format().channelCount);
-                for (std::uint32_t channel = 0; channel < channels_.size(); ++channel) {
-                    const auto samples = buffer.floatChannel(channel);
-                    channels_[channel].insert(channels_[channel].end(), samples.begin(),
-                                              samples.end());
+                for (const auto& buffer : buffers) {
+                    hear(buffer);
                 }
             }
             heard_.notify_all();
@@ -100,6 +96,15 @@ class Recorder {
     }
 
   private:
+    void hear(const AudioPCMBuffer& buffer) {
+        lengths_.push_back(buffer.frameLength());
+        channels_.resize(buffer.format().channelCount);
+        for (std::uint32_t channel = 0; channel < channels_.size(); ++channel) {
+            const auto samples = buffer.floatChannel(channel);
+            channels_[channel].insert(channels_[channel].end(), samples.begin(), samples.end());
+        }
+    }
+
     bool hears(const std::function<bool(const Recorder&)>& condition) {
         std::unique_lock lock(mutex_);
         return heard_.wait_for(lock, soundDeadline, [&] { return condition(*this); });

@@ -19,8 +19,15 @@ using CaptureError = AudioCaptureService::CaptureError;
 class AudioCaptureServiceTest : public testing::Test {
   protected:
     AudioFormat prepare() {
-        return service.prepare([this](double level) { levels.push_back(level); },
-                               [this](AudioPacket packet) { packets.push_back(packet); });
+        return service.prepare(
+            [this](auto delivered) {
+                levels.insert(levels.end(), delivered.begin(), delivered.end());
+                calls += "levels " + std::to_string(delivered.size()) + " ";
+            },
+            [this](AudioPacket packet) {
+                packets.push_back(packet);
+                calls += "packet ";
+            });
     }
 
     /// The error of a preparation that must fail.
@@ -38,6 +45,7 @@ class AudioCaptureServiceTest : public testing::Test {
     AudioCaptureService service{microphone.factory(), converters.factory()};
     std::vector<double> levels;
     std::vector<AudioPacket> packets;
+    std::string calls;
 };
 
 AudioPCMBuffer sine(const AudioFormat& format, std::uint32_t frames, float amplitude) {
@@ -132,6 +140,20 @@ TEST_F(AudioCaptureServiceTest, TheTapHolds12MillisecondsButAtLeast256Frames) {
         EXPECT_THAT(microphone.log, testing::Contains("installTap " + std::to_string(frames)))
             << sampleRate;
     }
+}
+
+TEST_F(AudioCaptureServiceTest, ADeliveryOfSeveralBuffersIsReportedAtOnce) {
+    prepare();
+    service.start();
+    std::vector<AudioPCMBuffer> delivery;
+    delivery.push_back(sine(microphone.format, 576, 1));
+    delivery.push_back(sine(microphone.format, 576, 0));
+    microphone.deliver(delivery);
+    EXPECT_EQ(calls, "levels 2 packet packet ");
+    EXPECT_THAT(levels, ElementsAre(0.94, testing::DoubleNear(0.94 * 0.62, 1e-9)));
+    ASSERT_EQ(packets.size(), 2u);
+    EXPECT_NE(packets[0], packets[1]);
+    EXPECT_EQ(packets[1], std::string(192u * 2, '\0')) << "the second buffer comes second";
 }
 
 TEST_F(AudioCaptureServiceTest, AFailedConversionStillMovesTheLevel) {

@@ -117,7 +117,7 @@ void WaveFileAudioEngine::playBuffers(const std::stop_token& stopToken) {
         if (!waitUntil(pace_ == Pace::fast ? begin : filled, stopToken)) {
             return;
         }
-        tap(*buffer);
+        tap({&*buffer, 1});
         if (frames < bufferSize_) {
             return;
         }

@@ -57,13 +57,13 @@ void MemoryAudioEngine::stop() {
     isRunning_ = false;
 }
 
-bool MemoryAudioEngine::deliver(const AudioPCMBuffer& buffer) {
+bool MemoryAudioEngine::deliver(std::span<const AudioPCMBuffer> buffers) {
     if (!isRunning_ || !tap_) {
         return false;
     }
     // A copy: the tap may be replaced while it runs.
     const Tap tap = tap_;
-    tap(buffer);
+    tap(buffers);
     return true;
 }
 

@@ -22,7 +22,8 @@ class MemoryAudioEngine final : public AudioEngine {
     bool isRunning() const override { return isRunning_; }
 
     /// Calls the tap before it returns. False when the engine does not run or has no tap.
-    bool deliver(const AudioPCMBuffer& buffer);
+    bool deliver(std::span<const AudioPCMBuffer> buffers);
+    bool deliver(const AudioPCMBuffer& buffer) { return deliver({&buffer, 1}); }
     /// The same with one tap's worth of frames that all have the given value in every channel.
     bool deliver(float value);
 

@@ -44,7 +44,8 @@ class WaveFileAudioEngineTest : public testing::Test {
         auto opened = WaveFileAudioEngine::create(path, pace, [this] { ended->set_value(); });
         ASSERT_TRUE(opened.engine) << opened.error;
         engine = std::move(opened.engine);
-        engine->installTap(bufferSize, engine->inputFormat(), [this](const AudioPCMBuffer& buffer) {
+        engine->installTap(bufferSize, engine->inputFormat(), [this](auto buffers) {
+            const auto& buffer = buffers.front(); // a file is read one by one
             heard.resize(buffer.format().channelCount);
             for (std::uint32_t channel = 0; channel < heard.size(); ++channel) {
                 const auto samples = buffer.floatChannel(channel);

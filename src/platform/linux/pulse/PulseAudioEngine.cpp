@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <utility>
+#include <vector>
 
 namespace orlune {
 
@@ -19,19 +20,22 @@ constexpr pa_usec_t fragmentDuration = 24 * PA_USEC_PER_MSEC;
 // Opening a source takes some 50 ms, a sleeping Bluetooth headset more than a second.
 constexpr auto streamLimit = 3000ms;
 
+/// What a late delivery holds beyond these is a delivery of its own.
+constexpr std::size_t mostBuffers = 4;
+
 constexpr auto streamName = "Dictation";
 constexpr auto serverDefault = static_cast<std::uint32_t>(-1);
 
 } // namespace
 
-/// One run of the tap, from start to stop: an open stream, and the buffer that its fragments fill.
+/// One run of the tap, from start to stop: an open stream, and the buffers that its fragments fill.
 class PulseAudioEngine::Recording {
   public:
     Recording(PulseConnection& connection, const pa_sample_spec& sampleSpec,
-              const pa_channel_map& channelMap, AudioPCMBuffer buffer, Tap tap, Log* log)
-        : connection_(connection), buffer_(std::move(buffer)), tap_(std::move(tap)), log_(log),
+              const pa_channel_map& channelMap, std::vector<AudioPCMBuffer> buffers, Tap tap,
+              Log* log)
+        : connection_(connection), buffers_(std::move(buffers)), tap_(std::move(tap)), log_(log),
           stream_(pa_stream_new(connection.context(), streamName, &sampleSpec, &channelMap)) {
-        buffer_.setFrameLength(buffer_.frameCapacity());
         if (!stream_) {
             fail(pa_context_errno(connection.context()));
         }
@@ -87,13 +91,15 @@ class PulseAudioEngine::Recording {
     }
 
     void continueInSilence() {
-        const auto duration = buffer_.frameCapacity() / buffer_.format().sampleRate;
+        const auto& buffer = buffers_.front();
+        const auto duration = buffer.frameCapacity() / buffer.format().sampleRate;
         silence_.emplace(
             connection_.loop(), connection_.context(),
             static_cast<pa_usec_t>(duration * PA_USEC_PER_SEC),
             [](pa_mainloop_api*, pa_time_event*, const timeval*, void* userdata) noexcept {
                 auto& self = *static_cast<Recording*>(userdata);
-                self.append(nullptr, self.buffer_.frameCapacity());
+                self.append(nullptr, self.buffers_.front().frameCapacity());
+                self.deliver();
                 self.continueInSilence();
             },
             this);
@@ -109,19 +115,21 @@ class PulseAudioEngine::Recording {
         const void* data = nullptr;
         std::size_t byteCount = 0;
         while (pa_stream_peek(stream_.get(), &data, &byteCount) == 0 && byteCount > 0) {
-            const auto frames = byteCount / (buffer_.format().channelCount * sizeof(float));
-            append(static_cast<const float*>(data), frames);
+            const auto channels = buffers_.front().format().channelCount;
+            append(static_cast<const float*>(data), byteCount / (channels * sizeof(float)));
             pa_stream_drop(stream_.get());
         }
+        deliver();
     }
 
     /// `interleaved` is null for a hole in the recording, which is heard as silence.
     void append(const float* interleaved, std::size_t frames) {
-        const std::size_t channels = buffer_.format().channelCount;
+        const std::size_t channels = buffers_.front().format().channelCount;
         while (frames > 0) {
-            const auto count = std::min<std::size_t>(frames, buffer_.frameCapacity() - filled_);
+            auto& buffer = buffers_[fullCount_];
+            const auto count = std::min<std::size_t>(frames, buffer.frameCapacity() - filled_);
             for (std::uint32_t channel = 0; channel < channels; ++channel) {
-                const auto target = buffer_.floatChannel(channel).subspan(filled_, count);
+                const auto target = buffer.floatChannel(channel).subspan(filled_, count);
                 for (std::size_t frame = 0; frame < count; ++frame) {
                     target[frame] = interleaved ? interleaved[frame * channels + channel] : 0.0F;
                 }
@@ -129,16 +137,28 @@ class PulseAudioEngine::Recording {
             interleaved = interleaved ? interleaved + count * channels : nullptr;
             frames -= count;
             filled_ += count;
-            if (filled_ == buffer_.frameCapacity()) {
+            if (filled_ == buffer.frameCapacity()) {
                 filled_ = 0;
-                tap_(buffer_);
+                if (++fullCount_ == buffers_.size()) {
+                    deliver();
+                }
             }
         }
     }
 
+    /// Together: the tap's listeners are woken once for all of them.
+    void deliver() {
+        if (const auto count = std::exchange(fullCount_, 0); count > 0) {
+            tap_(std::span(buffers_).first(count));
+            std::rotate(buffers_.begin(), buffers_.begin() + static_cast<std::ptrdiff_t>(count),
+                        buffers_.end()); // the one that is being filled comes first
+        }
+    }
+
     PulseConnection& connection_;
-    AudioPCMBuffer buffer_;
-    std::size_t filled_ = 0;
+    std::vector<AudioPCMBuffer> buffers_; ///< full ones, then the one that is being filled
+    std::size_t fullCount_ = 0;
+    std::size_t filled_ = 0; ///< frames of the buffer after the full ones
     const Tap tap_;
     Log* log_;
     bool isOpen_ = false;
@@ -188,8 +208,16 @@ void PulseAudioEngine::start() {
         const pa_sample_spec sampleSpec{
             PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(format_.sampleRate),
             static_cast<std::uint8_t>(std::min<std::uint32_t>(format_.channelCount, UINT8_MAX))};
-        auto buffer = AudioPCMBuffer::create(format_, bufferSize_);
-        if (!pa_sample_spec_valid(&sampleSpec) || !buffer || bufferSize_ == 0
+        std::vector<AudioPCMBuffer> buffers;
+        while (buffers.size() < mostBuffers) {
+            auto buffer = AudioPCMBuffer::create(format_, bufferSize_);
+            if (!buffer) {
+                break;
+            }
+            buffer->setFrameLength(bufferSize_);
+            buffers.push_back(std::move(*buffer));
+        }
+        if (!pa_sample_spec_valid(&sampleSpec) || buffers.size() < mostBuffers || bufferSize_ == 0
             || format_.sample != AudioFormat::Sample::float32 || format_.isInterleaved) {
             throw AudioEngineError(pa_strerror(PA_ERR_INVALID));
         }
@@ -203,7 +231,7 @@ void PulseAudioEngine::start() {
             channelMap = source_->channelMap;
         }
         recording_ = std::make_unique<Recording>(connection_, sampleSpec, channelMap,
-                                                 std::move(*buffer), tap_, log_);
+                                                 std::move(buffers), tap_, log_);
         recording_->waitUntilOpen();
     } catch (...) {
         recording_.reset();

@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <mutex>
+#include <span>
 
 namespace orlune {
 
@@ -81,20 +82,27 @@ void readNames(SoundFacts& facts) {
     }
 }
 
+double peak(const AudioPCMBuffer& buffer) {
+    double highest = 0;
+    for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
+        for (const float sample : buffer.floatChannel(channel)) {
+            highest = std::max(highest, std::abs(double{sample}));
+        }
+    }
+    return highest;
+}
+
 void listen(SoundFacts& facts) {
     std::mutex mutex;
     std::condition_variable delivered;
     PulseAudioEngine engine;
     const auto format = engine.inputFormat();
     engine.installTap(static_cast<std::uint32_t>(format.sampleRate / 100), format,
-                      [&](const AudioPCMBuffer& buffer) {
+                      [&](std::span<const AudioPCMBuffer> buffers) {
                           const std::lock_guard lock(mutex);
                           facts.hasDelivered = true;
-                          for (std::uint32_t channel = 0; channel < format.channelCount;
-                               ++channel) {
-                              for (const float sample : buffer.floatChannel(channel)) {
-                                  facts.peak = std::max(facts.peak, std::abs(double{sample}));
-                              }
+                          for (const auto& buffer : buffers) {
+                              facts.peak = std::max(facts.peak, peak(buffer));
                           }
                           delivered.notify_one();
                       });
