@@ -49,10 +49,7 @@ double shaped(double input) {
     return input >= quietestInput ? std::min(std::pow(input, shapeExponent), 1.0) : 0.0;
 }
 
-} // namespace
-
-void WaveformState::push(double input) {
-    Frame frame = frame_.get();
+WaveformState::Frame movedOn(WaveformState::Frame frame, double input) {
     const double previousLevel = frame.level;
     const double shapedInput = shaped(input);
 
@@ -75,6 +72,16 @@ void WaveformState::push(double input) {
     frame.calmLevel = calmLevelFollower.floored(frame.calmLevel);
     frame.voiceActivity = voiceActivityFollower.floored(frame.voiceActivity);
     frame.speechPulse = speechPulseFollower.floored(frame.speechPulse);
+    return frame;
+}
+
+} // namespace
+
+void WaveformState::push(std::span<const double> levels) {
+    Frame frame = frame_.get();
+    for (const double level : levels) {
+        frame = movedOn(frame, level);
+    }
     frame_.set(frame);
 }
 

@@ -5,6 +5,8 @@
 
 #include "platform/concurrency/Published.h"
 
+#include <span>
+
 namespace orlune {
 
 class WaveformState : public ObservableObject {
@@ -21,8 +23,9 @@ class WaveformState : public ObservableObject {
 
     const Published<Frame>& frame() const { return frame_; }
 
-    /// Moves the frame on by one level from 0 to 1, and publishes it once.
-    void push(double input);
+    /// Moves the frame on by each level, from 0 to 1, and publishes it once.
+    void push(std::span<const double> levels);
+    void push(double level) { push({&level, 1}); }
 
     /// All fields become 0.
     void reset() { frame_.set(Frame{}); }

@@ -292,9 +292,7 @@ void AppState::startCapture(SessionID identity) {
 void AppState::receiveLevels(std::span<const double> levels) {
     platform_.mainActor.assertCurrent();
     if (phase_.get().is(Case::listening)) {
-        for (const double level : levels) {
-            waveform_.push(level);
-        }
+        waveform_.push(levels);
     }
 }
 

@@ -26,6 +26,10 @@ QColor GlassCapsule::opaqueGlass() {
     return ui::rgb(0.115, 0.105, 0.13);
 }
 
+QColor GlassCapsule::glass() const {
+    return ui::withOpacity(opaqueGlass(), isTranslucent_ ? density : 1);
+}
+
 void GlassCapsule::setTranslucent(bool isTranslucent) {
     if (isTranslucent_ != isTranslucent) {
         isTranslucent_ = isTranslucent;
@@ -79,7 +83,7 @@ void GlassCapsule::paintEvent(QPaintEvent* /*event*/) {
     }
     ui::paintSurface(painter, capsule.boundingRect(),
                      {.shape = ui::Shape::capsule(),
-                      .fill = ui::withOpacity(opaqueGlass(), isTranslucent_ ? density : 1),
+                      .fill = glass(),
                       .stroke = ui::withOpacity(Qt::white, 0.13),
                       .lineWidth = 0.5});
 }

@@ -16,6 +16,8 @@ class GlassCapsule final : public QWidget {
 
     /// The glass where nothing shines through.
     static QColor opaqueGlass();
+    /// The glass inside the capsule's edge.
+    QColor glass() const;
 
     void setTranslucent(bool isTranslucent);
     /// In this widget's coordinates.

@@ -86,6 +86,7 @@ QPainterPath OverlayView::outline() const {
 
 void OverlayView::refresh() {
     compactOverlay_->setTranslucent(windowServer_.isCompositing());
+    phaseIcon_->setBackground(compactOverlay_->glass());
     const auto& phase = state_->phase().get();
     const auto* check = phase.intentCheck();
     const auto shortcut = state_->shortcut().get().displayName();

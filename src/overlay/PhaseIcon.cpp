@@ -72,7 +72,8 @@ class SuccessBadge final : public QWidget {
 
 } // namespace
 
-PhaseIcon::PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions) {
+PhaseIcon::PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions)
+    : waveform_(new VoiceWaveform(waveform, side, displayOptions)) {
     setFixedSize(iconSize);
     ui::hideFromAccessibility(*this);
     const auto add = [this](AppState::Phase::Case phase, QWidget* icon) {
@@ -81,12 +82,16 @@ PhaseIcon::PhaseIcon(const WaveformState& waveform, const DisplayOptions& displa
     // In the order of the phases, which number the pages.
     using enum AppState::Phase::Case;
     add(idle, new ui::Symbol(QStringLiteral("waveform"), {.size = ui::textSize::body}));
-    add(listening, new VoiceWaveform(waveform, side, displayOptions));
+    add(listening, waveform_);
     add(processing, new ProcessingGlow(30, displayOptions));
     add(reviewing, new QWidget);
     add(success, new SuccessBadge(displayOptions));
     add(failure, new ui::Symbol(QStringLiteral("exclamationmark.circle.fill"),
                                 {.size = 23, .weight = ui::Weight::semibold}, ui::orange()));
+}
+
+void PhaseIcon::setBackground(const QColor& background) {
+    waveform_->setBackground(background);
 }
 
 void PhaseIcon::setPhase(AppState::Phase::Case phase) {

@@ -9,6 +9,8 @@
 
 namespace orlune {
 
+class VoiceWaveform;
+
 class PhaseIcon final : public QStackedWidget {
   public:
     /// Points.
@@ -17,6 +19,11 @@ class PhaseIcon final : public QStackedWidget {
     PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions);
 
     void setPhase(AppState::Phase::Case phase);
+    /// What is behind the icon, everywhere the same.
+    void setBackground(const QColor& background);
+
+  private:
+    VoiceWaveform* waveform_;
 };
 
 } // namespace orlune

@@ -80,4 +80,13 @@ void CrossFade::finish() {
     update();
 }
 
+bool isFading(const QWidget& view) {
+    for (const auto* part = &view; part; part = part->parentWidget()) {
+        if (const auto* effect = part->graphicsEffect(); effect && effect->isEnabled()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace orlune::ui

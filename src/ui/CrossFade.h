@@ -40,4 +40,7 @@ class CrossFade final : public QWidget {
     Animation animation_;
 };
 
+/// Whether `view` is inside content that fades just now: no part of it can be painted by itself.
+bool isFading(const QWidget& view);
+
 } // namespace orlune::ui

@@ -1,10 +1,10 @@
 #include "visuals/VoiceWaveform.h"
 
 #include "ui/AccessibleElement.h"
-#include "ui/Shape.h"
+#include "ui/CrossFade.h"
+#include "visuals/MeterPicture.h"
 #include "visuals/OrlunePalette.h"
 
-#include <QLinearGradient>
 #include <QPainter>
 
 #include <algorithm>
@@ -44,15 +44,17 @@ VoiceWaveform::Bar VoiceWaveform::bar(double weight, double phaseOffset,
 
 VoiceWaveform::VoiceWaveform(const WaveformState& model, double size,
                              const DisplayOptions& displayOptions)
-    : model_(model), size_(size), displayOptions_(displayOptions), observation_(*this, [this] {
-          if (bars() != painted_) {
-              update();
-          }
-      }) {
+    : size_(size), displayOptions_(displayOptions), frame_(model.frame()),
+      observation_(*this, [this] { showBars(); }),
+      // At once: a frame comes with each delivery of sound, and waiting for another turn of the
+      // loop costs as much as painting it.
+      frames_(model.frame().subscribe([this](const WaveformState::Frame& frame) {
+          frame_ = frame;
+          showBars();
+      })) {
     const int side = static_cast<int>(std::ceil(size));
     setFixedSize(side, side);
     ui::hideFromAccessibility(*this);
-    observation_.observe(model.frame());
     observation_.observe(displayOptions.shouldReduceMotion());
 }
 
@@ -60,45 +62,58 @@ std::array<VoiceWaveform::Bar, VoiceWaveform::barCount> VoiceWaveform::bars() co
     static_assert(places.size() == barCount);
     std::array<Bar, barCount> result;
     std::ranges::transform(places, result.begin(), [this](const Place& place) {
-        return bar(place.weight, place.phaseOffset, model_.frame(), size_,
+        return bar(place.weight, place.phaseOffset, frame_, size_,
                    displayOptions_.shouldReduceMotion());
     });
     return result;
 }
 
+void VoiceWaveform::showBars() {
+    if (!isVisible() || bars() == painted_) {
+        return;
+    }
+    if (!background_.isValid() || ui::isFading(*this)) {
+        update();
+        return;
+    }
+    // Opaque for this one time, so that Qt paints nothing behind the meter.
+    setAttribute(Qt::WA_OpaquePaintEvent, true);
+    repaint();
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+}
+
 void VoiceWaveform::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painted_ = bars();
-    const double width = painted_.front().width;
-    const double step = width + spacing * size_;
+    QPainter painter(this);
+    const QTransform toPixels = painter.deviceTransform();
+    // The meter may begin within a pixel of the screen; its picture does not.
+    const QRect pixels = toPixels.mapRect(QRectF(rect())).toAlignedRect();
+    QImage picture(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    if (testAttribute(Qt::WA_OpaquePaintEvent)) {
+        picture.fill(background_);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+    } else {
+        picture.fill(Qt::transparent);
+    }
+    paintBars(picture, toPixels * QTransform::fromTranslate(-pixels.x(), -pixels.y()));
+    picture.setDevicePixelRatio(toPixels.m11());
+    painter.drawImage(toPixels.inverted().map(QPointF(pixels.topLeft())), picture);
+}
+
+void VoiceWaveform::paintBars(QImage& picture, const QTransform& toPixels) const {
+    const double step = painted_.front().width + spacing * size_;
     const QPointF center = QRectF(rect()).center();
     for (int index = 0; index < barCount; ++index) {
         const Bar& bar = painted_[static_cast<std::size_t>(index)];
         QRectF rectangle(0, 0, bar.width, bar.height);
         rectangle.moveCenter(center + QPointF((index - (barCount - 1) / 2.0) * step, 0));
-        paintGlow(painter, rectangle, bar.glowOpacity);
-        QLinearGradient gradient(rectangle.topLeft(), rectangle.bottomLeft());
-        gradient.setColorAt(0, OrlunePalette::orbPearl());
-        gradient.setColorAt(1, OrlunePalette::accentBright());
-        painter.fillPath(ui::capsule(rectangle), gradient);
+        paintBar(picture, {.rectangle = toPixels.mapRect(rectangle),
+                           .glowRadius = glowRadius * size_ * toPixels.m11(),
+                           .glowOpacity = bar.glowOpacity,
+                           .top = OrlunePalette::orbPearl(),
+                           .bottom = OrlunePalette::accentBright(),
+                           .glow = OrlunePalette::accent()});
     }
-}
-
-void VoiceWaveform::paintGlow(QPainter& painter, const QRectF& rectangle, double opacity) {
-    if (opacity <= 0) {
-        return;
-    }
-    // One blurred image per point of height: half a point more or less of a glow is not seen.
-    const int height = static_cast<int>(std::lround(rectangle.height()));
-    const auto [glow, isNew] =
-        glows_.try_emplace(height, OrlunePalette::accent(), glowRadius * size_, QPointF());
-    painter.save();
-    painter.setOpacity(opacity);
-    painter.translate(rectangle.center());
-    const QRectF outline(-rectangle.width() / 2, -height / 2.0, rectangle.width(), height);
-    glow->second.paint(painter, ui::capsule(outline));
-    painter.restore();
 }
 
 } // namespace orlune

@@ -1,17 +1,19 @@
 // The live level meter: five bars that rise with the voice and ripple while somebody speaks. Reads
 // a WaveformState that outlives it, on the main thread. It is painted again only when a published
-// frame changes the bars and the meter can be seen.
+// frame changes the bars and the meter can be seen; where its background is known, nothing else is
+// painted with it.
 #pragma once
 
 #include "core/WaveformState.h"
 #include "platform/DisplayOptions.h"
 #include "ui/Observation.h"
-#include "ui/Shadow.h"
 
+#include <QColor>
+#include <QImage>
+#include <QTransform>
 #include <QWidget>
 
 #include <array>
-#include <map>
 
 namespace orlune {
 
@@ -33,6 +35,9 @@ class VoiceWaveform final : public QWidget {
     /// A square of `size` points.
     VoiceWaveform(const WaveformState& model, double size, const DisplayOptions& displayOptions);
 
+    /// What everything behind the meter adds up to, the same in all of its square.
+    void setBackground(const QColor& background) { background_ = background; }
+
   protected:
     void paintEvent(QPaintEvent* event) override;
 
@@ -40,14 +45,16 @@ class VoiceWaveform final : public QWidget {
     static constexpr int barCount = 5;
 
     std::array<Bar, barCount> bars() const;
-    void paintGlow(QPainter& painter, const QRectF& rectangle, double opacity);
+    void showBars();
+    void paintBars(QImage& picture, const QTransform& toPixels) const;
 
-    const WaveformState& model_;
     double size_;
     const DisplayOptions& displayOptions_;
+    QColor background_; ///< invalid where it is not known
+    WaveformState::Frame frame_;
     std::array<Bar, barCount> painted_;
-    std::map<int, ui::Shadow> glows_; ///< by the height of the bar in whole points
     ui::Observation observation_;
+    Subscription frames_;
 };
 
 } // namespace orlune

@@ -5,9 +5,14 @@
 #include "visuals/VoiceWaveform.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QEvent>
+#include <QGraphicsOpacityEffect>
+#include <QTest>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <numbers>
 #include <utility>
 
@@ -65,6 +70,59 @@ TEST(VoiceWaveformTest, isPaintedOnceForManyFramesAndNeverWhileHidden) {
     EXPECT_EQ(paintsAfterPushing(0), 0) << "silence that goes on changes nothing";
     meter.hide();
     EXPECT_EQ(paintsAfterPushing(0.5), 0);
+}
+
+/// Of any channel of any pixel, 0 to 255.
+int largestDifference(const QImage& first, const QImage& second) {
+    int largest = 0;
+    for (int y = 0; y < first.height(); ++y) {
+        for (int x = 0; x < first.width(); ++x) {
+            const QColor one = first.pixelColor(x, y);
+            const QColor other = second.pixelColor(x, y);
+            largest = std::max({largest, std::abs(one.red() - other.red()),
+                                std::abs(one.green() - other.green()),
+                                std::abs(one.blue() - other.blue())});
+        }
+    }
+    return largest;
+}
+
+TEST(VoiceWaveformTest, isPaintedAloneWhereItsBackgroundIsKnownAndNothingFades) {
+    const MemoryDisplayOptions options;
+    WaveformState model;
+    QWidget window;
+    window.setPalette(QPalette(Qt::darkGreen));
+    window.setFixedSize(120, 80);
+    auto* const meter = new VoiceWaveform(model, overlaySize, options);
+    meter->setParent(&window);
+    meter->move(30, 20);
+    PaintCounter paintsBehind(window);
+    PaintCounter paints(*meter);
+    const auto shown = [&] {
+        return dynamic_cast<const QImage&>(*window.backingStore()->paintDevice()).copy();
+    };
+    window.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QApplication::processEvents();
+
+    meter->setBackground(Qt::darkGreen);
+    paints.count = paintsBehind.count = 0;
+    for (const double level : {1.0, 0.5, 0.0}) {
+        model.push(level);
+    }
+    EXPECT_EQ(paints.count, 3);
+    EXPECT_EQ(paintsBehind.count, 0);
+    EXPECT_LE(largestDifference(shown(), window.grab().toImage()), 2)
+        << "higher bars leave no trace";
+
+    auto* const effect = new QGraphicsOpacityEffect(&window);
+    effect->setOpacity(0.5);
+    meter->setGraphicsEffect(effect);
+    QApplication::processEvents();
+    paintsBehind.count = 0;
+    model.push(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return paintsBehind.count > 0; }))
+        << "while it fades, all of it is composed anew";
 }
 
 TEST(ProcessingGlowTest, turnsOnlyWhileItIsSeenAndMovementIsWanted) {
