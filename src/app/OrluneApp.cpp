@@ -22,6 +22,9 @@ namespace orlune {
 
 namespace {
 
+/// Read by the toolkit when it connects to an X server.
+constexpr auto noSharedPictures = "QT_XCB_NO_MITSHM";
+
 /// The shared state stands on the platform, so it goes first.
 class SharedState {
   public:
@@ -193,7 +196,11 @@ int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** argume
                 return exitFailed;
             }
         }
+        // The meter's frames are a few kilobytes. Writing them to the X server costs less than
+        // waiting, before each, until it has read the last one from shared memory.
+        qputenv(noSharedPictures, "1");
         QApplication application(argumentCount, arguments);
+        qunsetenv(noSharedPictures); // other programs choose for themselves
         nameApplication();
         QApplication::setWindowIcon(applicationIcon());
         QApplication::setQuitOnLastWindowClosed(false);
