@@ -5,12 +5,12 @@
 #include "app/desktop/LinuxDesktop.h"
 #include "app/desktop/TrustDialog.h"
 #include "app/remote/Status.h"
+#include "ui/Picture.h"
 #include "visuals/OrluneMark.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QPainter>
-#include <QPixmap>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -38,13 +38,9 @@ class SharedState {
 QIcon applicationIcon() {
     QIcon icon;
     for (const int side : {16, 32, 48, 128}) {
-        QPixmap picture(side, side);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        OrluneMark::paint(painter, picture.rect());
-        painter.end();
-        icon.addPixmap(picture);
+        icon.addPixmap(ui::picture({side, side}, /*devicePixelRatio=*/1, [side](QPainter& painter) {
+            OrluneMark::paint(painter, QRectF(0, 0, side, side));
+        }));
     }
     return icon;
 }

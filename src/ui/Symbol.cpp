@@ -1,6 +1,7 @@
 #include "ui/Symbol.h"
 
 #include "ui/AccessibleElement.h"
+#include "ui/Picture.h"
 
 #include <QFile>
 #include <QPainter>
@@ -49,16 +50,12 @@ QByteArray drawing(const QString& name, Weight weight) {
 QPixmap drawn(const QString& name, double side, Weight weight, const QColor& color,
               qreal devicePixelRatio) {
     const int pixels = static_cast<int>(std::ceil(side * devicePixelRatio));
-    QPixmap pixmap(pixels, pixels);
-    pixmap.setDevicePixelRatio(devicePixelRatio);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF square(0, 0, side, side);
-    QSvgRenderer(drawing(name, weight)).render(&painter, square);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(pixmap.rect(), color);
-    return pixmap;
+    return picture({pixels, pixels}, devicePixelRatio, [&](QPainter& painter) {
+        const QRectF square(0, 0, side, side);
+        QSvgRenderer(drawing(name, weight)).render(&painter, square);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(QRect(0, 0, pixels, pixels), color);
+    });
 }
 
 int sideLength(double pointSize) {

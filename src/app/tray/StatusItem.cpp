@@ -1,5 +1,6 @@
 #include "app/tray/StatusItem.h"
 
+#include "ui/Picture.h"
 #include "ui/Symbol.h"
 
 #include <QPainter>
@@ -37,17 +38,14 @@ QIcon menuBarIcon(const QString& symbol) {
         };
         const auto edge = drawn(ui::withOpacity(Qt::black, 0.35));
         const double reach = side / 22.0;
-        QPixmap picture(side, side);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        const QPointF middle((side - edge.width()) / 2.0, (side - edge.height()) / 2.0);
-        for (const QPointF direction :
-             {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)}) {
-            painter.drawPixmap(middle + direction * reach, edge);
-        }
-        painter.drawPixmap(middle, drawn(Qt::white));
-        painter.end();
-        icon.addPixmap(picture);
+        icon.addPixmap(ui::picture({side, side}, /*devicePixelRatio=*/1, [&](QPainter& painter) {
+            const QPointF middle((side - edge.width()) / 2.0, (side - edge.height()) / 2.0);
+            for (const QPointF direction :
+                 {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)}) {
+                painter.drawPixmap(middle + direction * reach, edge);
+            }
+            painter.drawPixmap(middle, drawn(Qt::white));
+        }));
     }
     return icon;
 }
