@@ -59,6 +59,11 @@ void OverlayPanel::orderFront() {
     updateOutline();
 }
 
+void OverlayPanel::orderOut() {
+    hide();
+    destroy();
+}
+
 void OverlayPanel::updateOutline() {
     const QRegion outline(content_->outline().toFillPolygon().toPolygon());
     if (!testAttribute(Qt::WA_TranslucentBackground)) {

@@ -21,6 +21,8 @@ class OverlayPanel final : public QWidget {
 
     /// Above all other windows, whichever program is active.
     void orderFront();
+    /// Off the screen; the window and its picture are made anew for the next dictation.
+    void orderOut();
 
   private:
     void setTranslucent(bool isTranslucent);

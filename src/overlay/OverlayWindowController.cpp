@@ -108,7 +108,7 @@ void OverlayWindowController::hide() {
     positionPanel(sinksTo, /*animated=*/true);
     animate(hideDuration, ui::easeIn(), /*opacity=*/0);
     // Whatever phase has been reached by then.
-    QTimer::singleShot(hideDuration, panel_.get(), [panel = panel_.get()] { panel->hide(); });
+    QTimer::singleShot(hideDuration, panel_.get(), [panel = panel_.get()] { panel->orderOut(); });
 }
 
 void OverlayWindowController::animate(std::chrono::milliseconds duration, const QEasingCurve& curve,
