@@ -89,8 +89,10 @@ void Text::setLineLimit(int lineLimit) {
 }
 
 void Text::setMinimumScale(double minimumScale) {
-    style_.minimumScale = minimumScale;
-    update();
+    if (style_.minimumScale != minimumScale) {
+        style_.minimumScale = minimumScale;
+        update();
+    }
 }
 
 /// A text that is too long for its line is drawn smaller, and cut where that is not enough.
