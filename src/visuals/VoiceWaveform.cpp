@@ -5,7 +5,9 @@
 #include "visuals/MeterPicture.h"
 #include "visuals/OrlunePalette.h"
 
+#include <QBackingStore>
 #include <QPainter>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -72,25 +74,46 @@ void VoiceWaveform::showBars() {
     if (!isVisible() || bars() == painted_) {
         return;
     }
-    if (!background_.isValid() || ui::isFading(*this)) {
+    if (!showsBarsAlone()) {
         update();
-        return;
     }
-    // Opaque for this one time, so that Qt paints nothing behind the meter.
-    setAttribute(Qt::WA_OpaquePaintEvent, true);
-    repaint();
-    setAttribute(Qt::WA_OpaquePaintEvent, false);
+}
+
+/// Straight into the window's picture, and from there to the screen: finding out what else has to
+/// be painted costs more than the bars. False when there is something else.
+bool VoiceWaveform::showsBarsAlone() {
+    auto* const store = window()->backingStore();
+    auto* const handle = window()->windowHandle();
+    if (!background_.isValid() || ui::isFading(*this) || !store || !handle || !handle->isExposed()
+        || store->size() != window()->size()) {
+        return false;
+    }
+    const QPoint place = mapTo(window(), QPoint());
+    const QRegion region(rect().translated(place));
+    store->beginPaint(region);
+    {
+        QPainter painter(store->paintDevice());
+        painter.translate(place);
+        paint(painter, background_);
+    }
+    store->endPaint();
+    store->flush(region, handle);
+    return true;
 }
 
 void VoiceWaveform::paintEvent(QPaintEvent* /*event*/) {
-    painted_ = bars();
     QPainter painter(this);
+    paint(painter, {});
+}
+
+void VoiceWaveform::paint(QPainter& painter, const QColor& background) {
+    painted_ = bars();
     const QTransform toPixels = painter.deviceTransform();
     // The meter may begin within a pixel of the screen; its picture does not.
     const QRect pixels = toPixels.mapRect(QRectF(rect())).toAlignedRect();
     QImage picture(pixels.size(), QImage::Format_ARGB32_Premultiplied);
-    if (testAttribute(Qt::WA_OpaquePaintEvent)) {
-        picture.fill(background_);
+    if (background.isValid()) {
+        picture.fill(background);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
     } else {
         picture.fill(Qt::transparent);

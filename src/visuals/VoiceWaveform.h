@@ -46,6 +46,9 @@ class VoiceWaveform final : public QWidget {
 
     std::array<Bar, barCount> bars() const;
     void showBars();
+    bool showsBarsAlone();
+    /// Over what is there, or where it is known, over nothing but that.
+    void paint(QPainter& painter, const QColor& background);
     void paintBars(QImage& picture, const QTransform& toPixels) const;
 
     double size_;

@@ -97,7 +97,6 @@ TEST(VoiceWaveformTest, isPaintedAloneWhereItsBackgroundIsKnownAndNothingFades) 
     meter->setParent(&window);
     meter->move(30, 20);
     PaintCounter paintsBehind(window);
-    PaintCounter paints(*meter);
     const auto shown = [&] {
         return dynamic_cast<const QImage&>(*window.backingStore()->paintDevice()).copy();
     };
@@ -106,11 +105,12 @@ TEST(VoiceWaveformTest, isPaintedAloneWhereItsBackgroundIsKnownAndNothingFades) 
     QApplication::processEvents();
 
     meter->setBackground(Qt::darkGreen);
-    paints.count = paintsBehind.count = 0;
+    paintsBehind.count = 0;
     for (const double level : {1.0, 0.5, 0.0}) {
+        const auto before = shown();
         model.push(level);
+        EXPECT_NE(shown(), before);
     }
-    EXPECT_EQ(paints.count, 3);
     EXPECT_EQ(paintsBehind.count, 0);
     EXPECT_LE(largestDifference(shown(), window.grab().toImage()), 2)
         << "higher bars leave no trace";
