@@ -167,6 +167,7 @@ class Portal final : public QDBusVirtualObject {
     }
 
     void change(const QString& group, const QString& key, const QVariant& value) {
+        groups_[group][key] = value; // for whoever asks from now on
         auto signal = QDBusMessage::createSignal(path, interface, QStringLiteral("SettingChanged"));
         signal << group << key << QVariant::fromValue(QDBusVariant(value));
         bus_.send(signal);
