@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t whole = 256;
 
 std::uint32_t parts(double share) {
-    return static_cast<std::uint32_t>(share * whole + 0.5);
+    return static_cast<std::uint32_t>(std::lround(share * whole));
 }
 
 /// `to`, which is opaque, covers so many parts of what `from` shows. Two channels at a time.

@@ -34,6 +34,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, KeySequence& sequ
     argument.beginStructure();
     argument >> sequence.keys;
     argument.endStructure();
+    // As QtDBus wants it: NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter)
     return argument;
 }
 
@@ -244,7 +245,7 @@ void KGlobalAccel::bind(const QString& name, int key, std::function<void(int key
             << presentAndNotRemembered;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(binding), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, onBound = std::move(onBound)] {
+            [watcher, onBound = std::move(onBound)] {
                 const auto reply = watcher->reply();
                 watcher->deleteLater();
                 int bound = 0;
