@@ -52,6 +52,7 @@ Portal::Portal(QDBusConnection connection)
     connect(owner_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString& before, const QString& after) {
                 if (!before.isEmpty()) {
+                    unsent_.clear();
                     Q_EMIT lost();
                 }
                 if (!after.isEmpty()) {
@@ -63,6 +64,9 @@ Portal::Portal(QDBusConnection connection)
 }
 
 Portal::~Portal() {
+    for (const auto& call : unsent_) {
+        connection_.send(call); // there is no later; keys that come up do so in any order
+    }
     QDBusConnection::disconnectFromBus(connection_.name());
 }
 
@@ -112,7 +116,26 @@ void Portal::request(const QString& interface, const QString& method, QVariantLi
 void Portal::send(const QString& interface, const QString& method, const QVariantList& arguments) {
     auto call = QDBusMessage::createMethodCall(portalName, portalPath, interface, method);
     call.setArguments(arguments);
-    connection_.send(call);
+    send(call);
+}
+
+void Portal::send(const QDBusMessage& call) {
+    unsent_.push_back(call);
+    sendNext();
+}
+
+void Portal::sendNext() {
+    if (isSending_ || unsent_.empty()) {
+        return;
+    }
+    isSending_ = true;
+    auto* watcher = new QDBusPendingCallWatcher(connection_.asyncCall(unsent_.front()), this);
+    unsent_.pop_front();
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        isSending_ = false;
+        sendNext();
+    });
 }
 
 QString Portal::makeToken() {
@@ -132,8 +155,8 @@ PortalSession::PortalSession(Portal& portal, QDBusObjectPath path, QObject* pare
 
 PortalSession::~PortalSession() {
     if (isOpen_) {
-        portal_.connection().send(QDBusMessage::createMethodCall(
-            portalName, path_.path(), sessionInterface, QStringLiteral("Close")));
+        portal_.send(QDBusMessage::createMethodCall(portalName, path_.path(), sessionInterface,
+                                                    QStringLiteral("Close")));
     }
 }
 

@@ -4,12 +4,14 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QObject>
 #include <QString>
 #include <QVariant>
 
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <optional>
 
@@ -52,8 +54,10 @@ class Portal final : public QObject {
     void request(const QString& interface, const QString& method, QVariantList arguments,
                  QVariantMap options, std::optional<std::chrono::milliseconds> limit,
                  QObject* receiver, OnResponse onResponse);
-    /// Calls a method whose answer does not matter. Calls are carried out in order.
+    /// Calls a method whose answer does not matter. These calls are carried out in order: the
+    /// portal has a thread for each call, so that the next one waits for the answer to the last.
     void send(const QString& interface, const QString& method, const QVariantList& arguments);
+    void send(const QDBusMessage& call);
 
     QDBusConnection& connection() { return connection_; }
     /// A name that no other handle has had.
@@ -68,10 +72,13 @@ class Portal final : public QObject {
   private:
     explicit Portal(QDBusConnection connection);
     void registerApplication();
+    void sendNext();
 
     QDBusConnection connection_;
     QDBusServiceWatcher* owner_;
     int tokens_ = 0;
+    std::deque<QDBusMessage> unsent_;
+    bool isSending_ = false;
 };
 
 /// A session that a portal has opened. Closes it with its end.
