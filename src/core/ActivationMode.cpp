@@ -12,7 +12,7 @@ struct Texts {
     std::string_view glyph;
 };
 
-// One row for each mode, in the order of their declaration.
+// One row per mode, in the order of the declaration.
 constexpr std::array texts{
     Texts{"tapToToggle", "Tap to toggle", "Press once to start, once to finish",
           "cursorarrow.click"},

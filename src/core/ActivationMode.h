@@ -1,5 +1,5 @@
-// How the shortcut runs a dictation, and the texts that present the choice. Plain values, from any
-// thread.
+// How the shortcut runs a dictation, with the texts that present the choice. Plain values, usable
+// on any thread.
 #pragma once
 
 #include <array>
@@ -20,7 +20,7 @@ enum class ActivationMode {
 inline constexpr std::array allActivationModes{ActivationMode::tapToToggle,
                                                ActivationMode::holdToSpeak};
 
-/// The stored form, which is also the mode's identity in lists. It stands in settings files, so it
+/// The stored form, which is also the mode's identity in lists. Settings files contain it, so it
 /// never changes.
 std::string_view rawValue(ActivationMode mode);
 

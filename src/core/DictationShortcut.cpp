@@ -16,7 +16,7 @@ constexpr std::string_view keyCodeMember = "keyCode";
 constexpr std::string_view modifiersMember = "modifiers";
 constexpr std::string_view functionName = "fn";
 
-// Members that a later version may add are skipped however deeply they nest, within reason.
+// Members that a later version may add are skipped, nested up to this depth.
 constexpr std::size_t nestingLimit = 512;
 
 struct NamedKey {
@@ -24,7 +24,7 @@ struct NamedKey {
     std::string_view name;
 };
 
-// Letters by their position on an ANSI keyboard. Digits and punctuation have no name on purpose.
+// Letters by their position on an ANSI keyboard. Digits and punctuation deliberately have no name.
 constexpr std::array<NamedKey, 30> namedKeys{{
     {0, "A"},  {1, "S"},  {2, "D"},  {3, "F"},       {4, "H"},      {5, "G"},
     {6, "Z"},  {7, "X"},  {8, "C"},  {9, "V"},       {11, "B"},     {12, "Q"},
@@ -46,7 +46,8 @@ std::optional<Integer> exactInteger(const boost::json::value& value) {
                                                : std::nullopt;
     }
     if (const double* number = value.if_double()) {
-        // The first value past the range is a power of two and thus exact, the last one may not be.
+        // The first value past the range is a power of two and thus exact; the last value in it may
+        // not be.
         const double end = std::ldexp(1.0, std::numeric_limits<Integer>::digits);
         const bool isExact = *number >= 0 && *number < end && std::trunc(*number) == *number;
         return isExact ? std::optional(static_cast<Integer>(*number)) : std::nullopt;
@@ -87,7 +88,7 @@ ModifierFlags DictationShortcut::Modifiers::flags() const {
 }
 
 std::string DictationShortcut::displayName() const {
-    // The order in which shortcuts are written, which is not that of the raw values.
+    // The order in which modifiers are written, which is not that of the raw values.
     constexpr std::array<std::pair<Modifiers, std::string_view>, 5> names{{
         {Modifiers::control, "⌃"},
         {Modifiers::option, "⌥"},
@@ -104,7 +105,7 @@ std::string DictationShortcut::displayName() const {
     if (keyCode) {
         parts.push_back(keyName(*keyCode));
     }
-    // Glyphs stand side by side; a word among them needs room.
+    // Glyphs need no separator; a word among them does.
     const std::string_view separator = modifiers.contains(Modifiers::function) ? " " : "";
     std::string result;
     for (const std::string& part : parts) {

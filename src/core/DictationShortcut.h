@@ -1,6 +1,6 @@
-// The key, the modifier keys, or both that start and end a dictation. A plain value, from any
-// thread; the default value is the Fn key alone. Text that does not decode gives no value, and the
-// caller falls back to the default.
+// The key, the modifier keys, or both that start and end a dictation. A plain value, usable on any
+// thread; the default value is the Fn key by itself. Text that does not decode gives no value, and
+// the caller falls back to the default.
 #pragma once
 
 #include "platform/KeyCombination.h"
@@ -14,8 +14,8 @@
 namespace orlune {
 
 struct DictationShortcut {
-    /// A set of modifier keys. The raw values of the members stand in settings files and never
-    /// change; bits that no member names are kept and take part in every operation.
+    /// A set of modifier keys. Settings files contain the raw values of the members, which never
+    /// change. Bits that no member names are kept and take part in every operation.
     class Modifiers {
       public:
         static const Modifiers command;
@@ -34,12 +34,11 @@ struct DictationShortcut {
 
         /// The five modifier keys among the flags of a keyboard event; all other flags are ignored.
         static Modifiers from(ModifierFlags flags);
-        /// The flags of these modifier keys.
         ModifierFlags flags() const;
 
         constexpr std::uint64_t rawValue() const { return rawValue_; }
         constexpr bool isEmpty() const { return rawValue_ == 0; }
-        /// Whether all of `members` are in this set.
+        /// Whether this set contains all of `members`.
         constexpr bool contains(Modifiers members) const { return members.isSubset(*this); }
         constexpr bool isSubset(Modifiers other) const { return subtracting(other).isEmpty(); }
         constexpr bool isSuperset(Modifiers other) const { return other.isSubset(*this); }
@@ -63,29 +62,29 @@ struct DictationShortcut {
         std::uint64_t rawValue_ = 0;
     };
 
-    /// The Mac's virtual key code of the main key, 0 (the A key) to 65535; absent for a shortcut of
-    /// modifier keys alone.
+    /// The Mac's virtual key code of the main key, 0 (the A key) to 65535; absent for a shortcut
+    /// that has only modifier keys.
     std::optional<std::uint16_t> keyCode;
     /// The modifier keys that must be held.
     Modifiers modifiers = Modifiers::function;
 
     /// The shortcut as shown to the user, such as "⇧⌘K" or "fn Space"; empty for an empty shortcut.
     std::string displayName() const;
-    /// What the platform calls it.
+    /// The same keys as the platform names them.
     KeyCombination keyCombination() const {
         return {.virtualKey = keyCode, .modifiers = modifiers.flags()};
     }
     /// Where Fn is on a keyboard on which `standIn` counts as Fn, such as "Right Control on this
-    /// keyboard"; empty for a shortcut without Fn, and when nothing stands in.
+    /// keyboard"; empty for a shortcut without Fn, and when no key stands in for Fn.
     std::string functionKeyHint(std::string_view standIn) const;
 
     /// A JSON object with the members "keyCode" (left out when absent) and "modifiers".
     std::string encode() const;
 
-    /// Reads what `encode` writes. "keyCode" may be missing or null, "modifiers" must be there, and
-    /// both must be numbers whose value is an integer in the field's range, however it is written:
-    /// 40, 40.0 and 4e1 are the same number. Of a repeated member the last one counts; members
-    /// with other names are ignored. Anything else gives no value.
+    /// Reads what `encode` writes. "keyCode" may be missing or null, "modifiers" is required. Both
+    /// must be numbers whose value is an integer in the field's range, however it is written: 40,
+    /// 40.0 and 4e1 are the same number. Of a repeated member the last one counts; members with
+    /// other names are ignored. Anything else gives no value.
     static std::optional<DictationShortcut> decode(std::string_view json);
 
     bool operator==(const DictationShortcut&) const = default;

@@ -27,7 +27,7 @@ constexpr std::string_view shortRequestHint = "The desired outcome may need one 
 constexpr std::string_view vaguePhraseHint = "One part sounds open to interpretation.";
 constexpr int fewestWords = 4;
 
-// As they look after case folding.
+// In case-folded form.
 constexpr std::array vaguePhrases{
     std::u16string_view(u"something like"), std::u16string_view(u"somehow"),
     std::u16string_view(u"make it better"), std::u16string_view(u"do the thing"),
@@ -36,11 +36,11 @@ constexpr std::array vaguePhrases{
 constexpr char16_t clauseBoundary[] =
     uR"((?<=[.!?])\s+|,\s*(?=(?:and\s+)?(?:also|make sure|keep|use|include|avoid|do not|don't|never|must|should|need)\b)|\s+(?=(?:and\s+)?(?:also|make sure|keep|use|include|avoid|do not|don't|never|must|should|need)\b)|\s+(?=but\s+))";
 
-// Below this code unit every character stands for itself: nothing there combines with its
-// neighbours, except a line feed after a carriage return.
+// Below this code unit every character stands for itself: nothing combines with its neighbours,
+// except a line feed after a carriage return.
 constexpr char16_t firstCombining = 0x300;
 
-// ICU fails here only without memory or without its own data.
+// ICU fails here only when memory or its own data is missing.
 void require(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) {
         throw std::bad_alloc();
@@ -62,7 +62,8 @@ std::string toUtf8(const UnicodeString& text) {
     return text.toUTF8String(result);
 }
 
-// The user-perceived characters (extended grapheme clusters) of one text, which must outlive this.
+// The user-perceived characters (extended grapheme clusters) of one text, which must outlive this
+// object.
 class Characters {
   public:
     explicit Characters(const UnicodeString& text) : text_(text) {}
@@ -85,7 +86,7 @@ class Characters {
                    && text_.charAt(index - 1) != u'\r');
     }
 
-    // To build the iterator takes longer than to check a short transcript, to copy it does not.
+    // Building the iterator takes longer than checking a short transcript; copying it does not.
     icu::BreakIterator& breaks() {
         static const std::unique_ptr<const icu::BreakIterator> prototype = [] {
             UErrorCode status = U_ZERO_ERROR;
@@ -105,8 +106,8 @@ class Characters {
     std::unique_ptr<icu::BreakIterator> breaks_;
 };
 
-// Tab, line feed, form feed, carriage return and the separators. ICU's own `\s` has vertical tab
-// and U+0085 besides, which must stay here: they are the only line breaks that end a clause.
+// Tab, line feed, form feed, carriage return and the separators. ICU's own `\s` also matches
+// vertical tab and U+0085, which must be kept: they are the only line breaks that end a clause.
 bool isCollapsible(char16_t unit) {
     if (unit < 0x80) {
         return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\f' || unit == u'\r';
@@ -122,7 +123,7 @@ bool isClauseEdge(char16_t unit) {
     return unit == u' ' || unit == u',' || unit == u'\n' || unit == u'\t';
 }
 
-// Every character that a caller trims is one code unit.
+// Every character that callers trim is one code unit.
 template <typename Predicate>
 std::u16string_view trimmed(std::u16string_view text, Predicate isTrimmed) {
     const auto start = std::ranges::find_if_not(text, isTrimmed);
@@ -145,7 +146,7 @@ UnicodeString normalised(const UnicodeString& text) {
     for (const char16_t unit : source) {
         if (!isCollapsible(unit)) {
             *end++ = unit;
-        } else if (end[-1] != u' ') { // the first unit is no whitespace
+        } else if (end[-1] != u' ') { // the first unit is not whitespace
             *end++ = u' ';
         }
     }
@@ -164,9 +165,9 @@ const icu::RegexPattern& clauseBoundaryPattern() {
     return *pattern;
 }
 
-// Each line of the text is searched by itself. A line break is neither whitespace nor part of a
-// word, just like the end of the text, so that no match is lost or gained; and a run of whitespace
-// within a line is one space, so that the search takes linear time.
+// Each line of the text is searched separately. A line break is neither whitespace nor part of a
+// word, just like the end of the text, so no match is lost or gained. A run of whitespace within a
+// line is one space by now, so the search takes linear time.
 std::vector<std::u16string_view> splitIntoClauses(const UnicodeString& text) {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<icu::RegexMatcher> boundaries(
@@ -222,7 +223,7 @@ std::string sentenceCase(std::u16string_view clause) {
     return sentence;
 }
 
-// A character is what its first scalar is: an e with a combining accent is a letter.
+// The first scalar decides: an e with a combining accent is a letter.
 bool isLetterOrNumber(UChar32 firstScalar) {
     return u_isUAlphabetic(firstScalar) != 0
            || u_getIntPropertyValue(firstScalar, UCHAR_NUMERIC_TYPE) != U_NT_NONE;
@@ -243,9 +244,9 @@ bool hasFewerWords(const UnicodeString& text, int wanted) {
     return true;
 }
 
-// Letters that differ in case alone become the same letter under the user's locale: a Turkish or
-// Azerbaijani one keeps the dotted and the dotless i apart, and its lower case joins a capital I
-// with the dot that follows it.
+// Letters that differ only in case become the same letter under the user's locale. Turkish and
+// Azerbaijani keep the dotted and the dotless i apart, and lower case there joins a capital I with
+// the dot that follows it.
 UnicodeString caseFolded(UnicodeString text) {
     const icu::Locale& locale = icu::Locale::getDefault();
     const std::string_view language = locale.getLanguage();
@@ -255,10 +256,10 @@ UnicodeString caseFolded(UnicodeString text) {
     return text.foldCase();
 }
 
-// ICU's collating search would find more than a difference in case (it ignores NUL and soft hyphens
+// ICU's collating search would find more than differences in case (it ignores NUL and soft hyphens
 // and takes wide letters for plain ones), at many times the cost. Folding and a plain search find
-// just that. The phrases are ASCII, so nothing else is canonically equivalent to them; but what is
-// found must be whole characters, as "somehow" is not in "somehoẃ", however encoded.
+// only those. The phrases are ASCII, so nothing else is canonically equivalent to them. A match
+// must consist of whole characters, as "somehow" is not in "somehoẃ", however encoded.
 bool containsVaguePhrase(const UnicodeString& text) {
     const UnicodeString folded = caseFolded(text);
     const std::u16string_view searched = viewOf(folded);

@@ -7,7 +7,7 @@
 namespace orlune {
 namespace {
 
-// Whitespace beyond U+FFFF does not exist, so that no character of four bytes matters here.
+// No whitespace lies beyond U+FFFF, so characters of four bytes do not matter here.
 constexpr std::size_t longestWhitespace = 3;
 
 // Whether the bytes are the UTF-8 form of one whitespace or newline character, and nothing else.

@@ -1,4 +1,4 @@
-// Small operations on UTF-8 text. Pure functions, from any thread; they never fail.
+// Small operations on UTF-8 text. Pure functions, usable on any thread; they never fail.
 #pragma once
 
 #include <string_view>
@@ -9,8 +9,8 @@ namespace orlune {
 /// and U+2029.
 bool isWhitespaceOrNewline(char32_t character);
 
-/// The text without whitespace and newlines at either end: a view into `text`, nothing is copied.
-/// Bytes that are not valid UTF-8 are not whitespace.
+/// The text without leading and trailing whitespace and newlines: a view into `text`, nothing is
+/// copied. Bytes that are not valid UTF-8 are not whitespace.
 std::string_view trimmedWhitespaceAndNewlines(std::string_view text);
 
 } // namespace orlune

@@ -8,8 +8,8 @@ namespace orlune {
 
 namespace {
 
-/// How one field moves towards its target: a share of the distance with each push, another share
-/// on the way up than on the way down. Below the floor it counts as 0.
+/// How one field approaches its target: each push covers a share of the distance, with one share
+/// for rising and one for falling. Below the floor the field counts as 0.
 struct Follower {
     double rising;
     double falling;
@@ -26,7 +26,7 @@ constexpr Follower calmLevelFollower{0.54, 0.16, 0.008};
 constexpr Follower voiceActivityFollower{0.88, 0.22, 0.008};
 constexpr Follower speechPulseFollower{0.92, 0.24, 0.006};
 
-// Quiet input is lifted (an exponent below 1), so that soft speech moves the picture as well.
+// Quiet input is raised (an exponent below 1), so that soft speech also moves the picture.
 constexpr double quietestInput = 0.008;
 constexpr double shapeExponent = 0.68;
 
@@ -34,12 +34,12 @@ constexpr double shapeExponent = 0.68;
 constexpr double voiceThreshold = 0.012;
 constexpr double voiceRange = 0.11;
 
-// A syllable begins where the input rises above the calm level and above what remains of the level
+// A syllable begins where the input rises above the calm level and above this share of the level
 // before it.
 constexpr double previousLevelShare = 0.82;
 constexpr double pulseGain = 3.8;
 
-// Radians for each push at full voice activity.
+// Radians per push at full voice activity.
 constexpr double phaseStepForLevel = 0.14;
 constexpr double phaseStepAlways = 0.012;
 constexpr double phaseStepForPulse = 0.1;

@@ -1,6 +1,7 @@
 // Turns the levels of the microphone into the few quantities that the waveform views animate. Owned
 // by the session controller, which pushes every level while it listens and resets the frame between
-// dictations. Used on the main actor alone. It knows no time: it moves once for each pushed level.
+// dictations. Only used on the main actor. Does not depend on time: it advances once per pushed
+// level.
 #pragma once
 
 #include "platform/concurrency/Published.h"
@@ -23,11 +24,10 @@ class WaveformState : public ObservableObject {
 
     const Published<Frame>& frame() const { return frame_; }
 
-    /// Moves the frame on by each level, from 0 to 1, and publishes it once.
+    /// Advances the frame by each level, from 0 to 1, and publishes it once.
     void push(std::span<const double> levels);
     void push(double level) { push({&level, 1}); }
 
-    /// All fields become 0.
     void reset() { frame_.set(Frame{}); }
 
   private:
