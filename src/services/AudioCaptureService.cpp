@@ -15,17 +15,16 @@ namespace {
 
 constexpr AudioFormat packetFormat{AudioFormat::Sample::int16, 16000, 1, true};
 
-// 12 ms of input: packets are small enough to follow speech closely and large enough to be cheap.
+// 12 ms of input: short enough to follow speech closely, long enough to be cheap.
 constexpr double tapSeconds = 0.012;
 constexpr double smallestTapFrames = 256;
 
-// The loudness that is shown runs from -56 to -14 decibels of full scale, speech at arm's length.
+// The displayed loudness covers -56 to -14 decibels of full scale, which is speech at arm's length.
 constexpr float quietestDecibels = -56;
 constexpr float decibelRange = 42;
-// The lowest part of that range is the noise of a room; what lies above is stretched over the
-// whole.
+// The lowest part of that range is the noise of a room; the rest is stretched over the whole range.
 constexpr double noiseGate = 0.035;
-// Shares of the distance to the target that are covered with each buffer.
+// Shares of the distance to the target that each buffer covers.
 constexpr double risingShare = 0.94;
 constexpr double fallingShare = 0.38;
 // A decaying level below this is silence.
@@ -48,7 +47,7 @@ double targetLevel(float rms) {
 }
 
 float sumOfSquares(std::span<const float> samples) {
-    // Separate sums have no order among them, so that the compiler may use vector instructions.
+    // Separate sums have no fixed order, so the compiler may use vector instructions.
     constexpr std::size_t lanes = 16;
     std::array<float, lanes> sums{};
     std::size_t index = 0;
@@ -79,8 +78,7 @@ const char* AudioCaptureService::CaptureError::what() const noexcept {
     return "";
 }
 
-/// What happens to each delivery, with the state of one preparation. Touched by the audio thread
-/// alone.
+/// Processes each delivery, with the state of one preparation. Only used on the audio thread.
 class AudioCaptureService::TapHandler {
   public:
     TapHandler(LevelCallback level, AudioDataCallback audioData,
@@ -89,7 +87,7 @@ class AudioCaptureService::TapHandler {
           converter_(std::move(converter)), outputPerInput_(packetFormat.sampleRate / inputRate) {}
 
     void handle(std::span<const AudioPCMBuffer> buffers) {
-        // First the levels: a conversion that fails still moves the waveform.
+        // The levels come first, so that a conversion that fails still moves the waveform.
         levels_.clear();
         for (const auto& buffer : buffers) {
             levels_.push_back(smoothed(targetLevel(rms(buffer))));
@@ -114,11 +112,11 @@ class AudioCaptureService::TapHandler {
         return previousLevel_;
     }
 
-    /// Adds the buffer's packet, unless there is none.
+    /// Adds the buffer's packet, if there is one.
     void convert(const AudioPCMBuffer& buffer) {
         const auto capacity =
             static_cast<std::uint32_t>(outputPerInput_ * buffer.frameLength()) + 1;
-        // Buffers are all of one size, so this one is made once.
+        // All buffers have one size, so this one is made only once.
         if (!output_ || output_->frameCapacity() != capacity) {
             output_ = AudioPCMBuffer::create(packetFormat, capacity);
         }

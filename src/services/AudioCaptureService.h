@@ -1,8 +1,8 @@
 // The default microphone as packets for the transcription, with a loudness for the waveform. Owned
 // by the session controller, which prepares, starts and stops it on the main actor. Both callbacks
-// run on the engine's audio thread and must return quickly: for each delivery first the levels,
-// then the packets, so that whoever listens wakes once. Failures are thrown: CaptureError by
-// `prepare`, the engine's own error by `start`.
+// run on the engine's audio thread and must return quickly. Each delivery calls the level callback
+// first and then the data callback, so that the receiver wakes once. `prepare` throws CaptureError,
+// `start` the engine's own error.
 #pragma once
 
 #include "core/AudioPacketStream.h"
@@ -39,21 +39,21 @@ class AudioCaptureService {
     /// Receives the samples of one buffer; never an empty packet.
     using AudioDataCallback = std::function<void(AudioPacket packet)>;
 
-    /// The one engine that is made here is used for every dictation.
+    /// Makes one engine, which is used for every dictation.
     AudioCaptureService(const AudioEngineFactory& makeEngine, AudioConverterFactory makeConverter);
     ~AudioCaptureService();
     AudioCaptureService(const AudioCaptureService&) = delete;
     AudioCaptureService& operator=(const AudioCaptureService&) = delete;
 
-    /// Installs the tap, in the place of one that is still there, and prepares the engine without
-    /// starting it. Returns the format of the packets. Nothing is installed when it throws.
+    /// Installs the tap, replacing an earlier one, and prepares the engine without starting it.
+    /// Returns the format of the packets. Nothing is installed when it throws.
     AudioFormat prepare(LevelCallback level, AudioDataCallback audioData);
 
-    /// Starts a prepared engine; does nothing when there is none. Throws AudioEngineError, after
-    /// which the tap stays until `stop`.
+    /// Starts a prepared engine; does nothing when there is none. When it throws AudioEngineError,
+    /// the tap stays until `stop`.
     void start();
 
-    /// Once it has returned no callback is called any more. Harmless at any time.
+    /// No callback runs after it has returned. May be called at any time.
     void stop();
 
     bool isPrepared() const { return isPrepared_; }

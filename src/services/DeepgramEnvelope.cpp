@@ -12,13 +12,12 @@ namespace json = boost::json;
 
 namespace {
 
-/// Deeper than any message of the service, shallow enough for every stack.
+/// Deeper than any message of the service, and shallow enough for any stack.
 constexpr std::size_t deepestNesting = 128;
 
-/// Thrown and caught in this file: a member does not have its type.
+/// Thrown and caught in this file: a member has the wrong type.
 struct Mismatch {};
 
-/// The member, or none when it is absent or null.
 const json::value* member(const json::object& object, const char* name) {
     const auto* value = object.if_contains(name);
     return value && !value->is_null() ? value : nullptr;

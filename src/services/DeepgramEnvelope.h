@@ -1,6 +1,6 @@
-// What is read of one message of the transcription service; private to `DeepgramService`. A member
-// that is null counts as absent, one of another type fails the whole message, members not named
-// here are ignored.
+// The parts of a transcription service's message that are read; private to `DeepgramService`. A
+// member that is null counts as absent, one of another type makes the whole message invalid, other
+// members are ignored.
 #pragma once
 
 #include "services/DeepgramService.h"

@@ -79,7 +79,7 @@ WebSocketRequest DeepgramService::request(const std::string& apiKey, int sampleR
     request.headers = {{"Authorization", "Token " + apiKey}};
     const auto endpoint = boost::urls::parse_uri(endpoint_);
     if (!endpoint) {
-        request.url = endpoint_; // the connection says what is wrong with it
+        request.url = endpoint_; // the connection reports what is wrong with it
         return request;
     }
     boost::urls::url url = *endpoint;
@@ -115,7 +115,7 @@ Awaitable<void> DeepgramService::receiveAll(std::weak_ptr<DeepgramService> weakS
         } catch (const std::exception&) {
             failed = true; // finish() reports what a broken connection means for the dictation
         }
-        // What was under way when the connection was replaced belongs to no dictation any more.
+        // A message that was under way when the connection was replaced belongs to no dictation.
         if (task.isCancelled() || self->socket_ != socket) {
             co_return;
         }
@@ -191,7 +191,8 @@ Awaitable<void> DeepgramService::sendOnActor(Self self, AudioPacket packet) {
         auto sending = socket->send(std::move(message));
         co_await std::move(sending);
     } catch (const std::exception&) {
-        // A packet that cannot be sent is dropped: the dictation goes on, and finish() speaks up.
+        // A packet that cannot be sent is dropped: the dictation goes on, and finish() reports the
+        // error.
     }
 }
 

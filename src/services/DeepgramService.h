@@ -1,7 +1,7 @@
-// The client of the live transcription service: one connection per dictation. An actor owned by the
-// session controller for the life of the process and made with `make_shared`. The callback given to
-// `start` is called on the actor and must only hand the text on. Failures of a connection stay
-// silent until `finish`, which throws `ServiceError` or the connection's own error.
+// The client of the live transcription service: one connection per dictation. An actor, owned by
+// the session controller for the life of the process and made with `make_shared`. The callback
+// given to `start` runs on the actor and must only pass the text on. Failures of a connection are
+// not reported until `finish`, which throws `ServiceError` or the connection's own error.
 #pragma once
 
 #include "core/AudioPacketStream.h"
@@ -43,18 +43,19 @@ class DeepgramService final : public Actor, public std::enable_shared_from_this<
 
     using TranscriptHandler = std::function<void(std::string)>;
 
-    /// `endpoint` is scheme, host and port of the service. The session and the clock outlive the
-    /// service; `background` is where its strand runs.
+    /// `endpoint` is scheme, host and port of the service. The session and the clock must outlive
+    /// the service; its strand runs on `background`.
     DeepgramService(WebSocketSession& session, Clock& clock, const Executor& background,
                     std::string endpoint);
 
     /// Opens a new connection, closing any previous one first. Returns once connecting has begun;
-    /// a connection that fails later shows in `finish`. `sampleRate` is in hertz. `onTranscript`
-    /// receives everything recognised so far, never a delta, after each result that carries text.
+    /// `finish` reports a connection that fails later. `sampleRate` is in hertz. `onTranscript`
+    /// receives everything recognised so far, never a delta, after each result that contains text.
     Awaitable<void> start(std::string apiKey, int sampleRate, TranscriptHandler onTranscript);
 
-    /// Sends one packet and waits until the connection has taken it. Dropped when there is no
-    /// connection, when it is being closed, when it is empty, and when sending fails. Never throws.
+    /// Sends one packet and waits until the connection has taken it. The packet is dropped when
+    /// there is no connection, when it is being closed, when the packet is empty, and when sending
+    /// fails. Never throws.
     Awaitable<void> send(AudioPacket packet);
 
     /// Ends the audio, waits at most 1.8 s for the last results and returns the transcript, trimmed
@@ -62,11 +63,11 @@ class DeepgramService final : public Actor, public std::enable_shared_from_this<
     /// could not be sent (the connection then stays until `cancel`).
     ///
     /// Like every operation it runs on when its caller is cancelled. When `start` replaces the
-    /// connection while an earlier `finish` waits, that one leaves the new connection alone: it
-    /// ends at its next look, with `noTranscript`, since its own text is gone.
+    /// connection while `finish` waits, `finish` does not touch the new connection and throws
+    /// `noTranscript` at its next check, because its own text is gone.
     Awaitable<std::string> finish();
 
-    /// Closes the connection at once. Harmless without one. Never throws.
+    /// Closes the connection at once; does nothing without one. Never throws.
     Awaitable<void> cancel();
 
   private:

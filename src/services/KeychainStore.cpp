@@ -11,7 +11,7 @@ namespace orlune {
 namespace {
 
 bool isUTF8(std::string_view text) {
-    // A conversion that only asks how long the result would be: nothing is copied.
+    // The conversion only computes the length of the result: nothing is copied.
     std::int32_t length = 0;
     UErrorCode error = U_ZERO_ERROR;
     u_strFromUTF8(nullptr, 0, &length, text.data(), static_cast<std::int32_t>(text.size()), &error);
@@ -42,7 +42,7 @@ std::optional<std::string> KeychainStore::string(SecretKey key) const {
 
 void KeychainStore::set(std::string_view value, SecretKey key) const {
     const auto item = query(key);
-    // There may be nothing to delete; an old item that stays makes the add below fail.
+    // There may be nothing to delete; an old item that cannot be deleted makes the add below fail.
     items_.remove(item);
     if (value.empty()) {
         return;

@@ -1,6 +1,6 @@
-// The secrets of the program, kept in the desktop's own store as one item each. It holds nothing
-// itself: every read and write goes straight to the store. Used on the main actor; each call is as
-// bounded as the store's own. Reading never fails visibly, writing throws KeychainStore::Error.
+// The secrets of the program, each stored as one item in the desktop's own store. It caches
+// nothing: every read and write goes to the store. Used on the main actor; each call has the
+// store's own time limit. Reading never throws, writing throws KeychainStore::Error.
 #pragma once
 
 #include "platform/SecretItems.h"
@@ -20,7 +20,7 @@ std::string_view rawValue(SecretKey key);
 
 class KeychainStore {
   public:
-    /// The store refused to keep a secret; `what()` is the store's text for a person.
+    /// The store refused to store a secret; `what()` is the store's text for the user.
     class Error : public std::runtime_error {
       public:
         explicit Error(const SecretStatus& status)
@@ -33,20 +33,19 @@ class KeychainStore {
 
     explicit KeychainStore(SecretItems& items) : items_(items) {}
 
-    /// The stored text; none when there is no item, when the store cannot be read for whatever
-    /// reason, and when the item is not UTF-8. An item without data is the empty text.
+    /// The stored text; none when there is no item, when the store cannot be read for any reason,
+    /// and when the item is not UTF-8. An item without data is the empty text.
     std::optional<std::string> string(SecretKey key) const;
 
-    /// Whether the secret is stored, without waiting or asking anybody; see SecretItems.
+    /// Whether the secret is stored, without waiting and without a prompt; see SecretItems.
     void checkPresence(SecretKey key, SecretItems::PresenceHandler handler) const {
         items_.checkPresence(query(key), std::move(handler));
     }
 
-    /// Replaces the secret; an empty value removes it. What was there is deleted first, so that
-    /// after a failed replacement nothing is stored. Throws Error when the new value is refused.
+    /// Replaces the secret; an empty value removes it. The old item is deleted first, so after a
+    /// failed replacement nothing is stored. Throws Error when the store refuses the new value.
     void set(std::string_view value, SecretKey key) const;
 
-    /// The item that holds a secret.
     static SecretItemQuery query(SecretKey key);
 
   private:

@@ -6,7 +6,7 @@ namespace orlune {
 
 namespace {
 
-/// By its place; the platform finds it in the user's layout.
+/// The key by its position; the platform finds it in the user's layout.
 constexpr auto pasteKey = virtual_key::v;
 
 } // namespace
@@ -29,7 +29,7 @@ void TextInsertionService::insert(const std::string& text) const {
     }
     pasteboard_->clearContents();
     if (!pasteboard_->setString(text)) {
-        // The key press would paste what somebody else holds.
+        // The key press would paste another program's text.
         throw InsertionError(Case::eventCreation);
     }
     const auto source = keyEvents_->createSource(EventSourceState::hidSystemState);
@@ -41,7 +41,7 @@ void TextInsertionService::insert(const std::string& text) const {
     if (!keyDown || !keyUp) {
         throw InsertionError(Case::eventCreation);
     }
-    // Command alone, whatever the user still holds.
+    // Only Command, whatever keys the user still holds.
     keyDown->flags = ModifierFlags::command;
     keyUp->flags = ModifierFlags::command;
     const bool isDown = keyEvents_->post(EventTapLocation::hidEventTap, *keyDown);

@@ -1,6 +1,7 @@
-// Puts finished text into whatever program the user is working in: on the pasteboard, then pasted
-// with a synthetic Command-V. A value over facilities of the platform, which outlive it. Main
-// actor; nothing calls back. Failure is an `InsertionError` whose text a person reads.
+// Puts finished text into the program that the user is working in: copies it to the pasteboard and
+// pastes it with a synthetic Command-V. A value that refers to facilities of the platform, which
+// must outlive it. Main actor; no callbacks. Failures throw `InsertionError`, whose text is for the
+// user.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -41,10 +42,10 @@ class TextInsertionService {
         : accessibility_(&accessibility), pasteboard_(&pasteboard), keyEvents_(&keyEvents) {}
 
     /// Replaces the pasteboard's contents with `text` (UTF-8), which stays there, and posts the
-    /// paste. Returns before the target has pasted; whether it does is not observed.
-    /// Throws `accessibilityPermission`, having asked for the prompt and left the pasteboard alone,
-    /// when keys cannot be posted in this session; `eventCreation` when the text or the keys
-    /// could not be handed over.
+    /// paste. Returns before the target has pasted and does not observe whether it does.
+    /// Throws `accessibilityPermission` when keys cannot be posted in this session, after asking
+    /// for the prompt and without touching the pasteboard. Throws `eventCreation` when the text or
+    /// the keys could not be handed over.
     void insert(const std::string& text) const;
 
   private:
