@@ -19,10 +19,10 @@ namespace {
 using namespace std::chrono_literals;
 using Case = AppState::Phase::Case;
 
-/// What the transcription service is told and the capture must deliver, in hertz.
+/// Sent to the transcription service and required of the capture, in hertz.
 constexpr int transcriptionSampleRate = 16000;
 
-// How long each outcome stays on screen: a cancel needs no reading, a failure does.
+// How long each outcome stays on screen: a failure must be read, a cancel need not.
 constexpr auto hideAfterCancel = 350ms;
 constexpr auto hideAfterSuccess = 650ms;
 constexpr auto hideAfterFailure = 2s;
@@ -118,7 +118,7 @@ AppState::AppState(const Platform& platform)
 }
 
 AppState::~AppState() {
-    // A dictation that is still running ends with the state; nobody is told.
+    // A dictation that is still running ends with the state, without a report to anybody.
     tearDownCapture();
     cancelTranscription();
 }
@@ -223,7 +223,7 @@ void AppState::beginDictation() {
 
 Awaitable<void> AppState::connect(std::string key, SessionID identity) {
     try {
-        // Packets of a superseded dictation must not reach the connection of this one.
+        // Packets of an earlier dictation must not reach the connection of this one.
         auto drained = lastSendTask_.value();
         co_await std::move(drained);
         if (!isConnecting(identity)) {
@@ -325,7 +325,7 @@ void AppState::endDictation() {
         audioPacketStream_->continuation.finish();
         audioPacketStream_.reset();
     }
-    // Not cancelled: it still sends the packets that are queued.
+    // Not cancelled: it still has to send the queued packets.
     auto sending = std::exchange(audioSendTask_, {});
     phase_.set(Phase::processing());
     statusMessage_.set("Finishing");
@@ -338,7 +338,7 @@ Awaitable<void> AppState::finish(Task sending, SessionID identity) {
     try {
         auto drained = sending.value();
         co_await std::move(drained);
-        // The connection may be that of a newer dictation by now.
+        // The connection may belong to a newer dictation by now.
         if (sessionID_ != identity) {
             co_return;
         }
@@ -419,7 +419,7 @@ void AppState::fail(const std::string& message) {
     scheduleHide(hideAfterFailure);
 }
 
-/// What the dictation would have inserted, were it confirmed now.
+/// Keeps what the dictation would have inserted if it had been confirmed now.
 void AppState::keepUninsertedText() {
     const auto* check = phase_.get().intentCheck();
     auto text = check ? check->formattedInstruction() : interimTranscript_.get();
@@ -457,7 +457,7 @@ void AppState::tearDownCapture() {
         audioPacketStream_.reset();
     }
     audioSendTask_ = {};
-    lastSendTask_.cancel(); // also when it drains what was said before the end
+    lastSendTask_.cancel(); // also when it still sends what was said before the end
 }
 
 void AppState::cancelTranscription() {

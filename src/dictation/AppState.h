@@ -1,6 +1,6 @@
-// The heart of the program: the one observable state that every window, the tray and the terminal
-// read, and the controller that runs a dictation from the shortcut going down to the text being
-// pasted. One exists for the life of the process; everything here belongs to the main actor.
+// The central state of the program, which every window, the tray and the terminal observe, and the
+// controller that runs a dictation from the press of the shortcut to the paste. One exists for the
+// life of the process; everything here belongs to the main actor.
 // Every failure of a dictation becomes the phase `failure` with a text for the user; none is
 // thrown.
 #pragma once
@@ -33,7 +33,7 @@ class DeepgramService;
 
 class AppState : public ObservableObject, public std::enable_shared_from_this<AppState> {
   public:
-    /// Where a dictation stands. Compared by case and payload.
+    /// The phase of a dictation. Compared by case and payload.
     class Phase {
       public:
         enum class Case {
@@ -68,32 +68,32 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
         std::variant<std::monostate, IntentCheck, std::string> payload_;
     };
 
-    /// The state of this process, made on first use from the platform that `install` received.
+    /// The state of this process, made on first use from the platform that was given to `install`.
     static const std::shared_ptr<AppState>& shared();
     static void install(const Platform& platform);
-    /// Lets the shared state go, before the platform that it stands on ends.
+    /// Releases the shared state. Must be called before the platform ends.
     static void uninstall();
-    /// A state of its own, for a caller that brings its own platform.
+    /// A separate state, for a caller that brings its own platform.
     static std::shared_ptr<AppState> make(const Platform& platform);
 
     ~AppState();
 
-    // What is published. Each change is announced before it is stored.
+    // Published properties. Each change is announced before it is stored.
     const Published<Phase>& phase() const { return phase_; }
     /// The running transcript of the current dictation.
     const Published<std::string>& interimTranscript() const { return interimTranscript_; }
-    /// A short line about the present state, for the overlay.
+    /// A short line about the current state, for the overlay.
     const Published<std::string>& statusMessage() const { return statusMessage_; }
     const Published<bool>& hasDeepgramAPIKey() const { return hasDeepgramAPIKey_; }
-    /// Not persisted: every start of the program is enabled.
+    /// Not persisted: the program always starts enabled.
     const Published<bool>& isEnabled() const { return isEnabled_; }
     const Published<bool>& intentCheckEnabled() const { return intentCheckEnabled_; }
-    /// True while the shortcut recorder records; no key reaches a dictation then.
+    /// True while the shortcut recorder records; keys do not reach a dictation then.
     const Published<bool>& isCapturingShortcut() const { return isCapturingShortcut_; }
     const Published<ActivationMode>& activationMode() const { return activationMode_; }
     const Published<DictationShortcut>& shortcut() const { return shortcut_; }
 
-    // Settings. The last three are persisted by every call, also when the value is unchanged.
+    // Settings. The last three are persisted by every call, even when the value is unchanged.
     void setHasDeepgramAPIKey(bool hasKey);
     void setEnabled(bool enabled) { isEnabled_.set(enabled); }
     void setCapturingShortcut(bool capturing) { isCapturingShortcut_.set(capturing); }
@@ -103,33 +103,33 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
 
     /// Starts a dictation, or confirms a pending review. Does nothing while disabled or busy.
     void beginDictation();
-    /// Stops the capture and produces the result. Acts while `listening` alone.
+    /// Stops the capture and produces the result. Only acts while `listening`.
     void endDictation();
-    /// Inserts the reviewed prompt. Acts while `reviewing` alone.
+    /// Inserts the reviewed prompt. Only acts while `reviewing`.
     void confirmIntent();
-    /// Abandons the dictation. Acts while `listening`, `processing` or `reviewing`.
+    /// Abandons the dictation. Only acts while `listening`, `processing` or `reviewing`.
     void cancelDictation();
 
-    /// Words that a failed or cancelled dictation left behind; empty when there are none. Kept
-    /// until the next dictation is inserted, or for ten minutes.
+    /// The words of a dictation that failed or was cancelled; empty when there are none. Kept until
+    /// the next dictation is inserted, at most ten minutes.
     const std::string& uninsertedText() const { return uninsertedText_.text(); }
     enum class Recovery {
         recovered,
         nothingToRecover,
-        refused, ///< the desktop gave the clipboard to nobody; the text is kept
+        refused, ///< the desktop gave the clipboard to no program; the text is kept
     };
-    /// Puts those words on the pasteboard, where they stay until they are pasted by hand.
+    /// Copies those words to the pasteboard, for the user to paste.
     Recovery recoverUninsertedText();
 
     /// Stores the key without the whitespace around it; a blank key is ignored. Throws the secret
     /// store's error.
     void saveDeepgramAPIKey(std::string_view key);
 
-    /// Looks whether the key is stored, which another program or a late keyring may have changed.
-    /// Returns at once and asks nobody to unlock anything; what cannot be told changes nothing.
+    /// Checks whether the key is stored, which another program or a late keyring may have changed.
+    /// Returns at once and prompts nobody; when the answer is unknown, nothing changes.
     void checkDeepgramAPIKey();
 
-    /// "Hold fn to speak" or "Press fn to speak", with the shortcut's own name.
+    /// "Hold fn to speak" or "Press fn to speak", with the name of the shortcut.
     std::string idleInstruction() const;
 
     const WaveformState& waveform() const { return waveform_; }
@@ -154,8 +154,7 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     bool isConnecting(SessionID identity) const;
 
     const Platform platform_;
-    // Held, not asked for: a task may be the last to let the state go, when the main actor has
-    // gone.
+    // A copy, because a task may be the last owner of the state, after the main actor has gone.
     const Executor main_;
 
     Published<Phase> phase_;
@@ -175,7 +174,7 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     TextInsertionService inserter_;
     Logger latencyLog_;
 
-    std::uint64_t keyCheck_ = 0; ///< an answer to an earlier one is out of date
+    std::uint64_t keyCheck_ = 0; ///< answers to earlier checks are out of date
 
     SessionID sessionID_;
     std::optional<Clock::Instant> speechStartedAt_;
@@ -186,8 +185,8 @@ class AppState : public ObservableObject, public std::enable_shared_from_this<Ap
     Task hideTask_;
     std::optional<AudioPacketStream> audioPacketStream_;
     Task audioSendTask_;
-    /// The newest send task, until the next one: it may still drain packets when the dictation
-    /// that it belongs to has been superseded.
+    /// The newest send task, until the next one: it may still send queued packets when its
+    /// dictation has been replaced by another.
     Task lastSendTask_;
 };
 

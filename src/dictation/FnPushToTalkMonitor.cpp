@@ -52,8 +52,8 @@ void FnPushToTalkMonitor::start() {
     if (std::exchange(isStarted_, true)) {
         return;
     }
-    // Our own windows' events wait for an answer, so they are handled at once. Each step looks
-    // anew whether the monitor is still there: handling may have ended it.
+    // Events of our own windows need an answer, so they are handled synchronously. Each step locks
+    // the monitor again, because handling may have destroyed it.
     const auto handleAndAnswer = [](const std::weak_ptr<FnPushToTalkMonitor>& weakSelf,
                                     Handling handle, const KeyEvent& event) {
         if (const auto self = weakSelf.lock()) {
@@ -133,7 +133,7 @@ void FnPushToTalkMonitor::handleKeyDown(const KeyEvent& event) {
     }
 }
 
-/// The modifiers play no role: they may have been let go first.
+/// Modifiers are ignored: they may have been released first.
 void FnPushToTalkMonitor::handleKeyUp(const KeyEvent& event) {
     const auto state = state_.lock();
     if (!state || state->isCapturingShortcut()) {

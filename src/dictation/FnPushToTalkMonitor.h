@@ -1,6 +1,6 @@
-// Watches the keyboard for the dictation shortcut and for Escape, and turns what it sees into calls
-// on the session controller. Its only state is whether the shortcut is held; shortcut, mode and
-// phase are read from the controller at every event, so that settings act at once. Main actor. One
+// Watches the keyboard for the dictation shortcut and for Escape, and turns both into calls on the
+// session controller. Its only state is whether the shortcut is held; it reads shortcut, mode and
+// phase from the controller at every event, so that settings take effect at once. Main actor. One
 // exists for the life of the process; neither it nor its handlers keep the controller alive.
 #pragma once
 
@@ -13,17 +13,18 @@ namespace orlune {
 
 class AppState;
 
-/// What one press does where presses alternate: begins a dictation, ends it, or confirms it.
+/// What a press does in toggle mode: begins a dictation, ends it, or confirms it.
 void toggleDictation(AppState& state);
 
 class FnPushToTalkMonitor : public std::enable_shared_from_this<FnPushToTalkMonitor> {
   public:
-    /// Watches nothing yet. The facilities outlive the monitor.
+    /// Does not watch anything until `start`. The facilities must outlive the monitor.
     static std::shared_ptr<FnPushToTalkMonitor>
     make(const std::shared_ptr<AppState>& state, KeyEvents& keyEvents, const MainActor& mainActor);
     ~FnPushToTalkMonitor();
 
-    /// Installs the monitors, until the end of this object. A second call does nothing.
+    /// Installs the monitors, which stay until this object is destroyed. A second call does
+    /// nothing.
     void start();
 
   private:

@@ -1,6 +1,6 @@
-// The last words that were said and did not reach another program: kept in memory only, for a
-// while, so that a broken connection or an Escape by mistake loses nothing. A plain value; one
-// thread.
+// The last dictated words that did not reach another program. They are kept only in memory and only
+// for a while, so that a broken connection or an accidental Escape loses nothing. A plain value;
+// one thread.
 #pragma once
 
 #include "platform/SecureWipe.h"
@@ -14,7 +14,7 @@ namespace orlune {
 
 class UninsertedText {
   public:
-    /// Long enough to notice a loss and ask for the words; after that nobody expects them here.
+    /// Long enough to notice the loss and recover the words; later nobody expects them here.
     static constexpr std::chrono::minutes keptFor{10};
 
     UninsertedText() = default;
@@ -29,7 +29,7 @@ class UninsertedText {
         end_ = now + keptFor;
     }
     void forget() { wipe(text_); }
-    /// Forgets what has been kept for long enough.
+    /// Forgets the words once they are older than `keptFor`.
     void expire(Clock::Instant now) {
         if (now >= end_) {
             forget();
