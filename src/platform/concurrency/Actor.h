@@ -1,5 +1,5 @@
-// The base of an object whose fields belong to nobody but itself: every public operation hops to
-// the actor's strand and back to the caller's executor. Like every strand it is re-entrant at each
+// The base of an object whose fields are only used on its own strand: every public operation hops
+// to the strand and back to the caller's executor. Like every strand it is re-entrant at each
 // suspension: while one operation waits, another one may run.
 #pragma once
 
@@ -22,17 +22,17 @@ class Actor {
   protected:
     ~Actor() = default;
 
-    /// The executor on which the actor's fields may be touched.
+    /// The executor on which the actor's fields may be used.
     const Executor& executor() const { return strand_; }
 
     /// Runs `operation` on the strand and returns its result, or throws its exception, on the
-    /// caller's executor. A caller that is cancelled stops waiting at once; the operation itself
-    /// goes on, so it holds what it needs: the actor by a shared pointer, its arguments by value.
+    /// caller's executor. A caller that is cancelled stops waiting at once, but the operation runs
+    /// on. It must therefore hold the actor by a shared pointer and its arguments by value.
     template <typename Value>
     Awaitable<Value> isolated(Awaitable<Value> operation) const {
         using Result = std::conditional_t<std::is_void_v<Value>, std::monostate, Value>;
-        // No cancellation is passed through co_spawn: in Boost 1.81 one that crosses to another
-        // executor may touch its signal after the operation has ended.
+        // No cancellation is passed through co_spawn: in Boost 1.81, a cancellation that crosses to
+        // another executor may touch its signal after the operation has ended.
         auto hop = withContinuation<Result>(
             [strand = strand_, moved = std::move(operation)](Continuation<Result> caller) mutable {
                 if constexpr (std::is_void_v<Value>) {

@@ -1,8 +1,8 @@
-// An unbounded queue from any number of producers to one consumer. Producing costs one node for
-// the element and, when the consumer sleeps, one post to its executor; it never waits for the
-// consumer, so it is safe on an audio thread. Elements come out in the order in which they were
-// yielded; after `finish()` the elements already queued are delivered, then the end. A stream that
-// somebody waits on must be finished, or its consumer cancelled, before it is let go.
+// An unbounded queue from any number of producers to one consumer. Producing costs one node for the
+// element and, when the consumer sleeps, one post to its executor. It never waits for the consumer,
+// so it is safe on an audio thread. Elements come out in the order in which they were yielded;
+// after `finish()` the queued elements are delivered, then the end. Before a stream with a waiting
+// consumer is destroyed, it must be finished or the consumer cancelled.
 #pragma once
 
 #include "platform/concurrency/Continuation.h"
@@ -17,20 +17,20 @@ namespace orlune {
 template <typename Element>
 class AsyncStream {
     struct Node {
-        std::optional<Element> element; // absent: the end of the stream
+        std::optional<Element> element; // absent at the end of the stream
         Node* next = nullptr;
     };
 
     struct Storage {
-        // The newest node of a stack of what was produced, or `asleep()` while the consumer waits.
+        // The newest node of a stack of produced nodes, or `asleep()` while the consumer waits.
         std::atomic<Node*> newest = nullptr;
         std::atomic<bool> finished = false;
-        // Written by the consumer before it publishes `asleep()`, read by the one producer whose
-        // exchange takes that mark away; the exchange orders the two.
+        // Written by the consumer before it publishes `asleep()`, and read by the one producer
+        // whose exchange removes that mark; the exchange orders the two accesses.
         orlune::Continuation<std::monostate> sleeper;
         Node asleepMark;
 
-        // Oldest first; the consumer's own.
+        // Oldest first; only used by the consumer.
         Node* taken = nullptr;
         bool ended = false;
 
@@ -62,7 +62,7 @@ class AsyncStream {
             }
         }
 
-        /// Takes everything that was produced and turns it round, oldest first.
+        /// Takes all produced nodes and reverses them, oldest first.
         void takeProduced() {
             Node* node = newest.exchange(nullptr, std::memory_order_acq_rel);
             while (node) {
@@ -74,7 +74,7 @@ class AsyncStream {
     };
 
   public:
-    /// The producing end. Copies share the stream; any thread may use them.
+    /// The producing end. Copies share the stream and may be used on any thread.
     class Continuation {
       public:
         Continuation() = default;
@@ -102,7 +102,7 @@ class AsyncStream {
     Continuation continuation() const { return Continuation(storage_); }
 
     /// The next element, or none at the end. One consumer at a time. A cancelled wait throws
-    /// `operation_aborted` and ends the stream: whoever consumed it has gone.
+    /// `operation_aborted` and ends the stream, because its consumer has gone.
     Awaitable<std::optional<Element>> next() const {
         const auto storage = storage_;
         while (!storage->ended) {
@@ -115,7 +115,7 @@ class AsyncStream {
                 if (owned->element) {
                     co_return std::move(owned->element);
                 }
-                storage->ended = true; // what a producer that raced with the end left is dropped
+                storage->ended = true; // drops what a producer added after the end
                 break;
             }
             auto wait = withContinuation<std::monostate>([storage](auto continuation) {
@@ -123,7 +123,7 @@ class AsyncStream {
                 Node* expected = nullptr;
                 if (!storage->newest.compare_exchange_strong(expected, storage->asleep(),
                                                              std::memory_order_acq_rel)) {
-                    continuation.resume(); // something came in between
+                    continuation.resume(); // an element arrived meanwhile
                 }
             });
             try {

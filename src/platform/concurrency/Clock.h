@@ -1,5 +1,5 @@
 // The monotonic clock, and the only way to wait for time to pass. Everything above the platform
-// reads time and sleeps through it, so that tests turn it by hand.
+// reads the time and sleeps through it, so that tests can control it.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"

@@ -1,7 +1,7 @@
-// The bridge from callbacks to coroutines: a coroutine suspends, and whoever holds its Continuation
-// resumes it, from any thread, at most once. Nothing else in the program builds on Asio's
-// completion handlers directly. A cancelled wait ends with `operation_aborted`; a continuation that
-// is dropped without being resumed unwinds its coroutine.
+// The bridge from callbacks to coroutines: a coroutine suspends, and the owner of its Continuation
+// resumes it, from any thread, at most once. Nothing else in the program uses Asio's completion
+// handlers directly. A cancelled wait ends with `operation_aborted`; a continuation that is dropped
+// without being resumed unwinds its coroutine.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"
@@ -59,8 +59,8 @@ class SuspendedHandler final
         if (resumed_.exchange(true)) {
             return;
         }
-        // Posted even when already on the right thread: a resumed coroutine never runs inside the
-        // call that resumes it, so the caller's own state is settled when it does.
+        // Posted even when already on the right thread: a coroutine never resumes within the call
+        // that resumes it, so the caller's own state is consistent by then.
         boost::asio::post(work_.get_executor(),
                           [self = this->shared_from_this(), error = std::move(error),
                            value = std::move(value)]() mutable {
@@ -82,8 +82,8 @@ class SuspendedHandler final
 
 } // namespace detail
 
-/// The right to resume one suspended coroutine. Copies share it; the first use wins, later ones do
-/// nothing. Safe from any thread; the coroutine goes on in a later turn of its own executor.
+/// The right to resume one suspended coroutine. Copies share it; the first use counts, later ones
+/// do nothing. Safe from any thread; the coroutine continues in a later turn of its own executor.
 template <typename Value>
 class Continuation {
   public:
@@ -101,8 +101,8 @@ class Continuation {
     std::shared_ptr<detail::SuspendedCoroutine<Value>> suspended_;
 };
 
-/// Suspends the calling coroutine and hands its continuation to `start`, which runs at once on the
-/// calling thread. `Value` is default constructible; use `std::monostate` for "nothing".
+/// Suspends the calling coroutine and passes its continuation to `start`, which runs at once on the
+/// calling thread. `Value` must be default constructible; use `std::monostate` for "nothing".
 template <typename Value, typename Start>
 Awaitable<Value> withContinuation(Start start) {
     auto initiate = [](auto handler, Start body) {

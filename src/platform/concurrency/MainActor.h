@@ -1,5 +1,5 @@
-// The main thread as an executor: all state, views, capture set-up, secrets and insertion live
-// there.
+// The main thread as an executor. All state, views, capture set-up, secrets and insertion live on
+// it.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"
@@ -12,11 +12,11 @@ class MainActor {
   public:
     virtual ~MainActor() = default;
 
-    /// Work posted here runs on the main thread, in order, one after the other.
+    /// Work posted here runs on the main thread, in order, one item at a time.
     virtual Executor executor() const = 0;
     virtual bool isCurrent() const = 0;
 
-    /// To be called first wherever being on the main thread matters.
+    /// To be called first in every function that must run on the main thread.
     void assertCurrent() const { assert(isCurrent()); }
 };
 

@@ -1,6 +1,6 @@
 // A property that announces each change before it is stored, to its own observers and to those of
-// the object it belongs to. Used on the main actor only. Subscribing returns a handle; dropping
-// the handle ends the delivery.
+// the object it belongs to. Only used on the main actor. Subscribing returns a handle; dropping the
+// handle ends delivery.
 #pragma once
 
 #include "platform/concurrency/Signal.h"
@@ -10,8 +10,8 @@
 
 namespace orlune {
 
-/// The base of an object with published properties; observers of the whole object hear every
-/// change.
+/// The base of an object with published properties; observers of the whole object are called for
+/// every change.
 class ObservableObject {
   public:
     /// Called before any published property takes its new value.
@@ -35,7 +35,7 @@ class Published {
     const Value& get() const { return value_; }
     operator const Value&() const { return value_; }
 
-    /// Announces, then stores, also when the value is the same as before.
+    /// Announces, then stores, even when the value is unchanged.
     void set(Value value) {
         owner_.objectWillChange();
         willChange_(value);

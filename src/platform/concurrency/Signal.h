@@ -1,6 +1,6 @@
-// One announcement to any number of observers. Used on one thread. An observer may subscribe, end
-// any subscription, its own too, and announce again from within its call; who subscribes during an
-// announcement receives the next one.
+// Announces to any number of observers. Used on one thread. Within its call, an observer may
+// subscribe, end any subscription (including its own) and announce again. An observer that
+// subscribes during an announcement receives only later ones.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace orlune {
 
-/// What a signal knows of its observers without their arguments.
+/// The part of a signal that does not depend on the arguments.
 class ObserverList {
   public:
     struct Observer {
@@ -20,13 +20,13 @@ class ObserverList {
     };
 
     void add(std::shared_ptr<Observer> observer) { observers_.push_back(std::move(observer)); }
-    /// The observer may be the one that is being called; it lives until it returns.
+    /// The observer may be the one that is running; it is kept alive until it returns.
     void remove(const Observer* observer) {
         const auto found = std::ranges::find(observers_, observer, &std::shared_ptr<Observer>::get);
         if (found == observers_.end()) {
             return;
         }
-        // Whoever walks the list counts its places.
+        // The entry is only cleared, because a walk in progress counts positions.
         const auto removed = std::exchange(*found, nullptr);
         if (walks_ == 0) {
             observers_.erase(found);
@@ -45,7 +45,7 @@ class ObserverList {
     }
 
   private:
-    /// Also ends when an observer throws.
+    /// The walk also ends when an observer throws.
     class Walk {
       public:
         explicit Walk(ObserverList& list) : list_(list) { ++list_.walks_; }
@@ -65,7 +65,7 @@ class ObserverList {
     int walks_ = 0;
 };
 
-/// The handle of an observer. Dropping it ends the delivery at once; it may outlive the signal.
+/// The handle of an observer. Dropping it ends delivery at once; it may outlive the signal.
 class Subscription {
   public:
     Subscription() = default;
@@ -115,7 +115,7 @@ class Signal<void(Arguments...)> {
 
     /// Calls the observers in the order in which they subscribed.
     void operator()(Arguments... arguments) const {
-        const auto observers = observers_; // an observer may end this signal
+        const auto observers = observers_; // an observer may destroy this signal
         observers->forEach([&](ObserverList::Observer& observer) {
             static_cast<Entry&>(observer).observe(arguments...);
         });

@@ -31,7 +31,7 @@ struct Task::State {
     }
 
     const Executor executor;
-    asio::cancellation_signal signal; // touched on `executor` alone
+    asio::cancellation_signal signal; // only touched on `executor`
     std::atomic<bool> cancelled = false;
     std::mutex mutex;
     bool finished = false;
@@ -40,7 +40,7 @@ struct Task::State {
 
 namespace {
 
-/// Reports what escaped a task, unless it is the ordinary end of a cancelled one.
+/// Reports an error that escaped a task, except the normal end of a cancelled one.
 void reportEscaped(const std::exception_ptr& error, bool cancelled) {
     try {
         std::rethrow_exception(error);
@@ -66,8 +66,8 @@ Awaitable<void> Task::run(Task task, std::shared_ptr<Body> body) {
 Task Task::startBody(const Executor& executor, Body body) {
     Task task(std::make_shared<State>(executor));
     auto held = std::make_shared<Body>(std::move(body));
-    // A task that is unwound because its executor ends has ended too, even one that has not begun:
-    // whoever waits must know.
+    // When the executor ends, it unwinds the task, even one that has not begun. The task counts as
+    // ended then, so that its waiters are resumed.
     std::shared_ptr<void> ending(nullptr, [state = task.state_](void*) { state->finish(); });
     asio::post(executor, [task, held = std::move(held), ending = std::move(ending)]() mutable {
         auto state = task.state_;

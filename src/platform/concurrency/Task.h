@@ -1,8 +1,8 @@
-// A coroutine that was started and runs on its own: the handle cancels it and waits for its end.
-// Dropping the handle changes nothing; the task keeps what it captured alive until it ends.
-// The body runs on the executor given, first in a later turn. Cancellation takes effect at the
-// task's next suspension (a sleep ends early). An exception that escapes the body is a bug: it is
-// reported on standard error and never silently lost.
+// A coroutine that was started and runs independently; the handle cancels it and waits for its end.
+// Dropping the handle does not affect the task, which keeps its captures alive until it ends. The
+// body runs on the given executor and starts in a later turn. Cancellation takes effect at the
+// task's next suspension (a sleep ends early). An exception that escapes the body is a bug and is
+// reported on standard error.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"
@@ -18,17 +18,18 @@ class Task {
     /// An empty handle: cancelling it does nothing, waiting for it returns at once.
     Task() = default;
 
-    /// Starts `body`, a callable that returns `Awaitable<void>` and takes nothing or its own task.
+    /// Starts `body`, a callable that returns `Awaitable<void>` and takes either nothing or its own
+    /// task.
     template <typename Body>
     static Task start(const Executor& executor, Body body);
 
-    /// May be called from any thread, also on the task itself, any number of times.
+    /// May be called from any thread, from the task itself, and repeatedly.
     void cancel() const;
-    /// True from the moment `cancel()` was called, before the task itself has noticed.
+    /// True as soon as `cancel()` was called, even before the task has noticed.
     bool isCancelled() const;
     explicit operator bool() const { return state_ != nullptr; }
 
-    /// Waits until the task has ended, however it ended.
+    /// Waits until the task has ended in any way.
     Awaitable<void> value() const;
 
   private:
@@ -43,7 +44,7 @@ class Task {
 
 template <typename BodyType>
 Task Task::start(const Executor& executor, BodyType body) {
-    // std::function needs copies; a shared holder admits bodies that can only be moved.
+    // std::function needs copyable callables; a shared holder also supports move-only bodies.
     auto holder = std::make_shared<BodyType>(std::move(body));
     return startBody(executor, [holder](Task task) -> Awaitable<void> {
         if constexpr (std::invocable<BodyType&, Task>) {
