@@ -1,4 +1,4 @@
-// What the desktop lets this program do with other programs' windows: see keys and post them.
+// Whether the desktop lets this program see and post keys in other programs' windows.
 #pragma once
 
 #include <string>
@@ -11,10 +11,10 @@ class Accessibility {
 
     /// True when keys can be posted into other programs in this session.
     virtual bool isProcessTrusted() = 0;
-    /// The same; with `prompt`, and when not trusted, the user is told what is missing and how to
-    /// grant it. Returns at once, without waiting for the user.
+    /// The same. With `prompt`, and when not trusted, also shows the user what is missing and how
+    /// to grant it. Returns at once, without waiting for the user.
     virtual bool isProcessTrustedWithOptions(bool prompt) = 0;
-    /// Why the process is not trusted, for a person; empty when it is.
+    /// Why the process is not trusted, as a text for the user; empty when it is trusted.
     virtual std::string reasonForDistrust() = 0;
 };
 

@@ -1,5 +1,5 @@
-// Turns samples of one format into another, keeping its resampling state from buffer to buffer.
-// Used by one thread at a time; whoever made it owns it.
+// Converts samples from one format to another and keeps its resampling state between buffers. Used
+// by one thread at a time; owned by its creator.
 #pragma once
 
 #include "platform/AudioFormat.h"
@@ -13,17 +13,17 @@ class AudioConverter {
   public:
     enum class InputStatus { haveData = 0, noDataNow = 1 };
 
-    /// Asked for input until it has none: sets the status and returns the buffer, or nothing.
+    /// Called for input until it has none: sets the status and returns the buffer, or null.
     using Input = std::function<const AudioPCMBuffer*(InputStatus&)>;
 
     virtual ~AudioConverter() = default;
 
     /// Converts what `input` supplies into `output` and sets its frame length, which may be 0.
-    /// Output that finds no room is kept for the next call. False when the conversion failed.
+    /// Output that does not fit is kept for the next call. False when the conversion failed.
     [[nodiscard]] virtual bool convert(AudioPCMBuffer& output, const Input& input) = 0;
 };
 
-/// Makes a converter between two formats, or none when there is no way from one to the other.
+/// Makes a converter between two formats, or null when the conversion is not supported.
 using AudioConverterFactory =
     std::function<std::unique_ptr<AudioConverter>(const AudioFormat& from, const AudioFormat& to)>;
 

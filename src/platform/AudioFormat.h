@@ -1,4 +1,4 @@
-// How samples are laid out, and a buffer of them. Plain values without a device.
+// The layout of samples, and a buffer of them. Plain values, independent of any device.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ struct AudioFormat {
     enum class Sample { float32, int16 };
 
     Sample sample = Sample::float32;
-    double sampleRate = 0; ///< hertz; not above 0 when there is no device
+    double sampleRate = 0; ///< hertz; 0 or less when there is no device
     std::uint32_t channelCount = 0;
     bool isInterleaved = false;
 
@@ -24,19 +24,18 @@ struct AudioFormat {
 /// Samples are in the machine's byte order; float samples run from -1 to 1.
 class AudioPCMBuffer {
   public:
-    /// None when the format has no channels or the memory cannot be had.
+    /// None when the format has no channels or the memory cannot be allocated.
     static std::optional<AudioPCMBuffer> create(const AudioFormat& format,
                                                 std::uint32_t frameCapacity);
 
     const AudioFormat& format() const { return format_; }
     std::uint32_t frameCapacity() const { return frameCapacity_; }
     std::uint32_t frameLength() const { return frameLength_; }
-    /// At most the capacity; more is cut to it.
+    /// Limited to the capacity.
     void setFrameLength(std::uint32_t frames);
 
-    /// The filled samples of one channel, without the other channels' between them; empty for
-    /// another sample type. An interleaved buffer of several channels has one run, channel 0, that
-    /// holds the samples of all.
+    /// The filled samples of one channel, contiguous; empty for another sample type. An interleaved
+    /// buffer of several channels has one run, channel 0, with the samples of all channels.
     std::span<const float> floatChannel(std::uint32_t channel) const;
     std::span<const std::int16_t> int16Channel(std::uint32_t channel) const;
     /// The same, to the full capacity and writable.

@@ -5,7 +5,7 @@
 namespace orlune {
 
 std::string base64(std::span<const std::byte> bytes) {
-    std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0'); // with the final NUL it writes
+    std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0'); // including the final NUL
     const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
                                        reinterpret_cast<const unsigned char*>(bytes.data()),
                                        static_cast<int>(bytes.size()));
@@ -24,7 +24,7 @@ std::optional<std::vector<std::byte>> bytesFromBase64(std::string_view text) {
     // The decoder counts the padding as bytes.
     const auto padding = text.ends_with("==") ? 2u : text.ends_with("=") ? 1u : 0u;
     bytes.resize(bytes.size() - padding);
-    // It also skips blanks and ignores stray bits.
+    // The decoder also skips blanks and ignores stray bits.
     return base64(bytes) == text ? std::optional(std::move(bytes)) : std::nullopt;
 }
 

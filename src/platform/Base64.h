@@ -1,4 +1,4 @@
-// Base64 with padding, on one line. Pure functions, from any thread.
+// Base64 with padding, on one line. Pure functions, usable on any thread.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 namespace orlune {
 
 std::string base64(std::span<const std::byte> bytes);
-/// None for text that `base64` does not write: blanks, stray bits, missing padding.
+/// None for text that `base64` would not write: blanks, stray bits, missing padding.
 std::optional<std::vector<std::byte>> bytesFromBase64(std::string_view text);
 
 } // namespace orlune

@@ -8,17 +8,17 @@ namespace orlune {
 class CaptureAuthorization {
   public:
     enum class Status {
-        notDetermined, ///< nobody has been asked yet, or the answer is not in yet
+        notDetermined, ///< not requested yet, or not answered yet
         denied,        ///< refused, or there is no microphone
         authorized,
     };
 
     virtual ~CaptureAuthorization() = default;
 
-    /// What is known now; returns at once.
+    /// The current knowledge; returns at once.
     virtual Status authorizationStatus() = 0;
-    /// Asks the desktop, and the user where it comes to that. `completion` is called once, on any
-    /// thread, with whether access is granted.
+    /// Asks the desktop, and the user where necessary. `completion` is called once, on any thread,
+    /// with whether access is granted.
     virtual void requestAccess(std::function<void(bool isGranted)> completion) = 0;
 };
 

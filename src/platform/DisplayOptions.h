@@ -1,4 +1,4 @@
-// How the user wants things shown, as set for the whole desktop. Main thread; follows the setting.
+// The user's display settings for the whole desktop. Main thread; follows changes.
 #pragma once
 
 #include "platform/concurrency/Published.h"
@@ -9,7 +9,7 @@ class DisplayOptions {
   public:
     virtual ~DisplayOptions() = default;
 
-    /// Movement that carries no meaning is to be left out.
+    /// True when movement without meaning should be left out.
     virtual const Published<bool>& shouldReduceMotion() const = 0;
 };
 

@@ -11,7 +11,7 @@ namespace orlune {
 struct KeyCombination {
     /// The virtual key code of the main key; none for modifier keys only.
     std::optional<std::uint16_t> virtualKey;
-    /// What must be held with it.
+    /// The modifiers that must be held with it.
     ModifierFlags modifiers = ModifierFlags::none;
 
     bool operator==(const KeyCombination&) const = default;

@@ -1,5 +1,6 @@
-// Synthetic key presses into whatever program has the keyboard. Key codes are virtual key codes
-// (9 = V). Main actor; posting returns at once, in order, and never waits for the target.
+// Posts synthetic key presses to the program that has the keyboard focus. Key codes are virtual key
+// codes (9 = V). Main actor; posting returns at once, keeps the order, and never waits for the
+// target.
 #pragma once
 
 #include "platform/ModifierFlags.h"
@@ -12,7 +13,7 @@ namespace orlune {
 enum class EventSourceState { hidSystemState = 1 };
 enum class EventTapLocation { hidEventTap = 0 };
 
-/// Where posted events come from. Obtained from `KeyEventPosting::createSource`.
+/// The source of posted events. Obtained from `KeyEventPosting::createSource`.
 struct EventSource {
     EventSourceState state;
 };
@@ -20,7 +21,7 @@ struct EventSource {
 struct KeyboardEvent {
     std::uint16_t virtualKey;
     bool isKeyDown;
-    /// Replaces whatever modifiers the user holds.
+    /// Replaces the modifiers that the user holds.
     ModifierFlags flags;
 };
 
@@ -28,10 +29,10 @@ class KeyEventPosting {
   public:
     virtual ~KeyEventPosting() = default;
 
-    /// A dictation begins, whose text will be pasted. Some desktops want a session opened for it,
-    /// which they show to the user until `rest`.
+    /// To be called when a dictation begins, whose text will be pasted. Some desktops need a
+    /// session for posting keys, which they show to the user until `rest`.
     virtual void prepare() = 0;
-    /// The dictation is over. Keys that were posted still arrive.
+    /// To be called when the dictation is over. Keys that were posted before still arrive.
     virtual void rest() = 0;
 
     /// None when keys cannot be posted at all.
@@ -39,8 +40,8 @@ class KeyEventPosting {
     /// None when this key cannot be posted. The event carries no flags.
     virtual std::optional<KeyboardEvent>
     createKeyboardEvent(const EventSource& source, std::uint16_t virtualKey, bool isKeyDown) = 0;
-    /// Command-V is the paste chord of the focused window, whatever that is there. False when no
-    /// key was posted: the layout lacks the chord, or the window would paste somebody else's text.
+    /// Command-V posts the paste keys of the focused window, whichever these are. False when no key
+    /// was posted: the layout lacks these keys, or the window would paste another program's text.
     virtual bool post(EventTapLocation location, const KeyboardEvent& event) = 0;
 };
 

@@ -1,8 +1,8 @@
-// Watching the keyboard: the keys other programs receive, and those our own windows receive. Key
-// codes are virtual key codes (53 = Escape). Main actor; handlers are called there, in the order of
-// the keys. Each monitor lives as long as its handle; a handle may outlive the facility. Where
-// other programs' keys cannot be seen, global handlers are never called, and the reason can be
-// asked for.
+// Watches the keyboard: the keys that other programs receive, and those that our own windows
+// receive. Key codes are virtual key codes (53 = Escape). Main actor; handlers are called there, in
+// the order of the keys. Each monitor lives as long as its handle; a handle may outlive the
+// facility. Where other programs' keys cannot be seen, global handlers are never called, and
+// `reasonForUnavailability` says why.
 #pragma once
 
 #include "platform/KeyCombination.h"
@@ -19,19 +19,19 @@ struct KeyEvent {
     enum class Type : std::uint8_t { keyDown = 10, keyUp = 11, flagsChanged = 12 };
 
     Type type;
-    /// Of a modifier key in `flagsChanged`.
+    /// In `flagsChanged`, the modifier key that changed.
     std::uint16_t keyCode;
-    /// What is held once this event has happened.
+    /// The modifiers held after this event.
     ModifierFlags modifierFlags;
-    /// A further `keyDown` of a key that stayed down.
+    /// True for a repeated `keyDown` of a key that stayed down.
     bool isARepeat = false;
-    /// The number by which the toolkit's own event names the same key; 0 when there is none.
+    /// The toolkit's number for the same key; 0 when there is none.
     std::uint32_t nativeKeyCode = 0;
 
     bool operator==(const KeyEvent&) const = default;
 };
 
-/// Which types of event a monitor sees: one bit for each, at the place its number names.
+/// The types of event that a monitor sees, as one bit each: bit n for the type with value n.
 enum class KeyEventMask : std::uint64_t {
     keyDown = std::uint64_t{1} << 10,
     keyUp = std::uint64_t{1} << 11,
@@ -47,7 +47,7 @@ constexpr bool matches(KeyEventMask mask, KeyEvent::Type type) {
     return ((static_cast<std::uint64_t>(mask) >> static_cast<unsigned int>(type)) & 1U) != 0;
 }
 
-/// What a local monitor does with an event of our own windows.
+/// What a local monitor decides about an event of our own windows.
 enum class KeyEventAnswer { passOn, swallow };
 
 /// The handle of a monitor. Removing it, or dropping it, ends the delivery at once.
@@ -85,25 +85,25 @@ class KeyEvents {
 
     virtual ~KeyEvents() = default;
 
-    /// Sees what other programs receive, and cannot keep it from them. Called while none of our own
-    /// windows has the keyboard.
+    /// Sees the keys that other programs receive, without being able to swallow them. Called while
+    /// none of our own windows has the keyboard.
     [[nodiscard]] virtual KeyEventMonitor addGlobalMonitor(KeyEventMask mask,
                                                            GlobalHandler handler) = 0;
-    /// Sees what our own windows are about to receive. A swallowed event reaches neither the window
-    /// nor the monitors that were added later.
+    /// Sees the keys that our own windows are about to receive. A swallowed event reaches neither
+    /// the window nor the monitors that were added later.
     [[nodiscard]] virtual KeyEventMonitor addLocalMonitor(KeyEventMask mask,
                                                           LocalHandler handler) = 0;
     /// The keys that global monitors look for. Some desktops show a program only the keys that it
-    /// asks for; where every key is seen anyway, both calls change nothing.
+    /// asked for; where every key is seen, both calls have no effect.
     virtual void watch(const KeyCombination& shortcut) = 0;
-    /// The same for Escape, which such a desktop keeps from other programs meanwhile.
+    /// The same for Escape, which such a desktop keeps from other programs while it is wanted.
     virtual void watchEscape(bool isWanted) = 0;
-    /// Whether global monitors also see the watched keys come up.
+    /// Whether global monitors also see the release of the watched keys.
     virtual bool reportsReleases() = 0;
-    /// Why global monitors see nothing here, for a person; empty when they do.
+    /// Why global monitors see no keys, as a text for the user; empty when they do.
     virtual std::string reasonForUnavailability() = 0;
-    /// The key that counts as Fn, in words such as "Right Control". Empty when that is the key with
-    /// Fn on it, and when no key counts as Fn.
+    /// The key that counts as Fn, in words such as "Right Control". Empty when the key labelled Fn
+    /// counts, and when no key counts as Fn.
     virtual std::string functionKeyStandIn() = 0;
 };
 

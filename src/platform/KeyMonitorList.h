@@ -1,5 +1,5 @@
-// The monitors of one kind, in the order they were added: what an implementation of `KeyEvents`
-// keeps for its handlers. Main actor. Handlers may add and remove monitors, themselves included.
+// The monitors of one kind, in the order they were added; implementations of `KeyEvents` keep their
+// handlers here. Main actor. Handlers may add and remove monitors, including themselves.
 #pragma once
 
 #include "platform/KeyEvents.h"
@@ -14,7 +14,7 @@ class KeyMonitorList {
     using Handler = KeyEvents::LocalHandler;
 
     KeyEventMonitor add(KeyEventMask mask, Handler handler);
-    /// Asks one monitor after the other, until one swallows the event.
+    /// Passes the event to one monitor after the other, until one swallows it.
     KeyEventAnswer offer(const KeyEvent& event) const;
 
   private:

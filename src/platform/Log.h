@@ -1,5 +1,5 @@
-// The system log. Safe from any thread; writing never fails. Nothing secret and nothing the user
-// said is ever logged.
+// The system log. Safe from any thread; writing never fails. Neither secrets nor what the user said
+// is ever logged.
 #pragma once
 
 #include <string>

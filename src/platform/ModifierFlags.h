@@ -1,4 +1,4 @@
-// The modifier keys held during a keyboard event, as bits of one word. Plain values, from any
+// The modifier keys held during a keyboard event, as bits of one word. Plain values, usable on any
 // thread.
 #pragma once
 
@@ -7,8 +7,8 @@
 namespace orlune {
 
 /// The bit positions are those of the Mac's event flags, like the key codes everywhere above the
-/// platform. A value may hold further bits (Caps Lock, numeric pad, one key of a left and right
-/// pair); they are kept, and nobody above the platform reads them.
+/// platform. A value may contain further bits (Caps Lock, numeric pad, one key of a left and right
+/// pair); they are kept, but no code above the platform reads them.
 enum class ModifierFlags : std::uint64_t {
     none = 0,
     shift = std::uint64_t{1} << 17,
@@ -40,7 +40,7 @@ constexpr ModifierFlags& operator&=(ModifierFlags& left, ModifierFlags right) {
     return left = left & right;
 }
 
-/// Whether every bit of `wanted` is set in `flags`.
+/// Whether `flags` contains every bit of `wanted`.
 constexpr bool contains(ModifierFlags flags, ModifierFlags wanted) {
     return (flags & wanted) == wanted;
 }

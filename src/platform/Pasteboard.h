@@ -1,4 +1,4 @@
-// The general pasteboard: what a paste in any program inserts. Main actor.
+// The general pasteboard: the contents that a paste in any program inserts. Main actor.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ class Pasteboard {
 
     virtual void clearContents() = 0;
     /// Offers `text` (UTF-8) as plain text and nothing else. False when the desktop refused; the
-    /// text is then offered once more in the next turn, so that the user can paste it.
+    /// text is then offered again in the next turn, so that the user can paste it.
     virtual bool setString(const std::string& text) = 0;
 };
 

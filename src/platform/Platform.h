@@ -1,5 +1,5 @@
-// What the program asks of a desktop, bundled once where the program is put together and handed
-// down. The referenced facilities outlive everything that receives the bundle.
+// All facilities of a desktop in one bundle, which is filled where the program is put together and
+// handed down. The referenced facilities outlive everything that receives the bundle.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -25,12 +25,12 @@
 
 namespace orlune {
 
-/// Names the program wherever the desktop asks: secrets, log, D-Bus, configuration folder.
+/// The program's name wherever the desktop needs one: secrets, log, D-Bus, configuration folder.
 inline constexpr auto bundleIdentifier = "app.orlune.Orlune";
 
 struct Platform {
     MainActor& mainActor;
-    Executor background; ///< for work that belongs to no thread in particular
+    Executor background; ///< for work that may run on any thread
     Clock& clock;
     AudioEngineFactory makeAudioEngine;
     AudioConverterFactory makeAudioConverter;

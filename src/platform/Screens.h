@@ -1,4 +1,4 @@
-// The screens, and where the pointer is. Main thread. One unit is one logical pixel, y grows
+// The screens, and the position of the pointer. Main thread. One unit is one logical pixel, y grows
 // downwards, and the origin is that of the whole desktop.
 #pragma once
 
@@ -20,7 +20,7 @@ struct Rect {
     double width = 0;
     double height = 0;
 
-    /// The left and upper edges belong to it, the right and lower ones do not.
+    /// The left and upper edges belong to the rectangle, the right and lower ones do not.
     bool contains(Point point) const {
         return point.x >= x && point.x < x + width && point.y >= y && point.y < y + height;
     }
@@ -30,7 +30,7 @@ struct Rect {
 
 struct Screen {
     Rect frame;
-    /// Without the panels and docks of the desktop that lie on this screen.
+    /// The frame without the desktop's panels and docks on this screen.
     Rect visibleFrame;
 
     bool operator==(const Screen&) const = default;
@@ -41,9 +41,9 @@ class Screens {
     virtual ~Screens() = default;
 
     virtual Point pointerLocation() = 0;
-    /// In the system's order; empty when there is none.
+    /// In the system's order; empty when there are no screens.
     virtual std::vector<Screen> all() = 0;
-    /// The one the desktop calls its first.
+    /// The desktop's primary screen.
     virtual std::optional<Screen> main() = 0;
 };
 

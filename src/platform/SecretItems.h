@@ -1,6 +1,6 @@
-// Generic-password items in the desktop's own secret store. Calls are synchronous and bounded: a
-// store that is locked, missing or asking the user for a password answers within the bound with a
-// status, never with a frozen program. Used on the main actor.
+// Generic-password items in the desktop's secret store. Calls are synchronous and have a time
+// limit: a store that is locked, missing or asking the user for a password answers within the limit
+// with a status, so the program never hangs. Used on the main actor.
 #pragma once
 
 #include <functional>
@@ -10,14 +10,14 @@
 
 namespace orlune {
 
-/// Which item: the application's bundle identifier and the name of the secret.
+/// Identifies an item: the application's bundle identifier and the name of the secret.
 struct SecretItemQuery {
     std::string service;
     std::string account;
 };
 
-/// When an item can be read. There is one value: once the user has unlocked the store after logging
-/// in, on this machine only; the item is never synchronised.
+/// When an item can be read. The only value means: once the user has unlocked the store after
+/// login, and only on this machine; the item is never synchronised.
 enum class SecretAccessibility { afterFirstUnlockThisDeviceOnly };
 
 struct SecretStatus {
@@ -27,14 +27,14 @@ struct SecretStatus {
         duplicateItem,
         notAvailable,          ///< no session bus or no provider of secrets
         noDefaultStore,        ///< a provider without a default collection
-        interactionNotAllowed, ///< locked, and nobody there to unlock it
-        timedOut,              ///< no answer within the bound, an unlock prompt perhaps
+        interactionNotAllowed, ///< locked, and nobody can unlock it
+        timedOut,              ///< no answer within the limit, perhaps because of an unlock prompt
         userCanceled,          ///< the unlock prompt was dismissed
-        refused,               ///< anything else the provider answered
+        refused,               ///< any other answer of the provider
     };
 
     Code code = Code::success;
-    std::string message; ///< for a person; empty on success
+    std::string message; ///< for the user; empty on success
 
     bool isSuccess() const { return code == Code::success; }
 };
@@ -53,11 +53,11 @@ class SecretItems {
 
     /// The data of at most one matching item.
     virtual Match copyMatching(const SecretItemQuery& query) = 0;
-    /// Whether there is an item with data, without waiting and without asking a person to unlock
-    /// anything. A locked item counts as present. The handler is called once, on any thread,
-    /// perhaps within this call; never when the store ends before.
+    /// Whether there is an item with data, without waiting and without an unlock prompt. A locked
+    /// item counts as present. The handler is called once, on any thread, perhaps within this call;
+    /// never when the store is destroyed before.
     virtual void checkPresence(const SecretItemQuery& query, PresenceHandler handler) = 0;
-    /// Adds an item that is not there yet. An add that was reported as failed does not happen
+    /// Adds an item that does not exist yet. An add that was reported as failed does not happen
     /// later.
     virtual SecretStatus add(const SecretItemQuery& query, std::string_view data,
                              SecretAccessibility accessibility) = 0;

@@ -15,7 +15,7 @@ namespace orlune {
 
 namespace {
 
-/// What the heap handed out, so that it can be given back at the end.
+/// Blocks that were taken from the heap, to be returned at the end.
 class Blocks {
   public:
     explicit Blocks(std::size_t limit) : left_(limit) {}
@@ -29,7 +29,7 @@ class Blocks {
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
 
-    /// Takes a block and overwrites it. False when it lies at `end` or behind it.
+    /// Takes a block and overwrites it. False when it lies at `end` or beyond.
     bool take(std::size_t size, const char* end) {
         auto* const memory = size <= left_ ? static_cast<char*>(std::malloc(size)) : nullptr;
         if (!memory) {
@@ -50,10 +50,10 @@ class Blocks {
     std::size_t left_;
 };
 
-/// What functions that have returned left on the stack: registers that were saved there while a
-/// secret was copied, above all.
+/// Overwrites what returned functions left on the stack, mainly registers that were saved there
+/// while a secret was copied.
 [[gnu::noinline]] void wipeUnusedStack() {
-    constexpr std::size_t depth = std::size_t{256} * 1024; // deeper than an event goes through Qt
+    constexpr std::size_t depth = std::size_t{256} * 1024; // more than Qt uses to handle an event
     char unused[depth];
     ::explicit_bzero(unused, depth);
 }
@@ -62,17 +62,17 @@ class Blocks {
 
 void wipeFreeMemory() {
     wipeUnusedStack();
-    // M_PERTURB would not do: it leaves alone what goes into a thread's cache, up to 1032 bytes.
-    // But whatever is free is handed out before the heap's unused end is touched: all of it has
-    // been overwritten once every size is served from there.
+    // M_PERTURB is not enough: it skips blocks up to 1032 bytes that go into a thread's cache. The
+    // allocator uses all free memory before it touches the unused end of the heap, so once every
+    // size is served from there, all free memory has been overwritten.
     ::malloc_trim(0); // whole pages go back to the system
     const auto heap = ::mallinfo2();
     const auto* const unusedEnd = static_cast<const char*>(::sbrk(0)) - heap.keepcost;
-    constexpr std::size_t threadCache = 1 << 20; // is not counted as free
+    constexpr std::size_t threadCache = 1 << 20; // not counted as free
     Blocks blocks(heap.fordblks + threadCache);
     constexpr std::size_t largest = 1 << 16;
     constexpr std::size_t smallest = 24;
-    constexpr std::size_t finest = 1032; // from here down each size has lists of its own
+    constexpr std::size_t finest = 1032; // from here down each size has its own lists
     constexpr std::size_t step = 16;
     for (std::size_t size = largest; size > finest; size /= 2) {
         while (blocks.take(size, unusedEnd)) {

@@ -7,7 +7,7 @@ class Sound {
   public:
     virtual ~Sound() = default;
 
-    /// The alert that says that something was refused. Silent where the user wants it silent.
+    /// The alert for something that was refused. Silent where the user has muted it.
     virtual void beep() = 0;
 };
 

@@ -1,4 +1,4 @@
-// Opens addresses in the user's own programs. Main thread; returns at once.
+// Opens addresses in the user's preferred programs. Main thread; returns at once.
 #pragma once
 
 #include <string_view>
@@ -9,7 +9,7 @@ class UrlOpener {
   public:
     virtual ~UrlOpener() = default;
 
-    /// False when no program could be asked.
+    /// False when no program could be started.
     virtual bool open(std::string_view url) = 0;
 };
 

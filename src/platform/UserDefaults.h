@@ -1,5 +1,6 @@
-// The user's settings: typed values under string keys, written at once and whole. Main actor.
-// A value of another type reads as absent. A failed write is reported in the log and not thrown.
+// The user's settings: typed values under string keys, each written immediately and atomically.
+// Main actor.
+// A value of another type reads as absent. A failed write is logged and not thrown.
 #pragma once
 
 #include <cstddef>

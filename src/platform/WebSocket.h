@@ -1,6 +1,6 @@
 // A WebSocket client connection. Operations may be called from any thread; coroutines resume on
-// their own executor. A refused or failed connection shows up as the error of `send` and `receive`,
-// with a text a person can read; no error ever holds a request header.
+// their own executor. A refused or failed connection is reported as the error of `send` and
+// `receive`, with a readable text; no error ever contains a request header.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"
@@ -55,8 +55,8 @@ class WebSocketTask {
     /// The next message, in order of arrival. One caller at a time. Throws `WebSocketError`.
     virtual Awaitable<WebSocketMessage> receive() = 0;
 
-    /// Closes with a code and no reason, once; returns at once. Waiting and later operations fail.
-    /// A peer that does not answer the close is left after a bounded time.
+    /// Closes with a code and without a reason, once; returns at once. Waiting and later operations
+    /// fail. A peer that does not answer the close is dropped after a time limit.
     virtual void cancel(WebSocketCloseCode code) = 0;
 };
 
@@ -64,8 +64,8 @@ class WebSocketSession {
   public:
     virtual ~WebSocketSession() = default;
 
-    /// A connection that has not been started. A request that cannot be honoured (a malformed URL,
-    /// plain ws:// to another machine) fails like a connection that could not be made.
+    /// A connection that has not been started. An invalid request (a malformed URL, plain ws:// to
+    /// another machine) fails like a connection that could not be made.
     virtual std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) = 0;
 };
 

@@ -9,10 +9,10 @@ namespace orlune {
 
 namespace {
 
-// Flat to 7.5 kHz at 16 kHz out, and images below what 16 bits can hold.
+// Flat to 7.5 kHz at 16 kHz output, with aliases below the resolution of 16 bits.
 constexpr int quality = 8;
 
-// Outside of these a rate is a mistake, and the filter's table would grow without bound.
+// A rate outside this range is a mistake, and the filter's table would grow without limit.
 constexpr double slowestRate = 1000;
 constexpr double fastestRate = 768000;
 constexpr std::uint32_t mostChannels = 64;
@@ -25,7 +25,7 @@ bool isUsableRate(double rate) {
 
 std::int16_t toInt16(float sample) {
     if (std::isnan(sample)) {
-        return 0; // a broken driver: silence hurts less than a click
+        return 0; // a broken driver: silence is better than a click
     }
     return static_cast<std::int16_t>(
         std::lrint(std::clamp(sample * fullScale, -fullScale, fullScale - 1)));
@@ -122,7 +122,7 @@ std::span<const float> SpeexAudioConverter::mixed(const AudioPCMBuffer& buffer) 
     return mixed_;
 }
 
-/// Writes what there is room for and leaves in `input` what was not taken.
+/// Fills the output as far as it has room and leaves unused samples in `input`.
 std::uint32_t SpeexAudioConverter::resample(std::span<const float>& input,
                                             std::span<std::int16_t> output) {
     auto taken = static_cast<spx_uint32_t>(input.size());

@@ -1,6 +1,6 @@
-// Resamples and mixes any microphone's samples down to one channel of 16-bit integers. Whoever made
-// it owns it and uses it from one thread at a time. It answers every buffer at once, about 5 ms
-// behind its input. Formats that it cannot do give no converter.
+// Resamples and mixes any microphone's samples to one channel of 16-bit integers. Owned by its
+// creator and used on one thread at a time. Converts every buffer at once, with a delay of about 5
+// ms. Unsupported formats give no converter.
 #pragma once
 
 #include "platform/AudioConverter.h"
@@ -17,8 +17,8 @@ namespace orlune {
 class SpeexAudioConverter final : public AudioConverter {
   public:
     /// From float or 16-bit samples with any number of channels to 16-bit mono, between rates that
-    /// are whole numbers of hertz; none otherwise. Channels are averaged, samples rounded to the
-    /// nearest and cut to the range. Equal rates pass without a filter.
+    /// are whole numbers of hertz; null otherwise. Channels are averaged, samples rounded to the
+    /// nearest and clipped to the range. Equal rates use no filter.
     static std::unique_ptr<AudioConverter> create(const AudioFormat& from, const AudioFormat& to);
 
     bool convert(AudioPCMBuffer& output, const Input& input) override;
@@ -36,10 +36,10 @@ class SpeexAudioConverter final : public AudioConverter {
 
     AudioFormat from_;
     AudioFormat to_;
-    Resampler resampler_; ///< none between equal rates
+    Resampler resampler_; ///< null between equal rates
     std::vector<float> mixed_;
     std::vector<float> resampled_;
-    std::vector<float> waiting_; ///< mixed input that found no room in the output
+    std::vector<float> waiting_; ///< mixed input that did not fit in the output
 };
 
 } // namespace orlune

@@ -13,7 +13,7 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// Fills the buffer from the file and zeros the rest. Returns how many frames the file gave.
+/// Fills the buffer from the file and pads it with zeros. Returns how many frames the file had.
 std::uint32_t read(SNDFILE* file, std::vector<float>& interleaved, AudioPCMBuffer& buffer) {
     const auto capacity = buffer.frameCapacity();
     const auto read = sf_readf_float(file, interleaved.data(), capacity);

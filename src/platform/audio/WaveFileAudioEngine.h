@@ -1,6 +1,6 @@
-// A recording in the place of the microphone. Whoever made it owns it; the tap and `onEnd` are
-// called on its own thread "orlune-wave", which lives from start to stop. Each start plays the
-// file from its beginning. A file that is not audio gives no engine but the reason.
+// A recording in place of the microphone. Owned by its creator; the tap and `onEnd` are called on
+// its own thread "orlune-wave", which lives from start to stop. Each start plays the file from its
+// beginning. A file that is not audio gives a reason instead of an engine.
 #pragma once
 
 #include "platform/AudioEngine.h"
@@ -18,29 +18,29 @@ namespace orlune {
 class WaveFileAudioEngine final : public AudioEngine {
   public:
     enum class Pace {
-        microphone, ///< each buffer when a microphone would have filled it
+        microphone, ///< each buffer at the time when a microphone would have filled it
         fast,       ///< without waiting
     };
 
     struct Opened;
 
-    /// Opens any file that libsndfile reads. `onEnd` may be empty; it is called once for each start
-    /// after the last buffer, which is filled up with silence, and never after `stop` has returned.
-    /// It must not call the engine.
+    /// Opens any file that libsndfile reads. `onEnd` may be empty; it is called once per start,
+    /// after the last buffer, which is padded with silence, and never after `stop` has returned. It
+    /// must not call the engine.
     static Opened create(const std::filesystem::path& path, Pace pace,
                          std::function<void()> onEnd = {});
     ~WaveFileAudioEngine() override;
 
-    /// As the file has it; its channels come one after the other.
+    /// The format of the file; channels are not interleaved.
     AudioFormat inputFormat() override { return format_; }
-    /// `format` is the engine's own.
+    /// `format` must be the engine's own.
     void installTap(std::uint32_t bufferSize, const AudioFormat& format, Tap tap) override;
-    /// Ends the playing as well.
+    /// Also ends playback.
     void removeTap() override;
     void prepare() override {}
     void start() override;
     void stop() override;
-    /// Stays true after the end of the file until `stop`, like a microphone that hears nothing.
+    /// Stays true after the end of the file until `stop`, like a microphone in a silent room.
     bool isRunning() const override { return thread_.joinable(); }
 
   private:
@@ -68,7 +68,7 @@ class WaveFileAudioEngine final : public AudioEngine {
     std::jthread thread_;
 };
 
-/// Either an engine or a text for the user that says why there is none.
+/// Either an engine, or a text for the user that says why there is none.
 struct WaveFileAudioEngine::Opened {
     std::unique_ptr<WaveFileAudioEngine> engine;
     std::string error;

@@ -1,4 +1,4 @@
-// A clock that stands still until it is turned by hand.
+// A clock that only moves when a test advances it.
 #pragma once
 
 #include "platform/concurrency/Clock.h"
@@ -16,14 +16,14 @@ class ManualClock final : public Clock {
     Instant now() const override;
     Awaitable<void> sleep(Duration duration) override;
 
-    /// Moves time forward and wakes, earliest first, whoever slept until then. The sleepers run in
-    /// later turns of their executors: see `MemoryPlatform::advance` for turning both together.
+    /// Moves time forward and wakes, earliest first, the sleepers whose time has come. They run in
+    /// later turns of their executors: see `MemoryPlatform::advance`, which moves both.
     void advance(Duration duration);
 
-    /// Unwinds whoever sleeps, in later turns of their executors.
+    /// Unwinds all sleepers, in later turns of their executors.
     void forgetSleepers();
 
-    /// When the next sleeper wakes; none when nobody sleeps.
+    /// When the next sleeper wakes; none when there is no sleeper.
     std::optional<Instant> nextWake() const;
 
   private:

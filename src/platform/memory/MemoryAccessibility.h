@@ -1,4 +1,4 @@
-// Trust that is granted and withdrawn by hand. Logs "prompt" for each prompt the user would see.
+// Trust that a test grants and withdraws. Logs "prompt" for each prompt the user would see.
 #pragma once
 
 #include "platform/Accessibility.h"

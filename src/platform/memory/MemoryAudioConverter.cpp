@@ -51,7 +51,7 @@ class MemoryAudioConverter::Converter final : public AudioConverter {
 
     MemoryAudioConverter& owner_;
     double inputPerOutput_;
-    double nextInput_ = 0; // counted from the start of the next buffer
+    double nextInput_ = 0; // relative to the start of the next buffer
 };
 
 AudioConverterFactory MemoryAudioConverter::factory() {

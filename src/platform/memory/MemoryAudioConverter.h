@@ -1,6 +1,6 @@
-// Makes converters that pick samples instead of filtering them: enough for a program that nobody
-// listens to. Whoever set up the conversions owns this; the converters must not outlive it. It
-// refuses formats and fails conversions as it is told to.
+// Makes converters that pick samples instead of filtering them, which is enough where nobody
+// listens. Owned by the test; the converters must not outlive it. It can be set to refuse formats
+// and to fail conversions.
 #pragma once
 
 #include "platform/AudioConverter.h"
@@ -13,11 +13,11 @@ class MemoryAudioConverter {
 
     /// No converter is made for any format.
     bool refusesFormats = false;
-    /// Each conversion takes its input and fails.
+    /// Each conversion consumes its input and fails.
     bool failsConversions = false;
     /// How many converters were made.
     int madeCount = 0;
-    /// How often one was asked to convert.
+    /// How many conversions were requested.
     int conversionCount = 0;
 
   private:

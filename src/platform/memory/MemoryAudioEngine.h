@@ -1,6 +1,6 @@
-// A microphone in memory: it hears what it is told to deliver, and keeps a log of what was asked of
-// it. Whoever speaks into it owns it; the engines that its factory makes share it and must not
-// outlive it. Buffers reach the tap on the thread that delivers them. It fails as it is told to.
+// A microphone in memory: a test delivers buffers, and a log records the calls. Owned by the test;
+// the engines that its factory makes share it and must not outlive it. Buffers reach the tap on the
+// thread that delivers them. It can be set to fail.
 #pragma once
 
 #include "platform/AudioEngine.h"
@@ -24,14 +24,14 @@ class MemoryAudioEngine final : public AudioEngine {
     /// Calls the tap before it returns. False when the engine does not run or has no tap.
     bool deliver(std::span<const AudioPCMBuffer> buffers);
     bool deliver(const AudioPCMBuffer& buffer) { return deliver({&buffer, 1}); }
-    /// The same with one tap's worth of frames that all have the given value in every channel.
+    /// The same with one tap's worth of frames, which all have the given value in every channel.
     bool deliver(float value);
 
-    /// Engines that are this one, under another owner.
+    /// Makes engines that refer to this one.
     AudioEngineFactory factory();
 
     AudioFormat format{AudioFormat::Sample::float32, 48000, 1, false};
-    /// What `start` throws instead of starting.
+    /// When set, `start` throws this instead of starting.
     std::optional<std::string> startError;
     /// "installTap 576", "removeTap", "prepare", "start", "stop", in order.
     std::vector<std::string> log;

@@ -1,4 +1,4 @@
-// A permission that is granted and withdrawn by hand. An answer comes when the test gives it.
+// A permission that a test grants and withdraws. Requests are answered when the test does so.
 #pragma once
 
 #include "platform/CaptureAuthorization.h"
@@ -17,7 +17,7 @@ class MemoryCaptureAuthorization final : public CaptureAuthorization {
     }
 
     Status status = Status::authorized;
-    /// Who asked and has no answer yet.
+    /// Requests that have no answer yet.
     std::vector<std::function<void(bool isGranted)>> requests;
 };
 

@@ -1,4 +1,4 @@
-// Display options that are set by hand.
+// Display options that a test sets.
 #pragma once
 
 #include "platform/DisplayOptions.h"

@@ -1,4 +1,4 @@
-// What happened to several memory facilities, in one order, as words a test can compare.
+// One ordered log of several memory facilities, in words that a test can compare.
 #pragma once
 
 #include <memory>
@@ -7,7 +7,8 @@
 
 namespace orlune {
 
-/// Shared by the facilities whose order matters to each other; one that is given none has its own.
+/// Shared by the facilities whose relative order matters; a facility that is given none makes its
+/// own.
 using MemoryEvents = std::shared_ptr<std::vector<std::string>>;
 
 inline MemoryEvents makeMemoryEvents() {

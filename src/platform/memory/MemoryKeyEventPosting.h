@@ -1,4 +1,4 @@
-// Takes posted keys and keeps them. Logs "down <key>" and "up <key>" with the virtual key code.
+// Accepts posted keys and stores them. Logs "down <key>" and "up <key>" with the virtual key code.
 #pragma once
 
 #include "platform/KeyEventPosting.h"
@@ -30,9 +30,9 @@ class MemoryKeyEventPosting final : public KeyEventPosting {
     const std::vector<Posted>& posted() const { return posted_; }
     const MemoryEvents& log() const { return log_; }
 
-    /// Between `prepare` and `rest`.
+    /// True between `prepare` and `rest`.
     bool isPrepared = false;
-    /// While true, what it names cannot be created.
+    /// While true, the source cannot be created.
     bool refusesSource = false;
     bool refusesKeyDown = false;
     bool refusesKeyUp = false;

@@ -1,6 +1,5 @@
-// A keyboard played by hand: each event goes to other programs or to our own windows, as the test
-// says. Logs "watch <kind> <mask value>" and "unwatch <kind> <mask value>" with the kind "global"
-// or "local".
+// A keyboard that a test plays: it sends each event to other programs or to our own windows. Logs
+// "watch <kind> <mask value>" and "unwatch <kind> <mask value>" with the kind "global" or "local".
 #pragma once
 
 #include "platform/KeyMonitorList.h"
@@ -25,23 +24,23 @@ class MemoryKeyEvents final : public KeyEvents {
     std::string reasonForUnavailability() override { return reason; }
     std::string functionKeyStandIn() override { return standIn; }
 
-    /// While another program has the keyboard.
+    /// A key pressed while another program has the keyboard.
     void sendElsewhere(const KeyEvent& event) const;
-    /// While one of our windows has it.
+    /// A key pressed while one of our windows has the keyboard.
     KeyEventAnswer sendToOwnWindow(const KeyEvent& event) const { return local_.offer(event); }
 
     const MemoryEvents& log() const { return log_; }
 
-    // What was asked for last.
+    // The last argument of `watch`.
     KeyCombination watched;
     bool watchesEscape = false;
-    /// What `reportsReleases` answers.
+    /// The answer of `reportsReleases`.
     bool hasReleases = true;
     /// While not empty, other programs' keys are not seen.
     std::string reason;
-    /// What `functionKeyStandIn` answers.
+    /// The answer of `functionKeyStandIn`.
     std::string standIn;
-    /// While true, no monitor is installed and no handle given.
+    /// While true, no monitor is installed and no handle returned.
     bool refusesMonitors = false;
 
   private:

@@ -21,8 +21,8 @@ class MemoryPasteboard final : public Pasteboard {
     const std::optional<std::string>& contents() const { return contents_; }
     const MemoryEvents& log() const { return log_; }
 
-    /// While true, as when the desktop gives the clipboard to nobody: `setString` is refused.
-    /// Nothing is offered once more.
+    /// While true, `setString` is refused, as on a desktop that gives the clipboard to no program.
+    /// The text is not offered again.
     bool refuses = false;
 
   private:

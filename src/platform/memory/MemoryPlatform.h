@@ -1,7 +1,6 @@
-// A whole platform in memory: every facility by hand, a queue for the main actor, one for the
-// background, and one clock. What
-// happened to sockets, pasteboard, keys and trust stands in one order in `events`. What was made
-// from `bundle()` ends before it.
+// A whole platform in memory: every facility, a queue for the main actor, one for the background,
+// and one clock, all controlled by the test. `events` records in one order what happened to
+// sockets, pasteboard, keys and trust. Everything made from `bundle()` must end before it.
 #pragma once
 
 #include "platform/Platform.h"
@@ -28,28 +27,28 @@ namespace orlune {
 
 struct MemoryPlatform {
     MemoryPlatform() = default;
-    /// Breaks every connection, wakes nobody any more and runs what that ends, so that no work
+    /// Breaks every connection, unwinds the sleepers and runs the resulting work, so that no work
     /// outlives the facilities it uses.
     ~MemoryPlatform();
     MemoryPlatform(const MemoryPlatform&) = delete;
     MemoryPlatform& operator=(const MemoryPlatform&) = delete;
 
-    /// The facilities as everybody above sees them.
+    /// The facilities as the code above the platform sees them.
     Platform bundle() { return bundle(queue); }
-    /// The same with another main actor, which hands its work to `queue`.
+    /// The same with another main actor, which must hand its work to `queue`.
     Platform bundle(MainActor& mainActor);
 
-    /// Turns the clock in steps, so that everybody who sleeps wakes at his own time, and runs what
-    /// that queues.
+    /// Advances the clock in steps, so that each sleeper wakes at its own time, and runs the
+    /// resulting work.
     void advance(Clock::Duration duration);
-    /// Turns both queues until nothing is left on either. Returns how many turns ran.
+    /// Runs both queues until they are empty. Returns how many turns ran.
     std::size_t runUntilIdle();
-    /// The oldest turn of the background, or of the main actor when there is none. False when
-    /// nothing is left.
+    /// Runs the oldest turn of the background, or of the main actor when the background has none.
+    /// False when both are empty.
     bool runOne() { return background.runOne() || queue.runOne(); }
 
     MemoryEvents events = makeMemoryEvents();
-    // Before whatever resumes work on them.
+    // Declared before everything that resumes work on the queues.
     TurnQueue queue;
     TurnQueue background;
     ManualClock clock;

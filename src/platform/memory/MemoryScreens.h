@@ -1,4 +1,4 @@
-// Screens and a pointer that are placed by hand.
+// Screens and a pointer that a test places.
 #pragma once
 
 #include "platform/Screens.h"
@@ -17,7 +17,7 @@ class MemoryScreens final : public Screens {
     }
 
     Point pointer;
-    /// One screen with a panel of 30 units at its lower edge, unless changed.
+    /// By default one screen with a panel of 30 units at its lower edge.
     std::vector<Screen> screens{{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 0, 1280, 770}}};
 };
 

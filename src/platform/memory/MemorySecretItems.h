@@ -1,5 +1,5 @@
-// A store of secrets in memory with a log of what was asked of it. Each operation can be told to
-// fail. It lives as long as its owner, so secrets do not outlive the process.
+// A store of secrets in memory, with a log of the calls. Each operation can be set to fail. The
+// secrets exist only as long as this object.
 #pragma once
 
 #include "platform/SecretItems.h"
@@ -22,8 +22,8 @@ class MemorySecretItems final : public SecretItems {
                      SecretAccessibility accessibility) override;
     SecretStatus remove(const SecretItemQuery& query) override;
 
-    /// What the next calls answer instead of doing their work, until set to success again.
-    SecretStatus copyMatchingStatus; ///< of checkPresence too
+    /// When not success, the next calls return this instead of doing their work.
+    SecretStatus copyMatchingStatus; ///< also of checkPresence
     SecretStatus addStatus;
     SecretStatus removeStatus;
 

@@ -1,4 +1,4 @@
-// Counts the alerts instead of sounding them.
+// Counts the alerts instead of playing them.
 #pragma once
 
 #include "platform/Sound.h"

@@ -1,4 +1,4 @@
-// User defaults that end with their owner.
+// User defaults that exist only as long as this object.
 #pragma once
 
 #include "platform/UserDefaults.h"

@@ -1,6 +1,6 @@
-// WebSocket connections in memory: a session that hands out tasks whose peer is played by hand.
-// Whoever plays it owns the session; the tasks it made are kept in it. What waits is resumed in a
-// later turn of its own executor. Safe from any thread, but for the events, which are everybody's.
+// WebSocket connections in memory: a session that hands out tasks, with the test as their peer. The
+// test owns the session, which keeps the tasks. Waiting operations are resumed in a later turn of
+// their own executor. Safe from any thread, except the events, which the facilities share.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -26,26 +26,26 @@ class MemoryWebSocketTask final : public WebSocketTask,
     Awaitable<WebSocketMessage> receive() override;
     void cancel(WebSocketCloseCode code) override;
 
-    /// What the peer sends. Waits in order until it is received.
+    /// A message from the peer. Messages are queued in order until they are received.
     void deliver(WebSocketMessage message);
     void deliverText(std::string text);
-    /// The connection breaks for the receiver, behind what was delivered; sending stays as it is.
+    /// The connection breaks for the receiver, after the queued messages; sending still works.
     void failReceiving(std::string text);
-    /// From now on sending fails, also what is being held.
+    /// From now on sending fails, including messages that are held.
     void failSending(std::string text);
-    /// The connection breaks with the n-th operation from now, a send or a receive, counted from 1.
+    /// The connection breaks at the n-th operation from now, a send or a receive, counted from 1.
     void failAtOperation(int number);
-    /// From now on `send` waits, as behind a slow connection, until it is released.
+    /// From now on `send` waits until it is released, as with a slow connection.
     void holdSending();
     void releaseSending();
 
-    /// Unwinds whatever still waits here; what waits may own this task.
+    /// Unwinds all waiting operations, which may own this task.
     void release();
 
     const WebSocketRequest& request() const { return request_; }
-    /// What `send` was given while it worked, in order, held messages included.
+    /// The messages that `send` accepted, in order, including those that are held.
     std::vector<WebSocketMessage> sent() const;
-    /// Every code `cancel` was called with; only the first one means anything.
+    /// The codes of all calls of `cancel`; only the first one takes effect.
     std::vector<WebSocketCloseCode> closeCodes() const;
     bool isResumed() const;
 
@@ -86,9 +86,9 @@ class MemoryWebSocketSession final : public WebSocketSession {
 
     std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) override;
 
-    /// Every task that was made, in order.
+    /// All tasks, in the order in which they were made.
     std::vector<std::shared_ptr<MemoryWebSocketTask>> tasks() const;
-    /// The newest; null when none was made.
+    /// The newest task; null when there is none.
     std::shared_ptr<MemoryWebSocketTask> task() const;
     const std::vector<std::string>& events() const { return *events_; }
 

@@ -1,5 +1,5 @@
-// A window server without windows: compositing is switched by hand, and blurred and
-// activated windows are remembered.
+// A window server without windows: a test switches compositing, and blurred and activated windows
+// are recorded.
 #pragma once
 
 #include "platform/WindowServer.h"

@@ -1,6 +1,6 @@
-// A queue of work that is turned by hand, on the thread that made it: the main actor, or what
-// stands for the background, without an event loop. While one queue turns, the others are not
-// current, so that work on the wrong one is noticed.
+// A queue of work that a test runs on the thread that made it: the main actor, or the background's
+// executor, without an event loop. While one queue runs, the others are not current, so that work
+// on the wrong one is noticed.
 #pragma once
 
 #include "platform/concurrency/MainActor.h"
@@ -21,14 +21,14 @@ class TurnQueue final : public MainActor {
         return std::this_thread::get_id() == thread_ && (!turning_ || turning_ == this);
     }
 
-    /// Runs what is queued, and what that queues, until nothing is left. Returns how many turns
-    /// ran.
+    /// Runs the queued work, and the work that this adds, until nothing is left. Returns how many
+    /// turns ran.
     std::size_t runUntilIdle() {
         const Turn turn(this);
         context_.restart();
         return context_.poll();
     }
-    /// Runs the oldest turn alone. False when there was none.
+    /// Runs only the oldest turn. False when there was none.
     bool runOne() {
         const Turn turn(this);
         context_.restart();
@@ -36,7 +36,7 @@ class TurnQueue final : public MainActor {
     }
 
   private:
-    /// Queues may turn one another: a view in a test waits from within its own turn.
+    /// Turns of several queues may nest: a view in a test waits from within its own turn.
     class Turn {
       public:
         explicit Turn(const TurnQueue* queue) : outer_(std::exchange(turning_, queue)) {}

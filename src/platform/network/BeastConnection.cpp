@@ -20,9 +20,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// How long a peer is given to answer a close before the TCP connection is dropped.
+/// How long a peer may take to answer a close before the TCP connection is dropped.
 constexpr auto closeLimit = 2s;
-/// What may wait for `receive` before nothing more is read: as much as one message may hold.
+/// When this much waits for `receive`, reading pauses: the size of the largest message.
 constexpr std::size_t incomingLimit = std::size_t{16} * 1024 * 1024;
 
 std::exception_ptr makeError(const std::string& text) {
@@ -42,7 +42,7 @@ bool isHeaderName(std::string_view name) {
     });
 }
 
-/// A line break in a value would begin a header of its own.
+/// A line break in a value would start another header.
 bool isHeaderValue(std::string_view value) {
     return std::all_of(value.begin(), value.end(), [](char character) {
         const auto byte = static_cast<unsigned char>(character);
@@ -88,8 +88,8 @@ void BeastConnection::release() {
 
 template <typename Work>
 void BeastConnection::spawn(Work work) {
-    // The coroutines turn their errors into the connection's end; what is left is a broken
-    // assumption, such as memory that has run out.
+    // The coroutines turn their errors into the connection's end. Any other error is a broken
+    // assumption, such as exhausted memory.
     asio::co_spawn(
         strand_, std::move(work),
         [self = shared_from_this(), open = openConnections_->hold()](std::exception_ptr error) {
@@ -111,8 +111,8 @@ void BeastConnection::cancel(WebSocketCloseCode code) {
     asio::post(strand_, [self = shared_from_this(), code] { self->stop(code); });
 }
 
-// What waits in `send` and `receive` holds no reference to the connection, since it may be unwound
-// on another thread, after the connection's own executor has gone.
+// Waiting `send` and `receive` operations hold no reference to the connection, since they may be
+// unwound on another thread, after the connection's own executor has gone.
 
 Awaitable<void> BeastConnection::send(WebSocketMessage message) {
     return withoutValue(withContinuation<std::monostate>(
@@ -236,7 +236,7 @@ Awaitable<void> BeastConnection::writeQueued() {
         const Outgoing next = std::move(outgoing_.front());
         outgoing_.pop_front();
         if (next.written.isResumed()) {
-            continue; // whoever sent it has gone
+            continue; // its sender has gone
         }
         beingWritten_ = next.written;
         std::optional<std::string> failure;

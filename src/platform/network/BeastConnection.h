@@ -1,7 +1,7 @@
-// The life of one WebSocket connection: connecting within its time, the queue of what is to be
-// sent, the queue of what has arrived, and the end. Kept alive by its own coroutines until the TCP
-// connection is gone; public operations may be called from any thread and take effect, in the order
-// of the calls, on the connection's strand.
+// The life of one WebSocket connection: connecting within a time limit, the queue of outgoing
+// messages, the queue of incoming messages, and the end. Its own coroutines keep it alive until the
+// TCP connection is gone. Public operations may be called from any thread and take effect on the
+// connection's strand, in the order of the calls.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -28,9 +28,9 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     BeastConnection& operator=(const BeastConnection&) = delete;
 
     void resume();
-    /// When its wait is cancelled before its turn has come, the message is not sent.
+    /// When the wait is cancelled before the message's turn, the message is not sent.
     Awaitable<void> send(WebSocketMessage message);
-    /// When its wait is cancelled just as a message arrives, that message may be lost with it.
+    /// When the wait is cancelled just as a message arrives, that message may be lost.
     Awaitable<WebSocketMessage> receive();
     void cancel(WebSocketCloseCode code);
 
@@ -51,13 +51,13 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     void enqueue(WebSocketMessage message, Continuation<std::monostate> written);
     void take(Continuation<WebSocketMessage> receiver);
     void startWriting();
-    /// The one way into `ended`: everything that waits fails, now and from now on.
+    /// The only way into `ended`: all waiting and later operations fail.
     void end(const std::string& text);
     void stop(WebSocketCloseCode code);
     void dropAfter(std::chrono::steady_clock::duration limit, bool whileConnecting);
     void wipeRequest();
-    /// Unwinds what still waits when the executor ends before the connection does. A waiting
-    /// coroutine may own this connection, which would keep both for ever.
+    /// Unwinds waiting operations when the executor ends before the connection does. A waiting
+    /// coroutine may own this connection, and each would keep the other alive for ever.
     void release();
 
     template <typename Work>
@@ -69,7 +69,7 @@ class BeastConnection : public std::enable_shared_from_this<BeastConnection> {
     const std::shared_ptr<OpenConnections> openConnections_;
     WebSocketRequest request_;
 
-    // On the strand alone.
+    // Only used on the strand.
     State state_ = State::idle;
     std::string failure_;
     std::shared_ptr<BeastTransport> transport_;

@@ -31,7 +31,7 @@ using boost::system::error_code;
 namespace {
 
 constexpr std::size_t messageLimit = std::size_t{16} * 1024 * 1024;
-/// A read buffer that one large message has grown beyond this is not kept for the small ones.
+/// A read buffer that a large message has grown beyond this size is not kept.
 constexpr std::size_t bufferKept = std::size_t{64} * 1024;
 
 using PlainStream = websocket::stream<BeastTransport::Socket, /*deflateSupported=*/false>;
@@ -67,8 +67,8 @@ class StreamTransport final : public BeastTransport {
     StreamTransport(const Executor& strand, WebSocketAddress address, Arguments&&... arguments)
         : BeastTransport(strand, std::move(address)),
           stream_(strand, std::forward<Arguments>(arguments)...) {
-        // Time is limited by the connection: Beast's own limits cover the handshake alone, and an
-        // idle connection is a pause in speaking.
+        // The connection limits the time: Beast's own limits cover only the handshake, and an idle
+        // connection is a pause in speaking.
         stream_.set_option(websocket::stream_base::timeout{websocket::stream_base::none(),
                                                            websocket::stream_base::none(), false});
         stream_.read_message_max(messageLimit);
@@ -174,7 +174,7 @@ class StreamTransport final : public BeastTransport {
         }
     }
 
-    /// Whom the certificate must name, and whom the peer is asked for.
+    /// Sets the name that the certificate must match, and the name requested from the peer.
     void nameThePeer() {
         SSL* const session = stream_.next_layer().native_handle();
         std::string host = address().host;

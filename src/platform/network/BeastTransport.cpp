@@ -26,10 +26,10 @@ using boost::system::error_code;
 
 namespace {
 
-/// How long one address is tried while others are left: a name with a dead IPv6 route must not use
-/// up the time of its working IPv4 one.
+/// How long one address is tried while others are left, so that a name with a dead IPv6 route does
+/// not use up the time of its working IPv4 address.
 constexpr auto attemptLimit = std::chrono::seconds(3);
-/// A peer that acknowledges nothing for so long is gone; the system then fails the connection.
+/// A peer that acknowledges nothing for this long is gone; the system then fails the connection.
 constexpr unsigned acknowledgementLimitMilliseconds = 30'000;
 
 } // namespace
@@ -97,8 +97,8 @@ Awaitable<BeastTransport::Endpoints> BeastTransport::resolve(std::string host, s
                 self->timer_.cancel();
             }
         });
-    // The system's lookup cannot be interrupted: the timer stands for its end, and a dropped
-    // connection stops waiting.
+    // The system's lookup cannot be interrupted. The timer signals its end instead, so that a
+    // dropped connection stops waiting.
     error_code ended;
     timer_.expires_at(asio::steady_timer::time_point::max());
     auto wait = timer_.async_wait(asio::redirect_error(asio::use_awaitable, ended));

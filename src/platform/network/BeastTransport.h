@@ -1,6 +1,6 @@
 // One WebSocket over one TCP connection, plain or TLS, without queues: at most one read, one write
-// and one close at a time. Owned by its connection; everything runs on the strand given. Failures
-// are `WebSocketError` with a text for a person.
+// and one close at a time. Owned by its connection; everything runs on the given strand. Failures
+// are `WebSocketError` with a readable text.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -27,26 +27,26 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
     make(const Executor& strand, boost::asio::ssl::context& trust, WebSocketAddress address);
     virtual ~BeastTransport() = default;
 
-    /// Resolves, connects (through the proxy, where there is one), and speaks TLS; nothing is said
-    /// to the service itself. Has no time limit of its own: `drop()` ends it.
+    /// Resolves, connects (through the proxy, where there is one), and performs the TLS handshake,
+    /// but sends nothing to the service itself. Has no time limit; `drop()` ends it.
     Awaitable<void> reach(const ProxySettings& proxies);
-    /// Reaches the service and speaks the opening handshake. `drop()` ends it as well.
+    /// Reaches the service and performs the opening handshake. `drop()` ends it as well.
     Awaitable<void> connect(const ProxySettings& proxies, const Headers& headers);
-    /// One message, whole; returns when the system has taken its last byte.
+    /// Writes one whole message; returns when the system has taken its last byte.
     virtual Awaitable<void> write(const WebSocketMessage& message) = 0;
     virtual Awaitable<WebSocketMessage> read() = 0;
-    /// The closing handshake, behind a write that is under way, and the end of the TCP connection.
-    /// Waits for the peer for as long as it takes: `drop()` ends it.
+    /// Performs the closing handshake, after a write that is under way, and ends the TCP
+    /// connection. Waits for the peer without a time limit; `drop()` ends it.
     virtual Awaitable<void> close(WebSocketCloseCode code) = 0;
 
-    /// Called once when the peer's close frame is read; what it says comes as a text for a person.
-    /// `read()` itself ends later, when the peer has closed the TCP connection as well.
+    /// Called once when the peer's close frame is read, with its reason as a readable text.
+    /// `read()` itself ends later, when the peer has also closed the TCP connection.
     std::function<void(const std::string& text)> onPeerClose;
 
-    /// Ends the TCP connection at once, whatever is under way; that fails in a later turn.
+    /// Ends the TCP connection at once. Operations under way fail in a later turn.
     void drop();
-    /// The same towards a peer that no longer takes part: what the system has not delivered is
-    /// thrown away with the connection, instead of being kept for a peer that does not read.
+    /// The same for a peer that does not cooperate: data that the system has not delivered is
+    /// discarded with the connection, instead of being kept for a peer that does not read.
     void reset();
 
   protected:
@@ -70,13 +70,13 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
     const Executor strand_;
     const WebSocketAddress address_;
     boost::asio::ip::tcp::resolver resolver_;
-    boost::asio::steady_timer timer_; ///< limits an attempt, or is the end of a lookup
+    boost::asio::steady_timer timer_; ///< limits an attempt, or signals the end of a lookup
     unsigned attempt_ = 0;
     bool dropped_ = false;
 };
 
-/// The TLS settings every connection shares: the system's trust store, TLS 1.2 or later, the peer's
-/// certificate always verified.
+/// The TLS settings that all connections share: the system's trust store, TLS 1.2 or later, the
+/// peer's certificate always verified.
 std::shared_ptr<boost::asio::ssl::context> makeTrust();
 
 } // namespace orlune

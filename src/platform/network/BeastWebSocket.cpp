@@ -8,7 +8,7 @@ namespace orlune {
 
 namespace {
 
-/// The caller's handle. Its end ends the connection, which then closes on its own time.
+/// The caller's handle. Destroying it closes the connection, which takes its own time to do so.
 class BeastWebSocketTask final : public WebSocketTask {
   public:
     explicit BeastWebSocketTask(std::shared_ptr<BeastConnection> connection)

@@ -1,8 +1,7 @@
 // WebSocket connections over the network: wss:// to anywhere, with the certificate's chain and host
-// name always verified, and ws:// to this computer. All work happens on the session's executor,
-// each connection on a strand of its own; it must run, and outlive every task. A task that is
-// dropped is cancelled as if with `goingAway`. Failures are the `WebSocketError` of `send` and
-// `receive`.
+// name always verified, and ws:// to this computer. All work runs on the session's executor, with
+// one strand per connection; the executor must run, and outlive every task. A task that is dropped
+// is cancelled as if with `goingAway`. Failures are the `WebSocketError` of `send` and `receive`.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -18,16 +17,15 @@ namespace orlune {
 
 class BeastWebSocketSession final : public WebSocketSession {
   public:
-    /// The system's trust store (SSL_CERT_FILE and SSL_CERT_DIR apply) is read once, with the first
-    /// connection: getting TLS ready takes 20 ms and 3 MB, which waiting in the tray can do
-    /// without.
+    /// The system's trust store (SSL_CERT_FILE and SSL_CERT_DIR apply) is read once, by the first
+    /// connection: initialising TLS takes 20 ms and 3 MB, which an idle program in the tray saves.
     BeastWebSocketSession(Executor executor, ProxySettings proxies);
 
     std::shared_ptr<WebSocketTask> webSocketTask(WebSocketRequest request) override;
 
-    /// Closes every connection that is not closed yet, as going away, and waits until the last one
-    /// is gone: a program that ends earlier breaks off closes that are under way. False when some
-    /// are left after `limit`. Blocks; not on the session's executor.
+    /// Closes every open connection with `goingAway` and waits until the last one is gone, because
+    /// a program that exits earlier breaks off closes that are under way. False when some are left
+    /// after `limit`. Blocks; must not be called on the session's executor.
     bool closeAll(std::chrono::milliseconds limit);
 
   private:
@@ -35,7 +33,7 @@ class BeastWebSocketSession final : public WebSocketSession {
     const ProxySettings proxies_;
     const std::shared_ptr<OpenConnections> openConnections_;
     std::once_flag trustMade_;
-    std::shared_ptr<boost::asio::ssl::context> trust_; ///< from the first connection on
+    std::shared_ptr<boost::asio::ssl::context> trust_; ///< made by the first connection
 };
 
 } // namespace orlune

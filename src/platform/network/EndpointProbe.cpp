@@ -14,7 +14,7 @@ namespace {
 
 namespace asio = boost::asio;
 
-/// The error; empty when all went well.
+/// The error; empty on success.
 std::string textOf(const std::exception_ptr& failure) {
     if (!failure) {
         return {};
@@ -39,11 +39,11 @@ std::string reach(const WebSocketAddress& address, const ProxySettings& proxies,
         transport->drop();
         return *error;
     }
-    // Unwinds what still waits.
+    // Unwinds the waiting operations.
     transport->drop();
     context->run_for(std::chrono::milliseconds(100));
-    // A name lookup under way cannot be interrupted, and the context would wait for it: the end of
-    // the process takes it along.
+    // A name lookup under way cannot be interrupted, and the context's destructor would wait for
+    // it. It is left to the end of the process.
     [[maybe_unused]] const auto* left = context.release();
     return "No answer within " + std::to_string(limit.count()) + " ms";
 }

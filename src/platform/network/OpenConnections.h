@@ -1,5 +1,5 @@
 // The connections of one session that still hold a TCP connection, so that a program can close them
-// and wait for their end before it leaves. Shared by the session and its connections; any thread.
+// and wait for their end before it exits. Shared by the session and its connections; any thread.
 #pragma once
 
 #include <chrono>
@@ -16,11 +16,11 @@ class OpenConnections : public std::enable_shared_from_this<OpenConnections> {
   public:
     void add(std::weak_ptr<BeastConnection> connection);
 
-    /// Counts as open until the last copy of what is returned has gone.
+    /// Counts as one open connection until the last copy of the returned handle is gone.
     std::shared_ptr<void> hold();
 
-    /// Closes those that nobody has closed yet, as going away, and waits until all are gone. False
-    /// when some are left after `limit`. Their executor has to run meanwhile.
+    /// Closes with `goingAway` those that are still open, and waits until all are gone. False when
+    /// some are left after `limit`. Their executor must run meanwhile.
     bool close(std::chrono::milliseconds limit);
 
   private:

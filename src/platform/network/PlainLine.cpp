@@ -6,7 +6,7 @@ namespace orlune {
 
 namespace {
 
-/// More than a line on the screen is not for a person.
+/// No user reads more than about a line.
 constexpr std::size_t lengthLimit = 200;
 constexpr std::string_view replacement = "\uFFFD";
 
@@ -14,7 +14,7 @@ unsigned byteAt(std::string_view text, std::size_t index) {
     return static_cast<unsigned char>(text[index]);
 }
 
-/// The length of the character that `text` begins with; 0 when it begins with none.
+/// The length of the character that `text` begins with; 0 when it begins with no valid one.
 std::size_t characterLength(std::string_view text) {
     const unsigned lead = byteAt(text, 0);
     const std::size_t length = lead < 0x80                   ? 1
@@ -33,7 +33,7 @@ std::size_t characterLength(std::string_view text) {
     if (length < 3) {
         return length;
     }
-    // Neither longer than needed, nor a surrogate, nor beyond the last character.
+    // Rejects overlong forms, surrogates, and values beyond the last character.
     const unsigned second = byteAt(text, 1);
     const bool isBeyond = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second >= 0xA0)
                           || (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second >= 0x90);

@@ -1,5 +1,5 @@
-// What a peer says about a failure, made fit to be shown to a person. A pure function, from any
-// thread.
+// Cleans up what a peer says about a failure, so that it can be shown to the user. A pure function,
+// usable on any thread.
 #pragma once
 
 #include <string>
@@ -7,8 +7,9 @@
 
 namespace orlune {
 
-/// The beginning of `text`, at most 200 bytes, as one line of UTF-8: each control character becomes
-/// a space, so that a terminal obeys none, and each byte that is not UTF-8 a replacement character.
+/// The beginning of `text`, at most 200 bytes, as one line of UTF-8. Each control character becomes
+/// a space, so that no terminal interprets it, and each byte that is not UTF-8 a replacement
+/// character.
 std::string plainLine(std::string_view text);
 
 } // namespace orlune

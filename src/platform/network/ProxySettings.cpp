@@ -26,8 +26,8 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
-/// One spelling for every way to write the same host: lower case, no brackets, no final dot, and
-/// addresses in their canonical form.
+/// Brings every spelling of a host into one form: lower case, no brackets, no final dot, and
+/// addresses in canonical form.
 std::string canonicalHost(std::string_view host) {
     if (host.starts_with('[') && host.ends_with(']')) {
         host = host.substr(1, host.size() - 2);
@@ -46,8 +46,8 @@ bool isAddress(const std::string& host) {
     return !error;
 }
 
-/// An entry's host and, where it names one, its port. A colon that is not alone belongs to a bare
-/// IPv6 address.
+/// The host of an entry and its port, if it has one. More than one colon belongs to a bare IPv6
+/// address.
 std::pair<std::string_view, std::string_view> splitPort(std::string_view entry) {
     const auto colon = entry.rfind(':');
     const bool bracketed = entry.starts_with('[');
@@ -58,7 +58,7 @@ std::pair<std::string_view, std::string_view> splitPort(std::string_view entry) 
     return {entry.substr(0, colon), entry.substr(colon + 1)};
 }
 
-/// The parser takes any digits, and counts them modulo 65536.
+/// The parser accepts any number of digits and reduces the value modulo 65536.
 bool isPort(const boost::urls::url_view& url) {
     return !url.has_port()
            || (url.port_number() > 0

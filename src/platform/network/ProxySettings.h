@@ -1,6 +1,6 @@
-// Which proxy, if any, a secure connection goes through. A value that is read once from the
-// environment and handed in; the decision itself is a pure function, callable from any thread.
-// A proxy that was configured but cannot be used is an error: it is never bypassed in silence.
+// Decides which proxy, if any, a secure connection uses. A value that is read once from the
+// environment and passed in; the decision itself is a pure function, usable on any thread.
+// A configured proxy that cannot be used is an error; it is never bypassed silently.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace orlune {
 struct ProxyServer {
     std::string host;
     std::uint16_t port = 0;
-    std::string credentials; ///< "user:password" for basic authentication; empty: none
+    std::string credentials; ///< "user:password" for basic authentication; empty when not needed
 };
 
 class ProxySettings {
@@ -30,12 +30,12 @@ class ProxySettings {
     /// The first of https_proxy, HTTPS_PROXY, all_proxy, ALL_PROXY that is not empty, and no_proxy
     /// or NO_PROXY.
     static ProxySettings fromEnvironment(const Environment& environment);
-    /// The same, from the environment of this process. To be called before threads start.
+    /// The same, from the environment of this process. Must be called before threads start.
     static ProxySettings fromProcessEnvironment();
 
-    /// The proxy for a connection to this host and port; none: connect directly. Throws
+    /// The proxy for a connection to this host and port; none for a direct connection. Throws
     /// `WebSocketError`, without the proxy's credentials, when the configured proxy is malformed or
-    /// of a kind that is not spoken here (only plain HTTP proxies are).
+    /// of an unsupported kind (only plain HTTP proxies are supported).
     std::optional<ProxyServer> proxyFor(std::string_view host, std::uint16_t port) const;
 
   private:

@@ -13,7 +13,7 @@ namespace {
 
 using Headers = std::vector<WebSocketRequest::Header>;
 
-/// A shorter piece of a header is no secret, and would be found in ordinary words.
+/// A shorter part of a header is not a secret, and would also match ordinary words.
 constexpr std::size_t shortestSecret = 4;
 
 std::string withoutSecret(std::string text, std::string_view secret) {
@@ -27,7 +27,7 @@ std::string withoutSecret(std::string text, std::string_view secret) {
     return text;
 }
 
-/// Hides whole values and what follows a scheme's name in them ("Token …").
+/// Removes whole values, and the part after a scheme's name in them ("Token …").
 std::string withoutSecrets(std::string text, const Headers& secrets) {
     for (const auto& header : secrets) {
         text = withoutSecret(std::move(text), header.value);

@@ -1,4 +1,5 @@
-// What a refused opening handshake says to a person. A pure function, from any thread.
+// The text for the user when an opening handshake was refused. A pure function, usable on any
+// thread.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -9,9 +10,9 @@
 
 namespace orlune {
 
-/// The HTTP status, the service's `dg-error` header and the `err_msg` of its JSON body, each where
-/// there is one, on one line of bounded length. The value of a header in `secrets` is not repeated,
-/// even if the service echoes it.
+/// The HTTP status, the service's `dg-error` header and the `err_msg` of its JSON body, each if
+/// present, on one line of bounded length. The values of headers in `secrets` are removed, even if
+/// the service echoes them.
 std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
                         std::string_view body,
                         const std::vector<WebSocketRequest::Header>& secrets);

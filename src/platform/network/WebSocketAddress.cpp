@@ -22,7 +22,8 @@ std::optional<boost::asio::ip::address> asAddress(const std::string& host) {
     return error ? std::nullopt : std::optional(address);
 }
 
-/// A decoded host may hold anything, line breaks included; names that are looked up do not.
+/// A decoded host may contain any character, even line breaks; host names that can be looked up do
+/// not.
 bool isPlainHostName(std::string_view host) {
     return !host.empty() && std::all_of(host.begin(), host.end(), [](char character) {
         return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')
@@ -49,7 +50,7 @@ WebSocketAddress WebSocketAddress::parse(std::string_view text) {
         throw WebSocketError("The address of the speech service names no valid host");
     }
     address.port = url->has_port() ? url->port_number() : address.isSecure ? securePort : plainPort;
-    // The parser takes any digits, and counts them modulo 65536.
+    // The parser accepts any number of digits and reduces the value modulo 65536.
     if (address.port == 0
         || (url->has_port() && std::to_string(address.port) != std::string(url->port()))) {
         throw WebSocketError("The address of the speech service has no valid port");

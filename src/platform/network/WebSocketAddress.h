@@ -1,5 +1,5 @@
-// A WebSocket URL taken apart into what a connection needs. Pure functions, from any thread. A URL
-// that cannot be honoured throws `WebSocketError`.
+// A WebSocket URL split into what a connection needs. Pure functions, usable on any thread. An
+// invalid or unsupported URL throws `WebSocketError`.
 #pragma once
 
 #include <cstdint>
@@ -14,13 +14,13 @@ struct WebSocketAddress {
     std::uint16_t port = 0;
     std::string target; ///< path and query, as sent in the request line
 
-    /// Accepts wss:// to anywhere, and ws:// to a host that names this machine.
+    /// Accepts wss:// to any host, and ws:// to a host that names this machine.
     static WebSocketAddress parse(std::string_view url);
 
     bool hasAddressForHost() const;
     /// "host:port", with brackets around an IPv6 address.
     std::string hostAndPort() const;
-    /// The Host header: as above, without the scheme's own port.
+    /// The Host header: as above, but without the scheme's default port.
     std::string hostHeader() const;
 };
 
