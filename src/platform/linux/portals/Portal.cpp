@@ -18,7 +18,7 @@ namespace {
 
 const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
 
-/// Connections of QtDBus are found by name.
+/// QtDBus identifies connections by name.
 QString newConnectionName() {
     static std::atomic<int> count = 0;
     return QStringLiteral("orlune-portal-%1").arg(++count);
@@ -70,9 +70,9 @@ Portal::~Portal() {
     QDBusConnection::disconnectFromBus(connection_.name());
 }
 
-/// Portals remember consent by program, and know an unpackaged one only by what it says here. The
-/// answer does not matter: older portals have no register, and newer versions of Qt have registered
-/// already.
+/// Portals store consent per program, and identify an unpackaged program only by this registration.
+/// The answer does not matter: older portals have no registry, and newer versions of Qt have
+/// registered already.
 void Portal::registerApplication() {
     auto call = QDBusMessage::createMethodCall(
         portalName, portalPath, QStringLiteral("org.freedesktop.host.portal.Registry"),
@@ -144,7 +144,7 @@ QString Portal::makeToken() {
 
 PortalSession::PortalSession(Portal& portal, QDBusObjectPath path, QObject* parent)
     : QObject(parent), portal_(portal), path_(std::move(path)) {
-    // From whichever sender: to name one, Qt would wait for the bus.
+    // From any sender: with a named sender, Qt would block until the bus answers.
     auto& bus = portal_.connection();
     bus.connect(QString(), path_.path(), sessionInterface, QStringLiteral("Closed"), this,
                 SLOT(onClosed(QVariantMap)));

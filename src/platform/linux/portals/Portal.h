@@ -1,6 +1,6 @@
-// The desktop portal of the session bus, on a connection of its own, so that the program can say
-// who it is before anything else. Main thread, with Qt's loop running; answers arrive there, in a
-// later turn. No call waits.
+// The desktop portal of the session bus, on its own connection, so that the program can register
+// before any other call. Main thread, with Qt's loop running; answers arrive there, in a later
+// turn. No call blocks.
 #pragma once
 
 #include <QDBusConnection>
@@ -24,7 +24,7 @@ struct PortalResponse {
     enum class Code {
         granted = 0,
         refused = 1, ///< by the user, in the portal's dialog
-        ended = 2,   ///< otherwise, by the portal
+        ended = 2,   ///< by the portal, for another reason
         failed = 3,  ///< no answer in time, or the call itself failed
     };
     Code code = Code::failed;
@@ -37,10 +37,10 @@ class Portal final : public QObject {
   public:
     using OnResponse = std::function<void(const PortalResponse& response)>;
 
-    /// For requests that ask nobody. The back end may have to be started first.
+    /// The limit for requests without a dialog. The back end may have to start first.
     static constexpr std::chrono::seconds answerLimit{10};
 
-    /// Null when there is no session bus, or nobody on it who is or could become the portal.
+    /// Null when there is no session bus, or when no portal runs on it or can be started.
     static std::unique_ptr<Portal> open(const QString& busAddress = {});
     ~Portal() override;
 
@@ -49,8 +49,8 @@ class Portal final : public QObject {
                     std::function<void(std::optional<std::uint32_t>)> onNumber);
 
     /// Calls a method that answers with a request. `arguments` come before the options, to which
-    /// the handle's token is added. Without a limit a dialog may stand for as long as it likes.
-    /// `onResponse` is called once, and not at all when `receiver` has gone.
+    /// the handle's token is added. Without a limit, a dialog may stay open indefinitely.
+    /// `onResponse` is called once, but not after `receiver` was destroyed.
     void request(const QString& interface, const QString& method, QVariantList arguments,
                  QVariantMap options, std::optional<std::chrono::milliseconds> limit,
                  QObject* receiver, OnResponse onResponse);
@@ -60,13 +60,13 @@ class Portal final : public QObject {
     void send(const QDBusMessage& call);
 
     QDBusConnection& connection() { return connection_; }
-    /// A name that no other handle has had.
+    /// Unique among all handles.
     QString makeToken();
 
   Q_SIGNALS:
-    /// The portal has ended; requests and sessions are gone with it.
+    /// The portal has ended, and all requests and sessions with it.
     void lost();
-    /// A new one has started.
+    /// A new portal has started.
     void found();
 
   private:
@@ -81,7 +81,7 @@ class Portal final : public QObject {
     bool isSending_ = false;
 };
 
-/// A session that a portal has opened. Closes it with its end.
+/// A session that a portal has opened. Destroying this object closes it.
 class PortalSession final : public QObject {
     Q_OBJECT
 
@@ -97,7 +97,7 @@ class PortalSession final : public QObject {
 
   private Q_SLOTS:
     void onClosed(const QVariantMap& details);
-    void onClosed(); ///< as older portals report it
+    void onClosed(); ///< as older portals report closing
 
   private:
     Portal& portal_;

@@ -11,8 +11,8 @@ namespace {
 
 const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
 
-/// Where the request of this token will be. The response may come before the call's answer, so it
-/// is listened for before the call.
+/// The path of the request with this token. The response may arrive before the call's answer, so
+/// the signal is connected before the call.
 QString expectedPath(const QDBusConnection& connection, const QString& token) {
     auto sender = connection.baseService().mid(1);
     sender.replace(QLatin1Char('.'), QLatin1Char('_'));
@@ -45,7 +45,7 @@ PortalRequest::PortalRequest(Portal& portal, const QDBusMessage& call, const QSt
             finish(PortalResponse::Code::failed);
             return;
         }
-        // Portals before 0.9 choose another path.
+        // Portals before 0.9 choose a different path.
         const auto path = reply.arguments().value(0).value<QDBusObjectPath>().path();
         if (!path.isEmpty() && path != path_) {
             listen(path);

@@ -1,5 +1,5 @@
-// One request to the portal, from the call to its response. Deletes itself afterwards, or with its
-// receiver, and then closes the dialog that may stand.
+// One request to the portal, from the call to its response. Deletes itself afterwards. When its
+// receiver is destroyed first, it also closes an open dialog.
 #pragma once
 
 #include "platform/linux/portals/Portal.h"

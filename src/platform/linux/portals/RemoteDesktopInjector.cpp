@@ -9,11 +9,11 @@ namespace {
 using Code = PortalResponse::Code;
 
 const QString interface = QStringLiteral("org.freedesktop.portal.RemoteDesktop");
-/// The first version that can remember a consent.
+/// The first version that can store a consent.
 constexpr std::uint32_t rememberingVersion = 2;
 constexpr std::uint32_t keyboard = 1;
 constexpr std::uint32_t untilRevoked = 2;
-/// Stored in the place of a token where the portal gives none.
+/// Stored instead of a token when the portal returns none.
 constexpr auto consented = "consented";
 
 constexpr auto notAnswered = "the desktop portal has not answered yet";
@@ -42,7 +42,7 @@ RemoteDesktopInjector::~RemoteDesktopInjector() = default;
 void RemoteDesktopInjector::findOut() {
     portal_.readNumber(interface, QStringLiteral("version"), [this](auto version) {
         if (isOpening_ || isOpen_) {
-            return; // asked twice: the first question started the portal
+            return; // a second question: the first one started the portal
         }
         version_ = version.value_or(0);
         if (version_ == 0) {
@@ -109,7 +109,7 @@ void RemoteDesktopInjector::open(Way way) {
         });
 }
 
-/// The same options every time: with others some desktops ask again.
+/// The options never change: with other options some desktops ask again.
 void RemoteDesktopInjector::selectKeyboard() {
     QVariantMap options{{QStringLiteral("types"), keyboard}};
     if (remembers()) {
@@ -151,7 +151,7 @@ void RemoteDesktopInjector::finish(const PortalResponse& response) {
         }
         const bool wasAsked = std::exchange(way_, Way::silently) == Way::asking;
         if (wasAsked && remembers() && !isWanted_) {
-            close(); // the consent is what was asked for
+            close(); // only the consent was wanted
         }
         changed();
         return;
@@ -164,7 +164,7 @@ void RemoteDesktopInjector::finish(const PortalResponse& response) {
     }
 }
 
-/// `reason` may be empty: nothing keeps the next session from being opened.
+/// An empty `reason` means that the next session may be opened.
 void RemoteDesktopInjector::fail(std::string reason) {
     close();
     way_ = Way::silently;
@@ -175,7 +175,7 @@ void RemoteDesktopInjector::fail(std::string reason) {
 void RemoteDesktopInjector::close() {
     isOpening_ = false;
     isOpen_ = false;
-    // Both may be in the middle of a call to us.
+    // Both may currently be calling us.
     if (attempt_) {
         attempt_.release()->deleteLater();
     }

@@ -1,8 +1,8 @@
-// Presses keys through the RemoteDesktop portal. The user consents once, in a dialog of the desktop
-// that only `requestAccess` opens. Where the portal can remember that, a session is opened for each
-// dictation, so that the desktop shows its sign only then; where it cannot, the
-// user is asked at each start once there has been a consent, and one session lasts until the
-// program ends. Main thread, with Qt's loop running.
+// Posts keys through the RemoteDesktop portal. The user consents once, in a dialog of the desktop
+// that only `requestAccess` opens. Where the portal can store the consent, each dictation opens its
+// own session, so that the desktop shows its indicator only then. Elsewhere the user is asked at
+// each start once a consent was given, and one session lasts until the program ends. Main thread,
+// with Qt's loop running.
 #pragma once
 
 #include "platform/linux/paste/KeyInjector.h"
@@ -16,13 +16,13 @@ namespace orlune {
 
 class RemoteDesktopInjector final : public QObject, public KeyInjector {
   public:
-    /// What remembers the consent, in the program's state folder.
+    /// Stores the consent, in the program's state folder.
     static constexpr auto tokenFile = "remote-desktop-token";
-    /// How long a session may take that needs no dialog. A portal that opens one all the same has
-    /// forgotten the consent.
+    /// The time limit of a session that should need no dialog. A portal that opens a dialog anyway
+    /// has lost the consent.
     static constexpr std::chrono::seconds silentLimit{3};
 
-    /// Both outlive the injector.
+    /// Both must outlive the injector.
     RemoteDesktopInjector(Portal& portal, TokenStore& tokens);
     ~RemoteDesktopInjector() override;
 
@@ -60,7 +60,7 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     bool isOpening_ = false;
     bool isOpen_ = false;
     std::unique_ptr<PortalSession> session_;
-    std::unique_ptr<QObject> attempt_; ///< receives the responses of what is being opened
+    std::unique_ptr<QObject> attempt_; ///< receives the responses while a session is opened
 };
 
 } // namespace orlune

@@ -6,7 +6,7 @@ namespace orlune {
 
 namespace {
 
-/// Tokens are identifiers of some dozens of bytes.
+/// Tokens are identifiers of a few dozen bytes.
 constexpr std::size_t largestTokenBytes = 4096;
 
 } // namespace
@@ -24,7 +24,7 @@ void TokenStore::set(std::string token) {
     }
     token_ = std::move(token);
     if (!file_.path().empty()) {
-        // A token that cannot be written costs the user another consent, and nothing else.
+        // A token that cannot be written only means that the user is asked again.
         static_cast<void>(file_.replace(token_));
     }
 }

@@ -1,5 +1,5 @@
-// The tokens with which portals recognise a consent that was given before. They are kept in the
-// program's state folder, readable by the user only, and never logged. Main thread.
+// The tokens by which portals recognise an earlier consent. They are stored in the program's state
+// folder, readable only by the user, and never logged. Main thread.
 #pragma once
 
 #include "platform/linux/storage/SettingsFile.h"
@@ -11,7 +11,7 @@ namespace orlune {
 
 class TokenStore {
   public:
-    /// `folder` may be empty: then nothing is remembered beyond this run.
+    /// When `folder` is empty, nothing is stored beyond this run.
     TokenStore(const std::filesystem::path& folder, const std::string& name);
 
     /// Empty when there is none.

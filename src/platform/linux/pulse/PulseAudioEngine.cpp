@@ -13,14 +13,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Small fragments keep the text close behind the voice. With adjusted latency the server runs the
-// device at half of what is asked for and sends each piece as it comes, so this makes one piece for
-// each 12 ms buffer of the tap. Asking for 12 ms wakes everybody twice as often for nothing.
+// Small fragments keep the delay between voice and text small. With adjusted latency the server
+// runs the device at half of the requested duration and sends each piece as it arrives, so this
+// yields one piece for each 12 ms buffer of the tap. A request for 12 ms would wake all threads
+// twice as often without benefit.
 constexpr pa_usec_t fragmentDuration = 24 * PA_USEC_PER_MSEC;
-// Opening a source takes some 50 ms, a sleeping Bluetooth headset more than a second.
+// Opening a source takes some 50 ms, or more than a second for a sleeping Bluetooth headset.
 constexpr auto streamLimit = 3000ms;
 
-/// What a late delivery holds beyond these is a delivery of its own.
+/// A late delivery with more buffers than this is split.
 constexpr std::size_t mostBuffers = 4;
 
 constexpr auto streamName = "Dictation";
@@ -28,7 +29,7 @@ constexpr auto serverDefault = static_cast<std::uint32_t>(-1);
 
 } // namespace
 
-/// One run of the tap, from start to stop: an open stream, and the buffers that its fragments fill.
+/// One run of the tap, from start to stop: an open stream, and the buffers that it fills.
 class PulseAudioEngine::Recording {
   public:
     Recording(PulseConnection& connection, const pa_sample_spec& sampleSpec,
@@ -56,8 +57,8 @@ class PulseAudioEngine::Recording {
             .minreq = serverDefault,
             .fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(fragmentDuration, &sampleSpec)),
         };
-        // No device: the stream follows the user's default source, also when that changes. Without
-        // adjusted latency the server would send two seconds at a time.
+        // Without a device name, the stream follows the user's default source, also when it
+        // changes. Without adjusted latency the server would send two seconds at a time.
         if (pa_stream_connect_record(stream_.get(), nullptr, &attributes, PA_STREAM_ADJUST_LATENCY)
             < 0) {
             fail(pa_context_errno(connection.context()));
@@ -110,7 +111,7 @@ class PulseAudioEngine::Recording {
         throw AudioEngineError(connection_.error());
     }
 
-    /// Takes what the server sent. On the audio thread, with the loop locked.
+    /// Reads what the server sent. On the audio thread, with the loop locked.
     void receive() {
         const void* data = nullptr;
         std::size_t byteCount = 0;
@@ -122,7 +123,7 @@ class PulseAudioEngine::Recording {
         deliver();
     }
 
-    /// `interleaved` is null for a hole in the recording, which is heard as silence.
+    /// `interleaved` is null for a gap in the recording, which becomes silence.
     void append(const float* interleaved, std::size_t frames) {
         const std::size_t channels = buffers_.front().format().channelCount;
         while (frames > 0) {
@@ -146,24 +147,24 @@ class PulseAudioEngine::Recording {
         }
     }
 
-    /// Together: the tap's listeners are woken once for all of them.
+    /// All buffers in one call, so that the tap's receivers wake once.
     void deliver() {
         if (const auto count = std::exchange(fullCount_, 0); count > 0) {
             tap_(std::span(buffers_).first(count));
             std::rotate(buffers_.begin(), buffers_.begin() + static_cast<std::ptrdiff_t>(count),
-                        buffers_.end()); // the one that is being filled comes first
+                        buffers_.end()); // the partly filled one comes first
         }
     }
 
     PulseConnection& connection_;
-    std::vector<AudioPCMBuffer> buffers_; ///< full ones, then the one that is being filled
+    std::vector<AudioPCMBuffer> buffers_; ///< full ones, then the partly filled one
     std::size_t fullCount_ = 0;
-    std::size_t filled_ = 0; ///< frames of the buffer after the full ones
+    std::size_t filled_ = 0; ///< frames in the buffer after the full ones
     const Tap tap_;
     Log* log_;
     bool isOpen_ = false;
-    std::optional<PulseTimer> silence_; ///< from the loss of the stream on
-    PulseStream stream_;                // last, so that nothing is called once the rest is gone
+    std::optional<PulseTimer> silence_; ///< set once the stream is lost
+    PulseStream stream_;                // last, so that no callback runs during destruction
 };
 
 PulseAudioEngine::PulseAudioEngine(Log* log) : log_(log) {}
@@ -224,7 +225,7 @@ void PulseAudioEngine::start() {
         if (!connection_.connect()) {
             throw AudioEngineError(connection_.error());
         }
-        // The source's own map keeps the server from mixing its channels.
+        // The source's own channel map keeps the server from mixing channels.
         pa_channel_map channelMap;
         pa_channel_map_init_extend(&channelMap, sampleSpec.channels, PA_CHANNEL_MAP_DEFAULT);
         if (source_ && source_->channelMap.channels == sampleSpec.channels) {

@@ -1,8 +1,8 @@
 // The default microphone of a Linux desktop, through libpulse. Owned by the capture service and
 // used on the main actor; the tap is called on the thread "orlune-audio". Every call returns within
-// a few seconds, also when the sound server hangs. When the server or the device is lost while
-// recording, the log says so and the tap receives silence at the same pace; the next start uses
-// whatever is there then.
+// a few seconds, even when the sound server hangs. When the server or the device is lost while
+// recording, the log reports it and the tap receives silence at the same pace; the next start uses
+// the source available then.
 #pragma once
 
 #include "platform/AudioEngine.h"
@@ -16,12 +16,12 @@ namespace orlune {
 
 class PulseAudioEngine final : public AudioEngine {
   public:
-    /// Begins to connect and returns at once. `log`, which may be null, outlives the engine.
+    /// Starts to connect and returns at once. `log` may be null; it must outlive the engine.
     explicit PulseAudioEngine(Log* log = nullptr);
     ~PulseAudioEngine() override;
 
-    /// The default source's own rate and channels, as float samples without interleaving. No
-    /// channels without a server or a microphone.
+    /// The default source's own rate and channels, as float samples, not interleaved. No channels
+    /// without a server or a microphone.
     AudioFormat inputFormat() override;
     void installTap(std::uint32_t bufferSize, const AudioFormat& format, Tap tap) override;
     void removeTap() override;
@@ -40,7 +40,7 @@ class PulseAudioEngine final : public AudioEngine {
     AudioFormat format_;
     Tap tap_;
     bool isRunning_ = false;
-    std::unique_ptr<Recording> recording_; ///< made and let go with the loop locked
+    std::unique_ptr<Recording> recording_; ///< created and destroyed with the loop locked
 };
 
 } // namespace orlune

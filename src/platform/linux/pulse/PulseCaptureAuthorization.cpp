@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 using SteadyTime = std::chrono::steady_clock::time_point;
 
-// Starting a server on demand and asking it. As long as a recording would wait for both.
+// Enough to start a server on demand and to query it; a recording would wait as long for both.
 constexpr auto answerLimit = 3000ms;
 
 constexpr auto changes =
@@ -30,7 +30,7 @@ struct LoopFree {
     void operator()(pa_mainloop* loop) const { pa_mainloop_free(loop); }
 };
 
-/// Not when it begins to record or its volume changes, as happens in each dictation.
+/// False for the start of a recording and for volume changes, which happen in each dictation.
 bool mayChangeTheAnswer(pa_subscription_event_type_t event) {
     const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
     const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
@@ -52,11 +52,11 @@ class PulseCaptureAuthorization::Watch {
   private:
     void wake() const { pa_mainloop_wakeup(loop_.get()); }
 
-    // Everything below runs on the thread.
+    // Everything below is only used on the thread.
     void run();
-    /// Looks at what has changed and does what follows from it. False when it is time to end.
+    /// Checks what has changed and reacts. False when the thread should end.
     bool attend();
-    /// Sleeps until something happens, and lets the loop take it in. False when it is broken.
+    /// Sleeps until there is an event, and lets the loop process it. False when the loop is broken.
     bool turn();
     void connect();
     void disconnect();
@@ -69,21 +69,21 @@ class PulseCaptureAuthorization::Watch {
 
     std::mutex mutex_;
     Status status_ = Status::notDetermined;
-    bool isConnected_ = false; ///< or about to be
+    bool isConnected_ = false; ///< or connecting
     bool isAsked_ = true;
     bool isEnding_ = false;
     std::vector<Completion> arrivals_;
 
-    // The thread's own.
+    // Only used on the thread.
     PulseContext context_;
-    bool wasReady_ = false; ///< in this connection
-    bool isStale_ = false;  ///< what is known may no longer hold
+    bool wasReady_ = false; ///< of the current connection
+    bool isStale_ = false;  ///< the known answer may be out of date
     std::optional<PulseSourceQuery> query_;
-    std::optional<SteadyTime> deadline_;  ///< of the connecting or of the query under way
-    std::vector<Completion> waiting_;     ///< for the query under way, else for the next one
-    std::vector<Completion> waitingLate_; ///< came after the query under way had begun
+    std::optional<SteadyTime> deadline_;  ///< of connecting, or of the running query
+    std::vector<Completion> waiting_;     ///< for the running query, or else for the next one
+    std::vector<Completion> waitingLate_; ///< arrived after the running query had begun
 
-    std::thread thread_; // last, so that everything is there when it begins
+    std::thread thread_; // last, so that all members exist when it starts
 };
 
 PulseCaptureAuthorization::Watch::~Watch() {
@@ -123,7 +123,7 @@ bool PulseCaptureAuthorization::Watch::turn() {
         return false;
     }
     {
-        // Preparing forgets the wake-ups until then, and so those since `attend` looked.
+        // Preparing discards earlier wake-ups, including those since `attend` checked.
         const std::lock_guard lock(mutex_);
         if (isAsked_ || isEnding_) {
             wake();
@@ -147,7 +147,7 @@ bool PulseCaptureAuthorization::Watch::attend() {
     if (context_ && !PA_CONTEXT_IS_GOOD(pa_context_get_state(context()))) {
         const bool wasReady = wasReady_;
         disconnect();
-        // A server that worked until now has perhaps been restarted.
+        // A server that worked before may have been restarted.
         wasReady ? connect() : conclude(Status::denied);
     } else if (deadline_ && std::chrono::steady_clock::now() >= *deadline_) {
         disconnect();
@@ -188,7 +188,7 @@ void PulseCaptureAuthorization::Watch::disconnect() {
     isConnected_ = false;
 }
 
-/// The context is ready.
+/// Only when the context is ready.
 void PulseCaptureAuthorization::Watch::ask() {
     if (!std::exchange(wasReady_, true)) {
         pa_context_set_subscribe_callback(
@@ -228,7 +228,7 @@ void PulseCaptureAuthorization::Watch::conclude(Status status) {
 
 int PulseCaptureAuthorization::Watch::microsecondsToDeadline() const {
     if (!deadline_) {
-        return -1; // until something happens
+        return -1; // no timeout
     }
     const auto left =
         std::chrono::ceil<std::chrono::microseconds>(*deadline_ - std::chrono::steady_clock::now());

@@ -1,7 +1,7 @@
 // Whether a sound server, PulseAudio or PipeWire, has a microphone for us: the same source that
-// `PulseAudioEngine` would record from. From the first question on it follows the server on a
-// thread "orlune-mic" of its own, which sleeps while nothing changes, and nobody ever waits for it.
-// Without a server access is denied. A server that comes later is found when somebody asks.
+// `PulseAudioEngine` would record from. After the first question it follows the server on its own
+// thread "orlune-mic", which sleeps while nothing changes. No call blocks. Without a server, access
+// is denied. A server that starts later is found by the next question.
 #pragma once
 
 #include "platform/CaptureAuthorization.h"
@@ -13,11 +13,11 @@ namespace orlune {
 class PulseCaptureAuthorization final : public CaptureAuthorization {
   public:
     PulseCaptureAuthorization();
-    /// Requests that have no answer yet are dropped.
+    /// Unanswered requests are dropped.
     ~PulseCaptureAuthorization() override;
 
     Status authorizationStatus() override;
-    /// A server that does not answer within 3 s counts as none.
+    /// A server that does not answer within 3 s counts as absent.
     void requestAccess(std::function<void(bool isGranted)> completion) override;
 
   private:

@@ -9,9 +9,9 @@ namespace {
 using namespace std::chrono_literals;
 
 // A server on this machine answers within a few milliseconds. Starting one on demand takes most of
-// a second on a slow disk; past that the user is better served by an error than by waiting.
+// a second on a slow disk; after that an error serves the user better than waiting.
 constexpr auto connectLimit = 2000ms;
-// One round trip to a server that already answered: more than this means that it hangs.
+// One round trip to a server that has answered before; a longer delay means that it hangs.
 constexpr auto replyLimit = 1000ms;
 
 } // namespace
@@ -46,7 +46,7 @@ bool PulseConnection::connect() {
     if (wait(connectLimit, isSettled)) {
         errorCode_ = pa_context_errno(context());
     } else {
-        // The next attempt starts from the beginning.
+        // The next attempt reconnects.
         beginConnecting();
         errorCode_ = PA_ERR_TIMEOUT;
     }
@@ -57,7 +57,7 @@ std::optional<PulseConnection::Source> PulseConnection::defaultSource() {
     const bool wasReady = isReady();
     auto found = askForSource();
     if (!found.isAnswered && wasReady && !isReady()) {
-        // The connection was lost just now: the server may have been restarted.
+        // The connection was just lost: the server may have been restarted.
         found = askForSource();
     }
     return found.source;
@@ -92,7 +92,7 @@ void PulseConnection::beginConnecting() {
     context_ = makePulseContext(pa_threaded_mainloop_get_api(loop()));
     pa_context_set_state_callback(
         context(), [](pa_context*, void* userdata) { wake(userdata); }, loop());
-    // A failure shows in the state of the context.
+    // The state of the context shows a failure.
     pa_context_connect(context(), nullptr, PA_CONTEXT_NOFLAGS, nullptr);
 }
 

@@ -1,7 +1,7 @@
-// The connection to the user's sound server, PulseAudio or PipeWire, with a thread "orlune-audio"
-// of its own. Owned by the engine that records through it. Every wait for the server is bounded;
-// failure is an answer, whose text `error` keeps. Everything but `loop` is used with the loop
-// locked.
+// The connection to the user's sound server, PulseAudio or PipeWire, with its own thread
+// "orlune-audio". Owned by the engine that records through it. Every wait for the server has a time
+// limit; failures are return values, with their text in `error`. Everything except `loop` is used
+// with the loop locked.
 #pragma once
 
 #include "platform/linux/pulse/PulseHandles.h"
@@ -17,8 +17,8 @@ class PulseConnection {
   public:
     using Source = PulseSourceQuery::Source;
 
-    /// Begins to connect, and does not wait for it. Throws AudioEngineError when the process can
-    /// have no further thread.
+    /// Starts to connect without waiting. Throws AudioEngineError when the process cannot create
+    /// another thread.
     PulseConnection();
     ~PulseConnection();
     PulseConnection(const PulseConnection&) = delete;
@@ -27,13 +27,14 @@ class PulseConnection {
     pa_threaded_mainloop* loop() const { return loop_.get(); }
     pa_context* context() const { return context_.get(); }
 
-    /// True when the server answers; connects anew when the last connection was lost.
+    /// True when the server answers; reconnects when the last connection was lost.
     bool connect();
 
     /// The source that a recording would use. None without a server or a microphone.
     std::optional<Source> defaultSource();
 
-    /// Waits until `isDone`, which callbacks change and then `wake`. False when it took too long.
+    /// Waits until `isDone`, whose state callbacks change before they call `wake`. False on
+    /// timeout.
     template <typename Condition>
     bool wait(std::chrono::milliseconds limit, Condition isDone) {
         Expiry expiry{loop(), false};
@@ -46,11 +47,11 @@ class PulseConnection {
         return isDone();
     }
 
-    /// Why the last operation failed, in the words of the sound system.
+    /// Why the last operation failed, in the sound system's words.
     std::string error() const;
     void setError(int code) { errorCode_ = code; }
 
-    /// Lets whoever waits look again. For callbacks.
+    /// Wakes the waiting thread, which checks its condition again. For callbacks.
     static void wake(void* loop) {
         pa_threaded_mainloop_signal(static_cast<pa_threaded_mainloop*>(loop),
                                     /*wait_for_accept=*/0);

@@ -1,4 +1,4 @@
-// Owners of libpulse's handles. All but the loop's are used with the loop locked.
+// Owners of libpulse's handles. All except the loop's are used with the loop locked.
 #pragma once
 
 #include <pulse/pulseaudio.h>
@@ -13,7 +13,7 @@ struct PulseLoopFree {
         pa_threaded_mainloop_free(loop);
     }
 };
-/// Stops its thread first. Not to be let go while the loop is locked.
+/// Stops its thread first. Must not be destroyed while the loop is locked.
 using PulseLoop = std::unique_ptr<pa_threaded_mainloop, PulseLoopFree>;
 
 class PulseLock {
@@ -36,7 +36,7 @@ struct PulseContextClose {
         pa_context_unref(context);
     }
 };
-/// Calls nothing back once it is let go.
+/// No callbacks run after destruction.
 using PulseContext = std::unique_ptr<pa_context, PulseContextClose>;
 
 struct PulseStreamClose {
@@ -47,7 +47,7 @@ struct PulseStreamClose {
         pa_stream_unref(stream);
     }
 };
-/// Calls nothing back once it is let go.
+/// No callbacks run after destruction.
 using PulseStream = std::unique_ptr<pa_stream, PulseStreamClose>;
 
 struct PulseOperationCancel {
@@ -56,7 +56,7 @@ struct PulseOperationCancel {
         pa_operation_unref(operation);
     }
 };
-/// An answer that has not come when it is let go is not delivered any more.
+/// An answer that arrives after destruction is not delivered.
 using PulseOperation = std::unique_ptr<pa_operation, PulseOperationCancel>;
 
 struct PulsePropertiesFree {
@@ -64,7 +64,7 @@ struct PulsePropertiesFree {
 };
 using PulseProperties = std::unique_ptr<pa_proplist, PulsePropertiesFree>;
 
-/// Wakes the loop's thread once, unless it is let go before.
+/// Wakes the loop's thread once, unless destroyed before.
 class PulseTimer {
   public:
     PulseTimer(pa_threaded_mainloop* loop, pa_context* context, pa_usec_t delay,

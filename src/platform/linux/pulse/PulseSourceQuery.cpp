@@ -12,11 +12,11 @@ namespace {
 
 constexpr auto applicationName = "Orlune";
 
-// What both servers call the output that they make up when there is none.
+// The name that both servers give to the output they create when there is none.
 constexpr auto standInSink = "auto_null";
 
-/// The source that the user's environment names for recordings, or an empty text. libpulse reads it
-/// by itself when it records.
+/// The source that the user's environment selects for recordings, or an empty text. libpulse
+/// applies it itself when it records.
 std::string sourceOfEnvironment() {
     const char* name = std::getenv("PULSE_SOURCE");
     return name ? name : "";
@@ -89,9 +89,9 @@ const PulseSourceQuery::Entry* PulseSourceQuery::find(std::string_view name) con
     return entry == entries_.end() ? nullptr : &*entry;
 }
 
-/// Servers fall back to the monitor of the default output when there is no microphone. The monitor
-/// of another output, one that was preferred to a microphone, and that of an output which somebody
-/// made up are the user's choice.
+/// Without a microphone, servers fall back to the monitor of the default output. Three kinds of
+/// monitor are the user's choice: that of another output, one that was preferred to a microphone,
+/// and that of an output which the user created.
 bool PulseSourceQuery::isFallback(const Entry& entry) const {
     return entry.isMonitor && entry.monitoredSink == defaultSink_ && isDefaultSinkReal_
            && std::ranges::all_of(entries_, &Entry::isMonitor);

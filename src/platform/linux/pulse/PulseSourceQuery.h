@@ -1,6 +1,6 @@
-// Asks a sound server once which source a recording would use. Owned by whoever asks, let go before
-// the context that it asks, and used like that with the loop locked or on its thread. What the
-// server does not answer, for whatever reason, stays unanswered.
+// Asks a sound server once which source a recording would use. Owned by the caller, destroyed
+// before the context, and used with the loop locked or on its thread. Questions that the server
+// does not answer, for any reason, stay unanswered.
 #pragma once
 
 #include "platform/linux/pulse/PulseHandles.h"
@@ -15,14 +15,14 @@ namespace orlune {
 
 class PulseSourceQuery {
   public:
-    /// What a source delivers by itself.
+    /// The native format of a source.
     struct Source {
         pa_sample_spec sampleSpec;
         pa_channel_map channelMap;
     };
 
-    /// The context is ready. `onAnswer`, which may be empty, is called on the loop's thread at each
-    /// part of the answer.
+    /// The context must be ready. `onAnswer`, which may be empty, is called on the loop's thread
+    /// after each part of the answer.
     explicit PulseSourceQuery(pa_context* context, std::function<void()> onAnswer = {});
     ~PulseSourceQuery();
     PulseSourceQuery(const PulseSourceQuery&) = delete;
@@ -30,8 +30,8 @@ class PulseSourceQuery {
 
     bool isAnswered() const { return answerCount_ == questionCount; }
 
-    /// The answer. None when the machine has no microphone: a monitor, which hears what the machine
-    /// itself plays, counts only where it is not merely what the server falls back to.
+    /// The answer. None when the machine has no microphone: a monitor, which records what the
+    /// machine plays, counts only when it is not just the server's fallback.
     std::optional<Source> source() const;
 
   private:
@@ -42,7 +42,7 @@ class PulseSourceQuery {
         Source source;
     };
 
-    static constexpr int questionCount = 3; ///< asked at once
+    static constexpr int questionCount = 3; ///< sent together
 
     static void receiveServer(pa_context*, const pa_server_info* info, void* userdata);
     static void receiveSink(pa_context*, const pa_sink_info* info, int end, void* userdata);
@@ -56,13 +56,12 @@ class PulseSourceQuery {
     int answerCount_ = 0;
     std::string defaultSource_;
     std::string defaultSink_;
-    bool isDefaultSinkReal_ = false; ///< a device, or the server's stand-in for one
+    bool isDefaultSinkReal_ = false; ///< a device, or the server's placeholder for one
     std::vector<Entry> entries_;
-    std::vector<PulseOperation>
-        questions_; // last, so that nothing is received once the rest is gone
+    std::vector<PulseOperation> questions_; // last, so that no answer arrives during destruction
 };
 
-/// A context that is not connected yet, with the program's name as the user sees it in mixers.
+/// An unconnected context, with the program's name as mixers show it.
 PulseContext makePulseContext(pa_mainloop_api* loop);
 
 } // namespace orlune

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr auto replyLimit = 1000ms;
 constexpr auto listeningTime = 500ms;
-/// Opening a microphone takes 50 ms, and much longer when it has to wake up first.
+/// Opening a microphone takes 50 ms, and much longer when the device sleeps.
 constexpr auto firstSoundLimit = 2000ms;
 
 struct Names {
@@ -53,7 +53,7 @@ struct Names {
     }
 };
 
-/// The source that recordings use, by the name that libpulse would choose.
+/// The source that recordings use, by the name that libpulse would select.
 const char* sourceName() {
     const char* name = std::getenv("PULSE_SOURCE");
     return name && *name ? name : "@DEFAULT_SOURCE@";

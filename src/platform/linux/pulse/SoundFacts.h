@@ -1,6 +1,6 @@
-// The sound server and the microphone as a person would name them, and how loud it is just now. The
-// microphone is opened for half a second; nothing of what is heard is kept. Blocking, within a few
-// seconds also when the server hangs.
+// The sound server and the microphone by their readable names, and the current sound level. Opens
+// the microphone for half a second and keeps nothing of the recording. Blocks for at most a few
+// seconds, even when the server hangs.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@ struct SoundFacts {
     bool isMuted = false;
     /// Why the microphone cannot be opened; empty when it can.
     std::string recordingError;
-    bool hasDelivered = false; ///< any sound at all, silence included
+    bool hasDelivered = false; ///< any audio at all, including silence
     double peak = 0;           ///< the largest sample, from 0 to 1
 
     static SoundFacts read();

@@ -22,7 +22,7 @@ void BackgroundThread::stop() {
 
 void BackgroundThread::run() {
     pthread_setname_np(pthread_self(), "orlune-io");
-    // The loop's one barrier for exceptions; after one it goes on with the next piece of work.
+    // The loop's only exception barrier; after an exception it continues with the next work item.
     while (!context_.stopped()) {
         try {
             context_.run();

@@ -1,5 +1,5 @@
-// The program's one I/O thread: sockets, timers and whatever belongs to no thread in particular.
-// Ends with its owner; what still waits then is unwound on the owner's thread.
+// The program's one I/O thread: sockets, timers and all work that may run on any thread. Ends with
+// its owner; operations that still wait are unwound on the owner's thread.
 #pragma once
 
 #include "platform/concurrency/Awaitable.h"

@@ -1,4 +1,4 @@
-// A file descriptor that is closed with its owner.
+// Owns a file descriptor and closes it.
 #pragma once
 
 #include <unistd.h>

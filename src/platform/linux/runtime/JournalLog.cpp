@@ -1,4 +1,4 @@
-// The place in the code that a message came from is not this file.
+// The location would always be this file, not the place that a message came from.
 #define SD_JOURNAL_SUPPRESS_LOCATION
 
 #include "platform/linux/runtime/JournalLog.h"
@@ -46,7 +46,7 @@ void JournalLog::write(Level level, std::string_view category, std::string_view 
         return;
     }
     const auto text = line(level, category, message, standardErrorIsJournal_);
-    // Nowhere else to turn to when even this fails.
+    // When even this fails, there is no other place to write to.
     [[maybe_unused]] const auto written = ::write(standardError_, text.data(), text.size());
 }
 
@@ -70,12 +70,12 @@ std::string JournalLog::line(Level level, std::string_view category, std::string
             character = ' ';
         }
     }
-    // Up to this many bytes a pipe takes in one piece, whoever else writes into it.
+    // A pipe takes up to this many bytes in one piece, whatever other writers do.
     constexpr std::size_t longestLineBytes = PIPE_BUF - 1;
     if (text.size() > longestLineBytes) {
         auto end = longestLineBytes;
         while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) {
-            --end; // not in the middle of a character
+            --end; // not within a character
         }
         text.resize(end);
     }

@@ -1,6 +1,6 @@
-// The system log: the journal where one runs, else standard error. Safe from any thread; writing
-// never fails and never throws. Each message is written once, to one of the two: never to the
-// journal and to a standard error that ends in the journal as well.
+// The system log: the journal if it runs, else standard error. Safe from any thread; writing never
+// fails and never throws. Each message is written once, to one of the two: a standard error that
+// ends in the journal does not receive it a second time.
 #pragma once
 
 #include "platform/Log.h"
@@ -14,11 +14,11 @@ namespace orlune {
 
 class JournalLog final : public Log {
   public:
-    /// Where the journal listens. Looked for at each message: sending to it reports success even
-    /// when nobody listens, and the journal may come later than we do.
+    /// The journal's socket. Checked at each message: sending reports success even without a
+    /// listener, and the journal may start later than this program.
     static constexpr auto journalSocket = "/run/systemd/journal/socket";
 
-    /// The other arguments than the default ones are for tests.
+    /// Arguments other than the defaults are for tests.
     explicit JournalLog(std::filesystem::path socket = journalSocket, int standardError = 2);
 
     void write(Level level, std::string_view category, std::string_view message) override;
@@ -27,13 +27,13 @@ class JournalLog final : public Log {
     /// SYSLOG_IDENTIFIER.
     static std::vector<std::string> fields(Level level, std::string_view category,
                                            std::string_view message);
-    /// "orlune[category]: message" with its newline. Control characters become blanks, so that it
-    /// is one line and steers no terminal; the line is cut so that it is written in one piece. With
-    /// `withPriority` it opens with the mark that the journal takes off again.
+    /// "orlune[category]: message" with its newline. Control characters become blanks, so that the
+    /// text is one line and controls no terminal; the line is cut so that it is written in one
+    /// piece. With `withPriority` it starts with the priority mark, which the journal removes.
     static std::string line(Level level, std::string_view category, std::string_view message,
                             bool withPriority);
-    /// Whether the descriptor is the stream that `journalStream` ("device:inode", as the service
-    /// manager puts it into JOURNAL_STREAM) names.
+    /// Whether the descriptor is the stream named by `journalStream` ("device:inode", as the
+    /// service manager sets JOURNAL_STREAM).
     static bool isJournalStream(int descriptor, std::string_view journalStream);
 
   private:

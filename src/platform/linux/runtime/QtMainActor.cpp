@@ -23,8 +23,8 @@ namespace asio = boost::asio;
 
 namespace {
 
-/// One piece of posted work. Asio's own function objects can only be moved, so std::function
-/// cannot hold them.
+/// One posted work item. Asio's function objects are move-only, which std::function does not
+/// support.
 class Work {
   public:
     virtual ~Work() = default;
@@ -49,7 +49,7 @@ bool isMainThread() {
 } // namespace
 
 /// The queue between the posting threads and Qt's loop, which an eventfd wakes. Outlives the actor
-/// for as long as an executor is held somewhere, and refuses work from then on.
+/// while an executor still refers to it, and refuses work then.
 class QtMainActor::Mailbox : public asio::execution_context {
   public:
     Mailbox() : wakeUp_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
@@ -83,7 +83,7 @@ class QtMainActor::Mailbox : public asio::execution_context {
 
     void close() {
         notifier_.reset();
-        // Released outside the lock: pending work may post again while it is being dropped.
+        // Released outside the lock, because work may post again while it is destroyed.
         std::deque<std::unique_ptr<Work>> dropped;
         const std::lock_guard lock(mutex_);
         isClosed_ = true;
@@ -93,13 +93,13 @@ class QtMainActor::Mailbox : public asio::execution_context {
   private:
     void wake() const {
         const std::uint64_t one = 1;
-        // Fails only when the counter is full, and then the loop has been woken already.
+        // Only fails when the counter is full, and then the loop has already been woken.
         [[maybe_unused]] const auto written = ::write(wakeUp_, &one, sizeof one);
     }
 
-    /// Runs what was queued when the turn began; what that posts belongs to the next turn, so that
-    /// windows and input get theirs in between. Work runs one by one off the queue: a nested event
-    /// loop inside one of them goes on with the next.
+    /// Runs the work that was queued when the turn began. Work that it posts waits for the next
+    /// turn, so that windows and input are served in between. Items leave the queue one by one, so
+    /// that a nested event loop within one continues with the next.
     void runQueued() {
         std::uint64_t count = 0;
         [[maybe_unused]] const auto seen = ::read(wakeUp_, &count, sizeof count);
@@ -125,7 +125,8 @@ class QtMainActor::Mailbox : public asio::execution_context {
         }
     }
 
-    /// The loop's one barrier: an exception that reaches Qt would end the program without a word.
+    /// The loop's only exception barrier: an exception that reaches Qt would end the program
+    /// silently.
     static void runOne(Work& work) {
         try {
             work.run();
@@ -135,14 +136,14 @@ class QtMainActor::Mailbox : public asio::execution_context {
     }
 
     const int wakeUp_;
-    std::unique_ptr<QSocketNotifier> notifier_; // touched on the main thread alone
+    std::unique_ptr<QSocketNotifier> notifier_; // only touched on the main thread
     std::mutex mutex_;
     bool isClosed_ = false;
     std::deque<std::unique_ptr<Work>> queue_;
 };
 
-/// The Asio executor. Posting always waits for a later turn; dispatching on the main thread runs at
-/// once, which Asio's cancellation relies on.
+/// The Asio executor. Posted work always waits for a later turn. Dispatched work runs at once when
+/// already on the main thread, which Asio's cancellation relies on.
 class QtMainActor::MailboxExecutor {
   public:
     explicit MailboxExecutor(std::shared_ptr<Mailbox> mailbox) : mailbox_(std::move(mailbox)) {}

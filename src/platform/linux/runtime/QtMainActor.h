@@ -1,6 +1,6 @@
-// The main actor on Qt's event loop: posted work runs on the thread of the application.
-// Created on that thread, after the application object. Work that is posted once it is gone is
-// dropped, and what that work held is released.
+// The main actor on Qt's event loop: posted work runs on the application's thread.
+// Created on that thread, after the application object. Work that is posted after its destruction
+// is dropped and its captures are released.
 #pragma once
 
 #include "platform/concurrency/MainActor.h"

@@ -1,4 +1,4 @@
-// The machine's monotonic clock. It stands still while the machine is suspended.
+// The machine's monotonic clock. It stops while the machine is suspended.
 #pragma once
 
 #include "platform/concurrency/Clock.h"

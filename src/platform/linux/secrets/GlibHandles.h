@@ -1,4 +1,4 @@
-// Owners for what GLib and libsecret hand out. Included by the files that talk to them alone.
+// Owners of objects from GLib and libsecret. Only included by the files that use these libraries.
 #pragma once
 
 #include <libsecret/secret.h>
@@ -27,7 +27,7 @@ using GlibVariant = std::unique_ptr<GVariant, GlibRelease<g_variant_unref>>;
 using GlibVariantType = std::unique_ptr<GVariantType, GlibRelease<g_variant_type_free>>;
 using SecretValueHandle = std::unique_ptr<SecretValue, GlibRelease<secret_value_unref>>;
 
-/// Takes over a list and the reference to each object in it.
+/// Takes ownership of a list and of the reference to each object in it.
 template <typename Type>
 std::vector<GlibObject<Type>> takeList(GList* list) {
     std::vector<GlibObject<Type>> objects;
@@ -54,7 +54,7 @@ class GlibError {
     bool is(GQuark domain, int code) const { return g_error_matches(error_, domain, code) != 0; }
     GQuark domain() const { return error_->domain; }
     int code() const { return error_->code; }
-    /// The text of the one who refused, without the name of the error in front.
+    /// The provider's text, without the name of the error in front.
     std::string text() {
         g_dbus_error_strip_remote_error(error_);
         return error_->message;

@@ -54,7 +54,7 @@ void GlibThread::run(const std::function<void()>& atEnd) {
     g_main_context_pop_thread_default(context_.get());
 }
 
-/// Waits for something to happen and lets GLib handle it.
+/// Waits for an event and lets GLib handle it.
 void GlibThread::turn() {
     bool isStopped = false;
     {
@@ -67,7 +67,7 @@ void GlibThread::turn() {
         g_source_set_callback(
             timer.get(), [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr, nullptr);
         g_source_attach(timer.get(), context_.get());
-        // On this thread: GLib calls back whoever listens within the call.
+        // On this thread, because GLib runs the callbacks within the call.
         g_cancellable_cancel(ending_.get());
     }
     g_main_context_iteration(context_.get(), /*may_block=*/TRUE);
@@ -85,7 +85,7 @@ void GlibThread::complete(GObject*, GAsyncResult* result, gpointer argument) {
 GlibObject<GAsyncResult> GlibThread::awaitCompletion(Completion* completion) {
     while (!completion->result) {
         if (graceEnd_ && std::chrono::steady_clock::now() >= *graceEnd_) {
-            completion->isAwaited = false; // it may yet complete: the callback deletes it
+            completion->isAwaited = false; // it may complete later: the callback deletes it
             return nullptr;
         }
         turn();

@@ -1,7 +1,7 @@
-// A named thread with a GLib context of its own, for libraries that speak D-Bus through GLib. Jobs
-// run on it one after the other, in the order in which they were posted; a job waits for GLib's
-// asynchronous operations with `await`. Ending it never takes longer than `endGrace`, whatever an
-// operation still waits for.
+// A named thread with its own GLib context, for libraries that use D-Bus through GLib. Jobs run on
+// it one at a time, in the order in which they were posted; a job waits for GLib's asynchronous
+// operations with `await`. Ending the thread never takes longer than `endGrace`, whatever an
+// operation is waiting for.
 #pragma once
 
 #include "platform/linux/secrets/GlibHandles.h"
@@ -17,23 +17,24 @@ namespace orlune {
 
 class GlibThread {
   public:
-    /// Long enough for an answer over the bus to "never mind", short enough for quitting.
+    /// Long enough for the other side of the bus to answer a cancellation, short enough for
+    /// quitting.
     static constexpr auto endGrace = std::chrono::milliseconds(200);
 
-    /// `name` has at most 15 characters. `atEnd` runs on the thread when it has done its last job:
-    /// the place to let go of GLib's objects, which clean up in their thread's context.
+    /// `name` has at most 15 characters. `atEnd` runs on the thread after its last job and must
+    /// release GLib's objects, which clean up in their thread's context.
     GlibThread(const char* name, std::function<void()> atEnd);
     ~GlibThread();
     GlibThread(const GlibThread&) = delete;
     GlibThread& operator=(const GlibThread&) = delete;
 
-    /// From any thread. Jobs that have not begun when the thread ends are dropped. What they throw
-    /// is a bug and ends the program.
+    /// From any thread. Jobs that have not begun when the thread ends are dropped. An exception
+    /// that escapes a job is a bug and ends the program.
     void post(std::function<void()> job);
 
-    /// On the thread itself: starts an operation and turns the context until it has completed.
+    /// Only on the thread itself: starts an operation and runs the context until it has completed.
     /// `start` receives the callback and its argument. Empty when the thread is ending and the
-    /// operation has not completed within the grace.
+    /// operation has not completed within `endGrace`.
     template <typename Start>
     GlibObject<GAsyncResult> await(Start start) {
         auto* completion = new Completion;
@@ -41,9 +42,9 @@ class GlibThread {
         return awaitCompletion(completion);
     }
 
-    /// Cancelled when the thread ends; to be handed to every operation.
+    /// Cancelled when the thread ends; to be passed to every operation.
     GCancellable* ending() const { return ending_.get(); }
-    /// On the thread itself: true once it ends.
+    /// Only on the thread itself: true once the thread is ending.
     bool isEnding() const { return graceEnd_.has_value(); }
 
   private:
@@ -62,7 +63,7 @@ class GlibThread {
     std::mutex mutex_; ///< guards `jobs_` and `isStopped_`
     std::deque<std::function<void()>> jobs_;
     bool isStopped_ = false;
-    std::optional<std::chrono::steady_clock::time_point> graceEnd_; ///< the thread's own
+    std::optional<std::chrono::steady_clock::time_point> graceEnd_; ///< only used on the thread
     std::thread thread_;
 };
 

@@ -15,13 +15,13 @@ void note(PromptWatch& watch, bool isStanding) {
     ++watch.changes;
 }
 
-/// One prompt under way, kept by the task that its end completes.
+/// One open prompt, kept by the task that completes when it ends.
 struct Asking {
     explicit Asking(PromptWatch& of) : watch(of) {}
 
     PromptWatch& watch;
     std::string answerType;
-    GlibObject<GDBusConnection> bus; ///< none once it is over
+    GlibObject<GDBusConnection> bus; ///< null once the prompt is over
     guint completion = 0;
     guint ownerWatch = 0;
 };
@@ -61,7 +61,7 @@ void onCompleted(GDBusConnection*, const gchar*, const gchar*, const gchar*, con
     const GlibVariant owned(answer);
     const GlibVariantType expected(g_variant_type_new(askingOf(task.get()).answerType.c_str()));
     if (isDismissed) {
-        // Without an error, the library would look into an answer that is not there.
+        // Without an error, the library would read an answer that does not exist.
         g_task_return_new_error(task.get(), promptDismissal(), 0, "the prompt was dismissed");
     } else if (!g_variant_is_of_type(answer, expected.get())) {
         g_task_return_new_error(task.get(), G_IO_ERROR, G_IO_ERROR_INVALID_DATA,
@@ -95,8 +95,8 @@ void onAsked(GObject* bus, GAsyncResult* result, gpointer argument) {
     }
 }
 
-/// In the place of the library's own: that one dismisses the prompt when it is cancelled, and never
-/// completes when the provider ends while it asks.
+/// Replaces the library's implementation, which dismisses the prompt when it is cancelled, and
+/// never completes when the provider ends during a prompt.
 void prompt(SecretService* service, SecretPrompt* shown, const GVariantType* answerType,
             GCancellable*, GAsyncReadyCallback callback, gpointer argument) {
     constexpr auto interface = "org.freedesktop.Secret.Prompt";

@@ -1,6 +1,6 @@
-// A session with the provider of secrets that tells when a person is being asked. Its prompts are
-// never dismissed from here: that would end GNOME Keyring's daemon with a failed assertion. A
-// prompt that stands goes with the process, whose place on the bus the provider watches.
+// A session with the provider of secrets that reports whether a prompt is open. This side never
+// dismisses a prompt: GNOME Keyring's daemon would abort with a failed assertion. An open prompt
+// ends with the process, whose place on the bus the provider watches.
 #pragma once
 
 #include "platform/linux/secrets/GlibHandles.h"
@@ -9,16 +9,16 @@
 
 namespace orlune {
 
-/// Written on the connection's thread, read on any.
+/// Written on the connection's thread, readable from any.
 struct PromptWatch {
     std::atomic<bool> isStanding = false;
-    std::atomic<unsigned int> changes = 0; ///< how often one came up or went
+    std::atomic<unsigned int> changes = 0; ///< how often a prompt has opened or closed
 };
 
-/// The domain of the error with which an operation ends whose prompt a person has dismissed.
+/// The error domain of an operation whose prompt the user has dismissed.
 GQuark promptDismissal();
 
-/// Starts to open a session; completes with the service, or with an error. `watch` outlives it.
+/// Starts to open a session; completes with the service, or with an error. `watch` must outlive it.
 void openWatchedService(GCancellable* cancellable, GAsyncReadyCallback callback, gpointer argument);
 GlibObject<SecretService> openWatchedServiceFinish(GAsyncResult* result, PromptWatch& watch,
                                                    GError** error);

@@ -21,8 +21,8 @@ void wipeAnswer(SecretItems::Match& match) {
 }
 void wipeAnswer(SecretStatus&) {}
 
-/// What a caller and the thread share about one call: either the answer comes in time, or the
-/// caller gives up, never both.
+/// The state of one call that the caller and the thread share: either the answer arrives in time,
+/// or the caller gives up, never both.
 template <typename Answer>
 class Call {
   public:
@@ -32,7 +32,7 @@ class Call {
         }
     }
 
-    /// False when the caller no longer waits.
+    /// False when the caller has given up.
     bool answer(Answer answer) {
         const std::lock_guard lock(mutex_);
         if (isAbandoned_) {
@@ -53,7 +53,7 @@ class Call {
         std::unique_lock lock(mutex_);
         return answered_.wait_for(lock, bound, [this] { return answer_.has_value(); });
     }
-    /// The answer; none when there is no answer yet, and then there never will be.
+    /// The answer, if there is one. If there is none, later answers are refused.
     std::optional<Answer> take() {
         const std::lock_guard lock(mutex_);
         isAbandoned_ = !answer_.has_value();
@@ -67,7 +67,7 @@ class Call {
     bool isAbandoned_ = false;
 };
 
-/// A copy of a secret for the thread, overwritten when the last owner lets go.
+/// A copy of a secret for the thread, overwritten when the last owner releases it.
 struct SecretCopy {
     explicit SecretCopy(std::string_view data) : text(data) {}
     SecretCopy(const SecretCopy&) = delete;
@@ -94,7 +94,7 @@ auto SecretServiceItems::wait(Call& call, std::chrono::milliseconds bound) {
     const auto& prompts = session_->prompts();
     bool isTold = false;
     for (auto changes = prompts.changes.load(); !call.wait(bound);) {
-        // The bound begins anew whenever a prompt came up or went.
+        // The time limit starts anew whenever a prompt opens or closes.
         const bool isAsking = prompts.isStanding || changes != prompts.changes;
         if (!options_.onPrompt || !isAsking) {
             break;

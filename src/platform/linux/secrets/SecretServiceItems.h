@@ -1,8 +1,8 @@
-// Secrets in the desktop's keyring, through libsecret. Used on one thread, the main one; the talk
-// over D-Bus happens on a thread of its own, "orlune-secrets", and each call waits for it within a
-// bound. What comes later than the bound is `timedOut`: an unlock prompt stays where it is, so that
-// a later call succeeds once it is answered; a removal still happens then; an add never does. The
-// commands of the terminal wait at a prompt for as long as it stands.
+// Secrets in the desktop's keyring, through libsecret. Used on the main thread; D-Bus is handled on
+// its own thread "orlune-secrets", and each call waits for that thread within a time limit. A call
+// that exceeds the limit returns `timedOut`: its unlock prompt stays open, so that a later call
+// succeeds once the user has answered; a removal still happens then; an add never does. The
+// commands of the terminal wait for an open prompt without limit.
 #pragma once
 
 #include "platform/SecretItems.h"
@@ -17,29 +17,31 @@ namespace orlune {
 
 class SecretServiceItems final : public SecretItems {
   public:
-    /// A lookup takes 10 to 15 ms; a provider that the bus must start first, a second or two. It
-    /// is also how long the windows stand still at worst when a dictation begins.
+    /// A lookup takes 10 to 15 ms, or a second or two when the bus must start the provider first.
+    /// This is also the longest time for which the windows freeze when a dictation begins.
     static constexpr std::chrono::milliseconds readBound{3000};
-    /// Half of it: replacing a secret is a removal and an add, and must not take longer either.
+    /// Half of it: replacing a secret takes a removal and an add, which together must not take
+    /// longer.
     static constexpr std::chrono::milliseconds changeBound{1500};
 
     struct Options {
-        bool hasDisplay = true; ///< a screen on which a person can be asked
+        bool hasDisplay = true; ///< a screen for showing a prompt
         std::chrono::milliseconds readBound = SecretServiceItems::readBound;
         std::chrono::milliseconds changeBound = SecretServiceItems::changeBound;
-        /// Where it is set, no bound counts while a prompt stands; called once when one is waited
-        /// for longer than the bound, to tell the person.
+        /// When set, no time limit applies while a prompt is open. Called once, when the wait for a
+        /// prompt exceeds the limit, to inform the user.
         std::function<void()> onPrompt = {};
     };
-    /// With a screen when the environment names one.
+    /// Has a display when the environment names one.
     static Options sessionOptions();
 
     explicit SecretServiceItems(Options options = sessionOptions());
 
     Match copyMatching(const SecretItemQuery& query) override;
     void checkPresence(const SecretItemQuery& query, PresenceHandler handler) override;
-    /// Exactly once, or not at all when the answer is not success: what the keyring stored after
-    /// the bound is withdrawn again as soon as it answers, unless the program ends before.
+    /// Adds exactly once, or not at all when the answer is not success. When the keyring stores the
+    /// item after the limit, it is removed as soon as the keyring answers, unless the program ends
+    /// before.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,
                      SecretAccessibility accessibility) override;
     SecretStatus remove(const SecretItemQuery& query) override;
@@ -51,7 +53,7 @@ class SecretServiceItems final : public SecretItems {
 
     Options options_;
     std::optional<SecretServiceSession> session_;
-    /// Ends before the session that it works on.
+    /// Declared last, so that it ends before its session.
     GlibThread thread_{"orlune-secrets", [this] { session_->disconnect(); }};
 };
 

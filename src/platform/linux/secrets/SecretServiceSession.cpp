@@ -11,17 +11,17 @@ namespace {
 using Code = SecretStatus::Code;
 using namespace std::chrono_literals;
 
-/// People need longer to read a question: what is answered sooner was never shown.
+/// Nobody reads a question in less time: a prompt that ends sooner was never shown.
 constexpr auto shortestLookAtPrompt = 200ms;
-/// The store demands a label; it is what a person sees in the desktop's password manager.
+/// The label that the store requires and that password managers show.
 constexpr auto itemLabel = "Orlune";
-/// How the desktop's own programs call the collection that they create.
+/// The label that the desktop's own programs give to the collection they create.
 constexpr auto defaultCollectionLabel = "Default keyring";
 constexpr auto nothingShared =
     "KeePassXC shares nothing with other programs. In the settings of its database, share a group "
     "under Secret Service Integration.";
 
-/// How an operation ends early. Never leaves this file.
+/// Ends an operation early. Never leaves this file.
 struct Failure {
     SecretStatus status;
 };
@@ -30,7 +30,7 @@ const SecretSchema& schema() {
     static const SecretSchema value = [] {
         SecretSchema made = {};
         made.name = bundleIdentifier;
-        // Matching the name as well would make a locked keyring answer "no such item".
+        // If the name had to match as well, a locked keyring would answer "no such item".
         made.flags = SECRET_SCHEMA_DONT_MATCH_NAME;
         made.attributes[0] = {"service", SECRET_SCHEMA_ATTRIBUTE_STRING};
         made.attributes[1] = {"account", SECRET_SCHEMA_ATTRIBUTE_STRING};
@@ -74,7 +74,7 @@ bool isAbsence(const GlibError& error) {
     }
 }
 
-/// What an error of the provider means, with its own text.
+/// Maps an error of the provider, and keeps its text.
 SecretStatus statusOf(GlibError& error) {
     if (isTimeout(error)) {
         return {Code::timedOut, "The keyring does not answer: " + error.text()};
@@ -175,7 +175,7 @@ SecretItems::Presence SecretServiceSession::presence(const SecretItemQuery& quer
             secret_value_get(value.get(), &length);
             isThere = length > 0;
         } else if (items.empty()) {
-            // Some providers show nothing of what is in a locked collection.
+            // Some providers hide the items of a locked collection.
             const auto collection = defaultCollection();
             if (collection && secret_collection_get_locked(collection.get())) {
                 return;
@@ -249,8 +249,8 @@ SecretStatus SecretServiceSession::remove(const SecretItemQuery& query) {
 }
 
 void SecretServiceSession::withdraw(const SecretItemQuery& query) {
-    // The provider takes our messages in their order: once it answers this one, it has settled the
-    // add as well.
+    // The provider processes our messages in order: when it answers this one, it has finished the
+    // add.
     while (!thread_.isEnding() && remove(query).code == Code::timedOut) {
     }
 }
@@ -267,7 +267,7 @@ void SecretServiceSession::connect() {
             return;
         }
     }
-    // What was agreed with one provider means nothing to the next.
+    // A session with one provider is not valid for the next.
     service_.reset();
     connectToBus();
     GlibError error;
@@ -279,7 +279,8 @@ void SecretServiceSession::connect() {
     };
     auto service = open();
     if (error && !isTimeout(error) && !isAbsence(error)) {
-        // KWallet refuses a key that happens to be a byte shorter; the next one is another.
+        // KWallet refuses a key that happens to be a byte shorter; another attempt uses another
+        // key.
         service = open();
     }
     if (error) {
@@ -294,7 +295,7 @@ void SecretServiceSession::connectToBus() {
     if (bus_ && !g_dbus_connection_is_closed(bus_.get())) {
         return;
     }
-    // GLib makes a new connection once nobody holds the broken one.
+    // GLib makes a new connection once the broken one is released.
     bus_.reset();
     GlibError error;
     const auto result = await([&](auto callback, auto argument) {
@@ -326,7 +327,7 @@ SecretServiceSession::Items SecretServiceSession::searchUnlocked(const SecretIte
     if (!items.empty()) {
         return items;
     }
-    // Some providers show nothing of what is in a locked collection.
+    // Some providers hide the items of a locked collection.
     const auto collection = defaultCollection();
     if (!collection) {
         throw Failure{{Code::noDefaultStore,
@@ -352,7 +353,7 @@ SecretServiceSession::Collection SecretServiceSession::defaultCollection() {
     return collection;
 }
 
-/// By another name of the same process.
+/// By its other bus name, owned by the same process.
 bool SecretServiceSession::isKeePassXC() {
     GlibError error;
     const auto result = await([&](auto callback, auto argument) {
@@ -373,7 +374,7 @@ bool SecretServiceSession::isKeePassXC() {
 
 SecretServiceSession::Collection SecretServiceSession::createDefaultCollection() {
     if (isKeePassXC()) {
-        throw Failure{{Code::noDefaultStore, nothingShared}}; // it would make a whole database
+        throw Failure{{Code::noDefaultStore, nothingShared}}; // it would create a whole database
     }
     GlibError error;
     const auto result = thread_.await([&](auto callback, auto argument) {

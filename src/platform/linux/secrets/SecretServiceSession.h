@@ -1,7 +1,7 @@
-// The talk with the desktop's provider of secrets (GNOME Keyring, KWallet, KeePassXC, …) over its
-// D-Bus interface. Owned by SecretServiceItems; everything but the constructor, the destructor and
-// `prompts` runs on the given thread and may take as long as the provider or the person at
-// the prompt does. The provider may come, go and come back at any time.
+// The session with the desktop's provider of secrets (GNOME Keyring, KWallet, KeePassXC, …) over
+// its D-Bus interface. Owned by SecretServiceItems. Everything except the constructor, the
+// destructor and `prompts` runs on the given thread and may take as long as the provider or the
+// user at the prompt. The provider may start, end and restart at any time.
 #pragma once
 
 #include "platform/SecretItems.h"
@@ -15,24 +15,25 @@ namespace orlune {
 
 class SecretServiceSession {
   public:
-    /// `hasDisplay`: whether there is a screen on which a person can be asked at all.
+    /// `hasDisplay`: whether there is a screen for showing a prompt.
     SecretServiceSession(GlibThread& thread, bool hasDisplay);
 
     SecretItems::Match copyMatching(const SecretItemQuery& query);
     /// Opens no prompt.
     SecretItems::Presence presence(const SecretItemQuery& query);
-    /// Asks `isWanted` last before the item is made: unlocking may have taken minutes. When the
-    /// provider did not say whether it made the item, the item is withdrawn before this returns.
+    /// Calls `isWanted` just before the item is made, because unlocking may have taken minutes.
+    /// When the provider did not say whether it made the item, the item is removed before this
+    /// returns.
     SecretStatus add(const SecretItemQuery& query, std::string_view data,
                      const std::function<bool()>& isWanted);
     SecretStatus remove(const SecretItemQuery& query);
-    /// Removes what an add made that nobody waits for any more, as soon as the provider answers.
+    /// Removes the item of an add whose caller has given up, as soon as the provider answers.
     void withdraw(const SecretItemQuery& query);
 
-    /// Lets go of the provider; the next operation connects again. To be called before the end.
+    /// Releases the provider; the next operation connects again. Must be called before destruction.
     void disconnect();
 
-    /// Tells when a person is being asked for a password. From any thread.
+    /// Reports whether a password prompt is open. From any thread.
     const PromptWatch& prompts() const { return prompts_; }
 
   private:
@@ -47,7 +48,7 @@ class SecretServiceSession {
     void connect();
     void connectToBus();
     Items search(const SecretItemQuery& query);
-    /// Like `search`, but looks again behind the lock of the default collection.
+    /// Like `search`, but unlocks the default collection and searches again if nothing was found.
     Items searchUnlocked(const SecretItemQuery& query);
     Collection defaultCollection();
     Collection createDefaultCollection();
@@ -63,7 +64,7 @@ class SecretServiceSession {
     PromptWatch prompts_;
     GlibObject<GDBusConnection> bus_;
     GlibObject<SecretService> service_;
-    std::string owner_; ///< which provider the session is with
+    std::string owner_; ///< the provider's unique bus name for this session
 };
 
 } // namespace orlune

@@ -1,5 +1,5 @@
-// Questions over D-Bus that nobody waits for. On the thread of `receiver`, with Qt's loop running;
-// answers arrive there, in a later turn, and only while `receiver` lives. Errors are no answers.
+// Asynchronous D-Bus queries. To be called on the thread of `receiver`, with Qt's loop running;
+// answers arrive there, in a later turn, and only while `receiver` exists. Errors are not reported.
 #pragma once
 
 #include <QDBusConnection>
@@ -22,7 +22,7 @@ struct BusProperty {
     QString name;
 };
 
-/// Starts no program to answer.
+/// Does not start a program to answer.
 void readProperty(const QDBusConnection& bus, const BusProperty& property, QObject* receiver,
                   std::function<void(const QVariant& value)> onValue);
 

@@ -22,11 +22,10 @@ const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Setting
 
 PortalSettings::PortalSettings(QStringList groups, OnValue onValue)
     : groups_(std::move(groups)), onValue_(std::move(onValue)) {
-    // QtDBus looks the slot's types up by name, and makes this one known a moment too late at
-    // times.
+    // QtDBus looks the slot's types up by name, and sometimes registers this one too late.
     qRegisterMetaType<QDBusVariant>();
     auto bus = QDBusConnection::sessionBus();
-    // From whichever sender: to name one, Qt would wait for the bus.
+    // From any sender: with a named sender, Qt would block until the bus answers.
     bus.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(onSettingChanged(QString, QString, QDBusVariant)));
     auto* watcher =
@@ -63,7 +62,7 @@ void PortalSettings::ask() {
 }
 
 void PortalSettings::tell(const QString& group, const QString& key, QVariant value) {
-    // Some portals wrap a value more than once.
+    // Some portals wrap a value several times.
     while (value.userType() == qMetaTypeId<QDBusVariant>()) {
         value = value.value<QDBusVariant>().variant();
     }

@@ -1,6 +1,6 @@
-// The settings of the desktop, whichever it is, as its portal offers them on the session bus. Main
-// thread, with Qt's loop running; values are told there, first those that hold already, then each
-// change. Never waits. Without a bus or a portal nothing is told; one that comes later is heard.
+// The settings of the desktop, as its portal publishes them on the session bus. Main thread, with
+// Qt's loop running; reports the current values there, then each change. Never blocks. Reports
+// nothing without a bus; without a portal, reports nothing until one appears, then follows it.
 #pragma once
 
 #include <QDBusVariant>
@@ -20,7 +20,7 @@ class PortalSettings final : public QObject {
     using OnValue =
         std::function<void(const QString& group, const QString& key, const QVariant& value)>;
 
-    /// Tells the settings of these groups alone. Returns at once.
+    /// Reports only the settings of these groups. Returns at once.
     PortalSettings(QStringList groups, OnValue onValue);
     ~PortalSettings() override;
 

@@ -15,7 +15,7 @@ namespace {
 
 const QString logind = QStringLiteral("org.freedesktop.login1");
 const QString logindManagerPath = QStringLiteral("/org/freedesktop/login1");
-/// Our session, or the one in which the user sits when we run beside it as a service of theirs.
+/// Our session, or the user's graphical session when we run outside it as the user's service.
 const QString ownSessionPath = QStringLiteral("/org/freedesktop/login1/session/auto");
 const QString managerInterface = QStringLiteral("org.freedesktop.login1.Manager");
 const QString sessionInterface = QStringLiteral("org.freedesktop.login1.Session");
@@ -27,8 +27,8 @@ const QString screenSaver = QStringLiteral("org.freedesktop.ScreenSaver");
 
 ScreenLock::ScreenLock(OnChange onChange) : onChange_(std::move(onChange)) {
     followScreenSaver();
-    // Signals come from the session's own path alone, so its name is asked for first.
-    // Without an answer nothing happens: there is no logind, or none of its sessions is ours.
+    // Signals come only from the session's own path, so its path is queried first. Without an
+    // answer nothing is connected: logind does not run, or has no session of ours.
     readProperty(QDBusConnection::systemBus(),
                  {logind, ownSessionPath, sessionInterface, QStringLiteral("Id")}, this,
                  [this](const QVariant& id) { followSession(id.toString()); });

@@ -1,6 +1,6 @@
-// Whether the screen is locked, as the session manager (logind) and the desktop's screen saver tell
-// over D-Bus. Main thread, with Qt's loop running; changes are told there. A bus or a service that
-// is not there never locks; one that ends no longer counts.
+// Reports whether the screen is locked, as the session manager (logind) and the desktop's screen
+// saver announce it over D-Bus. Main thread, with Qt's loop running; changes are reported there. A
+// missing bus or service never counts as locked, and a service that ends no longer does.
 #pragma once
 
 #include <QObject>
@@ -18,7 +18,7 @@ class ScreenLock final : public QObject {
   public:
     using OnChange = std::function<void(bool isLocked)>;
 
-    /// Returns at once; a screen that is locked already is told soon after.
+    /// Returns at once; reports a screen that is already locked soon afterwards.
     explicit ScreenLock(OnChange onChange);
     ~ScreenLock() override;
 

@@ -23,7 +23,7 @@ class Error {
 
     sd_bus_error* receive() { return &error_; }
     bool is(const char* name) const { return sd_bus_error_has_name(&error_, name) > 0; }
-    /// Errors of an interface begin with its name.
+    /// An interface's error names begin with the name of the interface.
     bool isOf(std::string_view interface) const {
         return error_.name && std::string_view(error_.name).starts_with(interface);
     }
@@ -109,7 +109,7 @@ std::optional<bool> SessionBus::flag(const Address& address, const char* propert
     }
     Error error;
     const auto reply = answerTo(bus_, message.get(), error);
-    int isSet = 0; // as D-Bus passes a boolean
+    int isSet = 0; // D-Bus passes booleans as int
     if (!reply || sd_bus_message_read(reply.get(), "v", "b", &isSet) < 0) {
         return std::nullopt;
     }

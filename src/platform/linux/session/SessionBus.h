@@ -1,6 +1,6 @@
-// Short questions to other programs of the user's session over D-Bus, without a loop: each call
-// waits for its answer within a bound, and never starts a program that is not running. Used on the
-// thread that opened it. Failures are answers with a text for a person.
+// Short calls to other programs of the user's session over D-Bus, without a loop. Each call waits
+// for its answer within a time limit, and never starts a program that is not running. Used on the
+// thread that opened it. Failures are return values with a text for the user.
 #pragma once
 
 #include <chrono>
@@ -16,7 +16,7 @@ namespace orlune {
 
 class SessionBus {
   public:
-    /// Long enough for a program that is waiting for the keyring at that moment.
+    /// Long enough for a program that is just waiting for the keyring.
     static constexpr std::chrono::seconds answerLimit{10};
 
     struct Address {
@@ -27,12 +27,12 @@ class SessionBus {
     struct Answer {
         enum class Kind {
             answered,
-            nobodyThere, ///< no running program has the name
-            refused,     ///< an error of the interface's own
-            failed,      ///< no answer in time, or none that can be understood
+            nobodyThere, ///< no running program owns the name
+            refused,     ///< an error that the interface defines
+            failed,      ///< no answer in time, or an invalid one
         };
         Kind kind = Kind::failed;
-        /// The text that was answered, where there is one; else the error.
+        /// The text of the answer, if there is one; else the error.
         std::string text;
     };
     enum class Arguments { none, emptyDictionary };
@@ -44,9 +44,9 @@ class SessionBus {
     SessionBus& operator=(const SessionBus&) = delete;
 
     Answer call(const Address& address, const char* method, Arguments arguments = Arguments::none);
-    /// Without an answer. Does nothing when nobody is there.
+    /// Does not wait for an answer. Does nothing when no program owns the name.
     void tell(const Address& address, const char* method);
-    /// A boolean property; none when nobody is there to tell it.
+    /// A boolean property; none when no program answers.
     std::optional<bool> flag(const Address& address, const char* property);
 
   private:

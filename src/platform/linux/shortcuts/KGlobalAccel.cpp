@@ -53,7 +53,7 @@ const QString componentInterface = QStringLiteral("org.kde.kglobalaccel.Componen
 const QString component = QString::fromLatin1(bundleIdentifier);
 const QString dictate = QStringLiteral("dictate");
 const QString cancel = QStringLiteral("cancel");
-/// These keys, and not those that the service remembers: it writes bare modifiers down wrongly.
+/// Uses these keys, not those that the service has stored: it stores bare modifiers wrongly.
 constexpr uint presentAndNotRemembered = 2 | 4;
 
 struct Modifier {
@@ -84,7 +84,7 @@ struct Key {
     int qtKey;
 };
 
-/// The keys that have a place of their own on every layout. Letters follow below.
+/// The keys whose position is the same on every layout. Letters follow below.
 constexpr auto keys = std::to_array<Key>({
     {36, Qt::Key_Return},  {48, Qt::Key_Tab},     {49, Qt::Key_Space},     {51, Qt::Key_Backspace},
     {53, Qt::Key_Escape},  {114, Qt::Key_Insert}, {115, Qt::Key_Home},     {116, Qt::Key_PageUp},
@@ -98,7 +98,7 @@ constexpr auto keys = std::to_array<Key>({
     {29, Qt::Key_0},
 });
 
-/// By their places on an American keyboard. The service compares symbols, so on another layout it
+/// By their position on an American keyboard. The service compares symbols, so on another layout it
 /// is the key with this letter.
 constexpr auto letters = std::to_array<Key>({
     {0, Qt::Key_A},  {11, Qt::Key_B}, {8, Qt::Key_C},  {2, Qt::Key_D},  {14, Qt::Key_E},
@@ -119,7 +119,7 @@ std::optional<int> qtKeyInPlace(std::uint16_t virtualKey) {
     return std::nullopt;
 }
 
-/// How the service and its settings page call an action.
+/// The identity of an action for the service and its settings page.
 QStringList action(const QString& name) {
     return {component, name, QStringLiteral("Orlune"),
             name == dictate ? QStringLiteral("Dictate") : QStringLiteral("Cancel the dictation")};
@@ -193,7 +193,7 @@ void KGlobalAccel::watch(const KeyCombination& shortcut) {
         return;
     }
     const auto released = edges_.setShortcut(shortcut);
-    // Not from within this call.
+    // Deferred, because it must not be reported within this call.
     QMetaObject::invokeMethod(this, [this, released] { report(released); }, Qt::QueuedConnection);
     bindShortcut();
 }
@@ -260,7 +260,7 @@ void KGlobalAccel::bind(const QString& name, int key, std::function<void(int key
             });
 }
 
-/// The object that reports our actions exists once one is registered.
+/// The object that reports our actions exists only once an action is registered.
 void KGlobalAccel::listen() {
     auto question = call(QStringLiteral("getComponent"));
     question << component;
@@ -281,7 +281,7 @@ void KGlobalAccel::listen() {
     });
 }
 
-/// A key that stays down is reported as pressed again and again.
+/// A key that stays down is reported as pressed repeatedly.
 void KGlobalAccel::onPressed(const QString& /*component*/, const QString& name,
                              qlonglong /*timestamp*/) {
     report(name == dictate ? edges_.press() : std::optional(escapeEvent(/*isDown=*/true)));

@@ -1,6 +1,6 @@
-// The shortcut in a Plasma session: KWin reports both edges of what is registered with its service
-// for global shortcuts. Registered anew at each start, and when the service comes back. Main
-// thread, with Qt's loop running.
+// The shortcut in a Plasma session: KWin reports press and release of the keys that are registered
+// with its service for global shortcuts. Registered anew at each start, and when the service
+// restarts. Main thread, with Qt's loop running.
 #pragma once
 
 #include "platform/linux/keys/ShortcutEdges.h"
@@ -20,9 +20,9 @@ class QDBusServiceWatcher;
 
 namespace orlune {
 
-/// The shortcut as Qt numbers keys and modifiers; none when it cannot be said so. `functionKey` is
-/// the symbol of the key that stands in for Fn, such as "Control_R"; left and right are the same
-/// here. A pure function.
+/// The shortcut as a Qt key number with modifiers; none when Qt has no such number. `functionKey`
+/// is the symbol of the key that stands in for Fn, such as "Control_R"; left and right are not
+/// distinguished. A pure function.
 std::optional<int> qtKeyFor(const KeyCombination& shortcut, std::string_view functionKey);
 
 class KGlobalAccel final : public QObject, public ShortcutSource {
@@ -50,7 +50,7 @@ class KGlobalAccel final : public QObject, public ShortcutSource {
     KGlobalAccel(QDBusConnection bus, std::string functionKey);
     void listen();
     void bindShortcut();
-    /// `onBound` receives the key that was really bound, 0 when another program has it.
+    /// `onBound` receives the key that was actually bound, 0 when another program uses it.
     void bind(const QString& action, int key, std::function<void(int key)> onBound);
     void judge();
     void setReason(std::string reason);
@@ -63,7 +63,7 @@ class KGlobalAccel final : public QObject, public ShortcutSource {
     ShortcutEdges edges_;
     bool watchesShortcut_ = false;
     bool isEscapeBound_ = false;
-    bool isTaken_ = false; ///< the keys are another program's
+    bool isTaken_ = false; ///< another program uses the keys
     bool isListening_ = false;
     QDBusServiceWatcher* service_;
 };

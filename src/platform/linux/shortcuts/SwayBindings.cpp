@@ -18,7 +18,8 @@ using sway::MessageType;
 
 constexpr auto shortcutPurpose = "shortcut";
 constexpr auto escapePurpose = "escape";
-/// Also while another program inhibits the compositor's shortcuts. Not while the screen is locked.
+/// Bindings work even while another program inhibits the compositor's shortcuts, but not while the
+/// screen is locked.
 constexpr auto bindingOptions = "--inhibited";
 const sway::Trigger escapeTrigger{.keys = "Escape"};
 
@@ -88,7 +89,7 @@ void SwayBindings::watch(const KeyCombination& shortcut) {
         return;
     }
     const auto released = edges_.setShortcut(shortcut);
-    // Not from within this call.
+    // Deferred, because it must not be reported within this call.
     QMetaObject::invokeMethod(this, [this, released] { report(released); }, Qt::QueuedConnection);
     bindAll();
 }
@@ -108,7 +109,7 @@ void SwayBindings::releaseAll() {
     report(edges_.release());
 }
 
-/// The user's own bindings are looked at anew each time they may have changed.
+/// The user's own bindings are read again each time they may have changed.
 void SwayBindings::readConfiguration() {
     send(MessageType::getConfig, "", [this](const std::string& answer) {
         configuration_ = sway::configurationText(answer);
@@ -151,7 +152,7 @@ void SwayBindings::bindAll() {
     }
 }
 
-/// `onAnswer` is called once both edges are bound, or one is refused.
+/// `onAnswer` is called once, when both edges are bound or one is refused.
 void SwayBindings::bind(const sway::Trigger& trigger, const std::string& purpose,
                         std::function<void(std::optional<std::string> failure)> onAnswer) {
     const auto command = [&](bool isDown) {
@@ -191,7 +192,7 @@ void SwayBindings::write() {
             continue;
         }
         if (count < 0) {
-            break; // full, or broken, which reading finds out
+            break; // full, or broken, which the next read detects
         }
         unsent_.erase(0, static_cast<std::size_t>(count));
     }
@@ -249,8 +250,8 @@ void SwayBindings::receive(const sway::Message& message) {
 
 void SwayBindings::receiveBinding(const std::string& command) {
     if (command == commandOf(shortcutPurpose, /*isDown=*/true)) {
-        // Repeats are not reported: a press of what is down means that its release was lost, as
-        // happens when another key was pressed meanwhile.
+        // Repeats are not reported. A press of a key that is already down means that its release
+        // was lost, which happens when another key was pressed meanwhile.
         report(edges_.release());
         report(edges_.press());
     } else if (command == commandOf(shortcutPurpose, /*isDown=*/false)) {

@@ -1,6 +1,6 @@
-// The shortcut in a sway session: bindings that are made over sway's socket and report both edges.
-// They last as long as the socket, and are made again when the configuration is reloaded. A key
-// that the user's own configuration binds stays the user's, and the reason says so.
+// The shortcut in a sway session: bindings that are made over sway's socket and report press and
+// release. They exist as long as the socket, and are made again when the configuration is reloaded.
+// A key that the user's configuration already binds is not taken; the reason says so.
 #pragma once
 
 #include "platform/linux/keys/ShortcutEdges.h"
@@ -21,15 +21,15 @@ class QSocketNotifier;
 
 namespace orlune {
 
-/// SWAYSOCK of the environment; empty outside a session of sway.
+/// SWAYSOCK of the environment; empty outside a sway session.
 std::string swaySocket();
 
 class SwayBindings final : public QObject, public ShortcutSource {
   public:
-    /// Whether somebody listens at this socket.
+    /// Whether a server listens on this socket.
     static bool isThere(const std::string& socketPath);
-    /// None when nobody listens at this socket. `functionKey` is the symbol of
-    /// the key that stands in for Fn, such as "Control_R".
+    /// Null when no server listens on this socket. `functionKey` is the symbol of the key that
+    /// stands in for Fn, such as "Control_R".
     static std::unique_ptr<SwayBindings> open(const std::string& socketPath,
                                               std::string functionKey);
     ~SwayBindings() override;
@@ -75,7 +75,7 @@ class SwayBindings final : public QObject, public ShortcutSource {
 
     sway::MessageReader reader_;
     std::string unsent_;
-    std::deque<OnAnswer> awaited_; ///< answers come in the order of the questions
+    std::deque<OnAnswer> awaited_; ///< answers arrive in the order of the questions
     std::unique_ptr<QSocketNotifier> readable_;
     std::unique_ptr<QSocketNotifier> writable_;
 };

@@ -29,7 +29,7 @@ constexpr std::array modifiers{
     Modifier{ModifierFlags::command, "Mod4", "Super_L", "Super_R"},
 };
 
-/// The modifier that a held key of this symbol is, for a shortcut of Fn and another key.
+/// The modifier that a key with this symbol sets while held, for a shortcut of Fn and another key.
 const Modifier* modifierOf(std::string_view symbol) {
     const auto* const found = std::ranges::find_if(modifiers, [&](const Modifier& modifier) {
         return symbol == modifier.left || symbol == modifier.right;
@@ -63,7 +63,7 @@ std::string canonical(const std::string& part) {
     return found == names.end() ? text : found->second;
 }
 
-/// The symbol in this place of an American keyboard, as people write it in their configuration.
+/// The symbol at this position of an American keyboard, as configurations write it.
 std::string symbolInPlace(const std::string& code) {
     struct Unref {
         void operator()(xkb_context* context) const { xkb_context_unref(context); }
@@ -96,7 +96,7 @@ std::set<std::string> partsOf(const std::string& keys) {
     return parts;
 }
 
-/// The same keys by symbols, for a trigger by place.
+/// The same keys by symbols, for a trigger by position.
 std::set<std::string> partsBySymbol(const Trigger& trigger) {
     auto parts = partsOf(trigger.keys);
     if (trigger.isCode) {
@@ -107,7 +107,7 @@ std::set<std::string> partsBySymbol(const Trigger& trigger) {
     return parts;
 }
 
-/// Replaces each variable, the longest name first: $mod stands in $modifier too.
+/// Replaces each variable, the longest name first, because $mod is a part of $modifier.
 std::string filledIn(std::string text, const std::map<std::string, std::string>& variables) {
     for (auto variable = variables.rbegin(); variable != variables.rend(); ++variable) {
         for (auto place = text.find(variable->first); place != std::string::npos;

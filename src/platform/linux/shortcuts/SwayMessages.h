@@ -1,5 +1,5 @@
 // sway's messages: "i3-ipc", a length and a type in the machine's byte order, and JSON. Pure
-// values, from any thread; nothing that arrives is trusted.
+// values, usable on any thread; incoming data is not trusted.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ enum class MessageType : std::uint32_t {
     shutdownEvent = 0x80000006U,
 };
 
-/// More than any answer that is asked for here.
+/// More than any answer to our requests.
 inline constexpr std::size_t largestPayloadBytes = 16'000'000;
 
 struct Message {
@@ -29,11 +29,11 @@ struct Message {
 
 std::string encode(MessageType type, std::string_view payload);
 
-/// Puts messages together from the bytes of a socket.
+/// Assembles messages from the bytes of a socket.
 class MessageReader {
   public:
     void append(std::string_view bytes) { bytes_ += bytes; }
-    /// The next whole message; none until more bytes arrive, and for ever once they make no sense.
+    /// The next whole message; none until more bytes arrive, and never again after invalid bytes.
     std::optional<Message> next();
     bool isBroken() const { return isBroken_; }
 
@@ -42,9 +42,9 @@ class MessageReader {
     bool isBroken_ = false;
 };
 
-/// The command of the binding that was run; none when the event says something else.
+/// The command of the binding that was run; none for other events.
 std::optional<std::string> commandOfBinding(std::string_view eventJson);
-/// Whether the configuration was read again, which drops bindings that were made over the socket.
+/// Whether the configuration was reloaded, which drops bindings that were made over the socket.
 bool isReload(std::string_view eventJson);
 /// Why the answer to a command says that it failed; none when it succeeded.
 std::optional<std::string> failureOfCommand(std::string_view answerJson);

@@ -10,8 +10,7 @@ namespace orlune {
 
 namespace {
 
-/// The folder of ours below the one that the variable names, else below `fallback` in the home
-/// folder.
+/// Our folder below the one that the variable names, or else below `fallback` in the home folder.
 std::filesystem::path folderBelow(const Environment& environment, std::string_view variable,
                                   const std::filesystem::path& fallback) {
     const auto absolute = [&environment](std::string_view name) -> std::filesystem::path {

@@ -1,4 +1,4 @@
-// Where the program's own settings lie on this machine. Pure: the environment is an argument.
+// Where the program's own settings are stored. Pure: the environment is an argument.
 #pragma once
 
 #include <filesystem>
@@ -10,15 +10,14 @@ namespace orlune {
 
 using Environment = std::map<std::string, std::string, std::less<>>;
 
-/// The environment of this process. To be read before a second thread starts.
+/// The environment of this process. Must be read before a second thread starts.
 Environment processEnvironment();
 
 /// `$XDG_CONFIG_HOME/app.orlune.Orlune`, else `~/.config/app.orlune.Orlune`. A relative path in
-/// XDG_CONFIG_HOME counts as unset, as the base directory rules say. Without HOME the home folder
-/// of the user database is taken. Empty when there is none at all.
+/// XDG_CONFIG_HOME counts as unset, as the base directory specification says. Without HOME, the
+/// home folder from the user database is used. Empty when there is none at all.
 std::filesystem::path configurationFolder(const Environment& environment);
-/// The same below `$XDG_STATE_HOME`, else `~/.local/state`: for what the program remembers by
-/// itself.
+/// The same below `$XDG_STATE_HOME`, else `~/.local/state`, for state that the user does not edit.
 std::filesystem::path stateFolder(const Environment& environment);
 
 } // namespace orlune

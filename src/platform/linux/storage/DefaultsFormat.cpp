@@ -19,8 +19,8 @@ namespace {
 
 constexpr auto dataMember = "data";
 
-/// Exponents beyond a double's range give infinity, or for 0e400 no number. JSON has no words for
-/// them: written again, they would damage the file.
+/// Exponents beyond a double's range parse as infinity, or for 0e400 as NaN. JSON cannot express
+/// these: written back, they would damage the file.
 void boundNumbers(json::value& value) {
     if (auto* number = value.if_double(); number && !std::isfinite(*number)) {
         *number =
@@ -37,7 +37,7 @@ void boundNumbers(json::value& value) {
 }
 
 bool isUTF8(std::string_view text) {
-    // What the parser would refuse must never be written.
+    // Text that the parser would refuse must never be written.
     boost::system::error_code error;
     json::parse(json::serialize(json::string(text)), error);
     return !error;

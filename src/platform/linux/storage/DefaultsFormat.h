@@ -1,7 +1,7 @@
 // The format of the user's settings file: one JSON object, one member per key. A boolean, an
-// integer, a real number and a string are themselves; data is {"data": "<base64>"}. Whatever else
-// stands there (null, arrays, other objects) was written by another version: it is kept as it is
-// and reads as absent. Pure functions, from any thread.
+// integer, a real number and a string are stored directly; data is {"data": "<base64>"}. Other
+// values (null, arrays, other objects) were written by another version: they are preserved and read
+// as absent. Pure functions, usable on any thread.
 #pragma once
 
 #include "platform/UserDefaults.h"
@@ -14,20 +14,20 @@
 
 namespace orlune {
 
-/// A settings file is a few hundred bytes; anything larger than this is not one.
+/// A settings file has a few hundred bytes; anything larger than this is not one.
 inline constexpr std::size_t largestDefaultsFileBytes = 1024 * 1024;
 
-/// The members of a settings file; none when the text is not one: not JSON, not an object, nested
-/// deeper than 32 levels, or larger than `largestDefaultsFileBytes`. A number too large for a
-/// double becomes the largest one.
+/// The members of a settings file; none when the text is not JSON, not an object, nested deeper
+/// than 32 levels, or larger than `largestDefaultsFileBytes`. A number too large for a double
+/// becomes the largest one.
 std::optional<boost::json::object> parseDefaults(std::string_view text);
-/// The text of a settings file, with one member per line for people who read or compare it.
+/// The text of a settings file, with one member per line for readability.
 std::string serializeDefaults(const boost::json::object& members);
 
-/// The typed value of a member; none for a shape that stands for no type.
+/// The typed value of a member; none when its shape matches no type.
 std::optional<UserDefaults::Value> defaultsValue(const boost::json::value& member);
-/// The member that stands for a value; none for what the file cannot hold: text that is not UTF-8,
-/// a number that is not finite.
+/// The member for a value; none for what the file cannot hold: text that is not UTF-8, a number
+/// that is not finite.
 std::optional<boost::json::value> defaultsMember(const UserDefaults::Value& value);
 
 } // namespace orlune

@@ -33,7 +33,7 @@ void FileUserDefaults::remove(std::string_view key) {
     save();
 }
 
-/// Replaces what is in memory by what is in the file, when there is a sound one.
+/// Replaces the values in memory with those of the file, if it is valid.
 FileUserDefaults::FileState FileUserDefaults::load() {
     using Kind = SettingsFile::Contents::Kind;
     const auto contents = file_.read(largestDefaultsFileBytes);
@@ -64,7 +64,7 @@ FileUserDefaults::FileState FileUserDefaults::load() {
 void FileUserDefaults::save() {
     const SettingsFile::Lock lock(file_);
     if (load() == FileState::unreadable) {
-        return; // never written over: it may hold more than we know
+        return; // never overwritten: it may contain more than we can read
     }
     for (const auto& [key, member] : unsaved_) {
         if (member) {

@@ -17,7 +17,7 @@ namespace json = boost::json;
 namespace {
 
 constexpr std::size_t largestFileBytes = 64 * 1024;
-/// Far above any name that exists: key symbols have at most 32 characters.
+/// Far longer than any name: key symbols have at most 32 characters.
 constexpr std::size_t longestNameBytes = 128;
 
 constexpr bool isLetterOrDigit(char character) {
@@ -49,7 +49,7 @@ bool hasValidPort(const boost::urls::url_view& url) {
     return error == std::errc() && end == port.data() + port.size() && number > 0;
 }
 
-/// Returns what is wrong, or sets `value`.
+/// Returns the error, or sets `value`.
 std::optional<std::string> readEndpoint(std::string_view text, std::string& value) {
     const auto parsed = boost::urls::parse_uri(text);
     if (!parsed) {

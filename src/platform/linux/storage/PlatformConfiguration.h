@@ -18,26 +18,26 @@ namespace orlune {
 struct PlatformConfiguration {
     static constexpr auto fileName = "platform.json";
 
-    /// Scheme, host and perhaps port of the transcription service: "wss", or "ws" to a loopback
+    /// Scheme, host and optional port of the transcription service: "wss", or "ws" to a loopback
     /// address. ORLUNE_ENDPOINT.
     std::string endpoint = "wss://api.deepgram.com";
-    /// The name of the key symbol that stands in for Fn; whether there is such a symbol is for the
-    /// key watcher to find out. ORLUNE_FN_KEY.
+    /// The name of the key symbol that stands in for Fn; the key watcher checks whether it exists.
+    /// ORLUNE_FN_KEY.
     std::string fnKey = "Control_R";
-    /// Classes of further windows in which Shift-Insert pastes, compared exactly. ORLUNE_TERMINALS,
+    /// Additional window classes in which Shift-Insert pastes, compared exactly. ORLUNE_TERMINALS,
     /// separated by commas.
     std::vector<std::string> terminals;
-    /// Whether movement is left out; what the desktop's own settings say where this says nothing.
+    /// Whether movement is left out; if not set, the desktop's own settings decide.
     /// ORLUNE_REDUCE_MOTION, 1 or 0.
     std::optional<bool> reduceMotion;
-    /// Wayland sessions only: Control-V pastes, "control-v", for users whose programs do not paste
-    /// with Shift-Insert, "shift-insert". ORLUNE_PASTE_KEYS.
+    /// Only in Wayland sessions: "control-v" pastes with Control-V, for programs that do not paste
+    /// with the default "shift-insert". ORLUNE_PASTE_KEYS.
     bool pastesWithControlV = false;
 
-    /// What was ignored and why, in order.
+    /// The ignored entries and why, in order.
     std::vector<std::string> problems;
 
-    /// `text` is the file's, none when there is no file. Pure.
+    /// `text` is the file's; none when there is no file. Pure.
     static PlatformConfiguration parse(std::optional<std::string_view> text,
                                        const Environment& environment);
     static PlatformConfiguration load(const std::filesystem::path& folder,

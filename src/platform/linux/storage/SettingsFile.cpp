@@ -20,22 +20,22 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A replacement takes a few milliseconds, a slow disk's fsync perhaps a hundred.
+/// A replacement takes a few milliseconds, with fsync on a slow disk perhaps a hundred.
 constexpr auto longestLockWait = 250ms;
 constexpr auto lockInterval = 5ms;
-/// As many as the kernel itself follows.
+/// The kernel's own limit.
 constexpr int mostLinks = 40;
-/// More damaged files than this are a fault that another copy does not explain.
+/// More damaged files than this indicate a fault that another copy does not explain.
 constexpr int mostSetAside = 999;
-/// Nobody needs longer to write a settings file.
+/// Writing a settings file never takes longer.
 constexpr auto longestWrite = 1min;
-constexpr std::string_view temporarySuffix = "XXXXXX"; // as mkostemp wants it
+constexpr std::string_view temporarySuffix = "XXXXXX"; // as mkostemp requires
 
 std::string errorText() {
     return std::generic_category().message(errno);
 }
 
-/// Creates the missing folders of `folder`, each for the user alone.
+/// Creates the missing folders of `folder`, accessible only to the user.
 bool createFolders(const std::filesystem::path& folder) {
     std::filesystem::path made;
     for (const auto& part : folder) {
@@ -61,15 +61,15 @@ bool writeAll(int descriptor, std::string_view text) {
 }
 
 void syncFolder(const std::filesystem::path& folder) {
-    // The new name is on the disk only once its folder is. Some file systems refuse; the file is
-    // whole in any case.
+    // The new name is only on the disk once its folder is synced. Some file systems refuse this;
+    // the file is complete in any case.
     if (const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         descriptor) {
         ::fsync(descriptor.get());
     }
 }
 
-/// What a writer that was killed has left behind; a younger file may still be written.
+/// Removes what a killed writer has left; a younger file may still be in use.
 void removeRemains(const std::filesystem::path& folder, const std::string& prefix) {
     std::error_code error;
     const auto now = std::filesystem::file_time_type::clock::now();
@@ -84,7 +84,7 @@ void removeRemains(const std::filesystem::path& folder, const std::string& prefi
     }
 }
 
-/// Renames without overwriting. Fails with EEXIST when `to` is there.
+/// Renames without overwriting. Fails with EEXIST when `to` exists.
 bool renameToFreeName(const std::filesystem::path& from, const std::filesystem::path& to) {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return true;
@@ -92,7 +92,7 @@ bool renameToFreeName(const std::filesystem::path& from, const std::filesystem::
     if (errno != EINVAL && errno != ENOSYS) {
         return false;
     }
-    // A file system that cannot do it in one step.
+    // For a file system that does not support this in one step.
     struct stat status = {};
     if (::lstat(to.c_str(), &status) == 0) {
         errno = EEXIST;
@@ -118,7 +118,7 @@ std::filesystem::path SettingsFile::target() const {
 
 SettingsFile::Contents SettingsFile::read(std::size_t limit) const {
     using Kind = Contents::Kind;
-    // Not blocking, so that a pipe of that name does not hold up the start.
+    // Non-blocking, so that a pipe with that name does not block the start.
     const FileDescriptor file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file) {
         return errno == ENOENT ? Contents{} : Contents{Kind::unreadable, {}, errorText()};

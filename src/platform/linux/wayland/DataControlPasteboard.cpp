@@ -13,11 +13,11 @@ namespace orlune {
 
 namespace {
 
-/// What programs ask for plain text by, old names included.
+/// The types by which programs request plain text, including old names.
 constexpr std::array textTypes{"text/plain;charset=utf-8", "text/plain", "UTF8_STRING", "TEXT",
                                "STRING"};
 
-// The two protocols are the same but for their names.
+// The two protocols differ only in their names.
 
 struct ExtDataControl {
     using Manager = ext_data_control_manager_v1;
@@ -79,7 +79,7 @@ class DataControlPasteboard::DeviceOf final : public Device {
         : connection_(connection), manager_(static_cast<typename Protocol::Manager*>(
                                        connection.bind(Protocol::interface(), Protocol::version))),
           device_(Protocol::deviceOf(manager_, connection.seat())) {
-        // Others' offers are not read; their objects must be destroyed all the same.
+        // Offers of other programs are not read, but their objects must be destroyed.
         static constexpr typename Protocol::DeviceListener listener{
             .data_offer = [](void*, typename Protocol::Device*,
                              typename Protocol::Offer* offer) { Protocol::destroyOffer(offer); },
@@ -107,8 +107,8 @@ class DataControlPasteboard::DeviceOf final : public Device {
             return false;
         }
         const auto shared = std::make_shared<const std::string>(text);
-        // The new sources replace the old ones before those end, so that no program finds the
-        // clipboard empty in between.
+        // The new sources replace the old ones before these are destroyed, so that no program finds
+        // the clipboard empty in between.
         clipboard_.replace(*this, shared, Protocol::setClipboard);
         primary_.replace(*this, shared, Protocol::setPrimary);
         connection_.flush();
@@ -168,7 +168,7 @@ class DataControlPasteboard::DeviceOf final : public Device {
     typename Protocol::Manager* manager_;
     typename Protocol::Device* device_;
     bool isFinished_ = false; ///< the seat has gone
-    QObject writers_;         ///< the parent of what is being written
+    QObject writers_;         ///< the parent of the running writers
     Selection clipboard_;
     Selection primary_;
 };

@@ -10,7 +10,8 @@ namespace orlune {
 
 namespace {
 
-/// A reader that closes its end is an ordinary error here, not the signal that ends a program.
+/// When the reader closes its end, this is an ordinary error instead of a signal that ends the
+/// program.
 ssize_t writeQuietly(int descriptor, const char* data, std::size_t size) {
     sigset_t brokenPipe;
     sigemptyset(&brokenPipe);
@@ -55,7 +56,7 @@ void PipeWriter::write() {
         written_ += static_cast<std::size_t>(count);
     }
     writable_->setEnabled(false);
-    pipe_ = FileDescriptor(); // the end of the text, for the reader
+    pipe_ = FileDescriptor(); // signals the end of the text to the reader
     deleteLater();
 }
 

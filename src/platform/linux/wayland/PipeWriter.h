@@ -11,8 +11,8 @@
 
 namespace orlune {
 
-/// Deletes itself, and closes the pipe, when everything is written or the reader has gone; with its
-/// parent otherwise.
+/// Deletes itself and closes the pipe when everything is written or the reader has gone; otherwise
+/// its parent deletes it.
 class PipeWriter final : public QObject {
   public:
     PipeWriter(FileDescriptor pipe, std::shared_ptr<const std::string> text, QObject* parent);

@@ -25,7 +25,7 @@ struct KeymapDeleter {
     void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
 };
 
-/// The keymap that gives our keys their meaning, whatever layout the user has.
+/// The keymap for the keys that are posted, independent of the user's layout.
 std::unique_ptr<xkb_keymap, KeymapDeleter> americanKeymap() {
     const std::unique_ptr<xkb_context, ContextDeleter> context(
         xkb_context_new(XKB_CONTEXT_NO_ENVIRONMENT_NAMES));
@@ -36,7 +36,7 @@ std::unique_ptr<xkb_keymap, KeymapDeleter> americanKeymap() {
                 : nullptr);
 }
 
-/// A file in memory with this text and its final zero, which the protocol wants.
+/// A file in memory with this text and its terminating NUL, which the protocol requires.
 FileDescriptor memoryFile(const char* text) {
     FileDescriptor file(memfd_create("orlune-keymap", MFD_CLOEXEC));
     const auto size = std::strlen(text) + 1;
@@ -63,7 +63,7 @@ std::unique_ptr<VirtualKeyboard> VirtualKeyboard::open(WaylandConnection& connec
         return nullptr;
     }
     std::unique_ptr<VirtualKeyboard> keyboard(new VirtualKeyboard(connection));
-    // A compositor may offer it and refuse it, by ending the connection.
+    // A compositor may offer the protocol but refuse its use by ending the connection.
     return keyboard->sendKeymap() && connection.roundTrip() ? std::move(keyboard) : nullptr;
 }
 

@@ -1,5 +1,5 @@
-// Presses keys as a keyboard of its own, through zwp_virtual_keyboard_v1. It lives as long as the
-// program: compositors take the seat's keyboard away for a moment when one comes or goes. Main
+// Posts keys as a separate keyboard, through zwp_virtual_keyboard_v1. It exists as long as the
+// program, because compositors briefly remove the seat's keyboard when one comes or goes. Main
 // thread.
 #pragma once
 
@@ -18,7 +18,8 @@ class WaylandConnection;
 
 class VirtualKeyboard final : public KeyInjector {
   public:
-    /// None where the compositor offers no virtual keyboards. The connection outlives the keyboard.
+    /// Null when the compositor offers no virtual keyboards. The connection must outlive the
+    /// keyboard.
     static std::unique_ptr<VirtualKeyboard> open(WaylandConnection& connection);
     ~VirtualKeyboard() override;
 

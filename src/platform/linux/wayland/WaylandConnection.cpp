@@ -71,7 +71,7 @@ WaylandConnection::WaylandConnection(wl_display* display)
 }
 
 WaylandConnection::~WaylandConnection() {
-    readable_.reset(); // before its descriptor
+    readable_.reset(); // must go before its descriptor
     writable_.reset();
     if (seat_) {
         wl_seat_destroy(seat_);
@@ -114,7 +114,7 @@ void WaylandConnection::flush() {
     }
 }
 
-/// The socket is readable: takes what is there, and handles it.
+/// Called when the socket is readable: reads the data and handles the events.
 void WaylandConnection::receive() {
     while (wl_display_prepare_read(display_) != 0) {
         if (!dispatch()) {

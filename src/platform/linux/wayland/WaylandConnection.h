@@ -1,6 +1,6 @@
-// A connection of our own to the Wayland compositor, apart from the toolkit's. Main thread, with
-// Qt's loop running; events are handled there as they arrive. A compositor that ends, or that ends
-// the connection, leaves it dead: requests then go nowhere, and nothing else happens.
+// Our own connection to the Wayland compositor, separate from the toolkit's. Main thread, with Qt's
+// loop running; events are handled there as they arrive. When the compositor ends, or ends the
+// connection, it stays dead: later requests have no effect.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace orlune {
 
 class WaylandConnection {
   public:
-    /// None when no compositor answers within two seconds. An empty name means the WAYLAND_DISPLAY
+    /// Null when no compositor answers within two seconds. An empty name means the WAYLAND_DISPLAY
     /// of the environment.
     static std::unique_ptr<WaylandConnection> open(const std::string& displayName = {});
     ~WaylandConnection();
@@ -29,20 +29,20 @@ class WaylandConnection {
 
     /// Whether the compositor has this global, in this version or a later one.
     bool offers(const std::string& interface, std::uint32_t version = 1) const;
-    /// The global, bound in `version`; null when it is not offered so. The proxy is the caller's,
-    /// who destroys it before the connection ends.
+    /// The global, bound in `version`; null when it is not offered in this version. The caller owns
+    /// the proxy and must destroy it before the connection.
     void* bind(const wl_interface& interface, std::uint32_t version);
-    /// The first seat; null where nobody sits.
+    /// The first seat; null when there is none.
     wl_seat* seat();
 
-    /// Sends what was requested. Never waits.
+    /// Sends the queued requests. Never waits.
     void flush();
-    /// Sends it, and waits until the compositor has carried it out, at most two seconds. False when
-    /// it did not.
+    /// Sends the queued requests, and waits until the compositor has processed them, at most two
+    /// seconds. False when it has not.
     bool roundTrip();
     bool isAlive() const { return isAlive_; }
-    /// `observer` is called once, when the connection is found dead; not from within the
-    /// destructor. Any number may be added; they live as long as the connection.
+    /// `observer` is called once, when the connection is found dead, but not from within the
+    /// destructor. Any number may be added; they exist as long as the connection.
     void onLoss(std::function<void()> observer);
 
   private:
@@ -63,7 +63,7 @@ class WaylandConnection {
     bool isAlive_ = true;
     std::vector<std::function<void()>> lossObservers_;
     std::unique_ptr<QSocketNotifier> readable_;
-    std::unique_ptr<QSocketNotifier> writable_; ///< wanted while requests are left over
+    std::unique_ptr<QSocketNotifier> writable_; ///< enabled while requests are left to send
 };
 
 } // namespace orlune

@@ -1,5 +1,5 @@
-// What the compositor of this session offers to a program without windows, for a report. Main
-// thread, with an application object.
+// What the session's compositor offers to a program without windows, for a report. Main thread,
+// with an application object.
 #pragma once
 
 #include <optional>

@@ -1,6 +1,6 @@
-// Whether the desktop's settings ask for less movement: those of its accessibility, GNOME's switch
-// for animations, or the speed of KDE's. Asked for when it is first needed; until the answer is in,
-// and on desktops without such a setting, everything moves. Main thread, with Qt's loop running.
+// Whether the desktop's settings ask for less movement: its accessibility setting, GNOME's switch
+// for animations, or KDE's animation speed. Read when first needed; until the answer arrives, and
+// on desktops without such a setting, everything moves. Main thread, with Qt's loop running.
 #pragma once
 
 #include "platform/DisplayOptions.h"
@@ -17,7 +17,7 @@ class PortalSettings;
 
 class DesktopDisplayOptions final : public DisplayOptions, private ObservableObject {
   public:
-    /// What is given stands in the place of the desktop's settings, which then are not read.
+    /// A given value replaces the desktop's settings, which are not read then.
     explicit DesktopDisplayOptions(std::optional<bool> shouldReduceMotion = std::nullopt);
     ~DesktopDisplayOptions() override;
 
@@ -31,7 +31,7 @@ class DesktopDisplayOptions final : public DisplayOptions, private ObservableObj
     bool prefersLessMotion_ = false;
     bool hasAnimations_ = true;
     bool areAnimationsInstant_ = false;
-    mutable std::unique_ptr<PortalSettings> settings_; ///< from the first question on
+    mutable std::unique_ptr<PortalSettings> settings_; ///< created on first use
 };
 
 } // namespace orlune

@@ -1,5 +1,5 @@
-// Hands addresses to the programs that the desktop has for them. Main thread; does not wait for
-// the program. Without windows of our own nothing is opened.
+// Opens addresses in the programs that the desktop has assigned to them. Main thread; does not wait
+// for the program. Does nothing when the program runs without windows.
 #pragma once
 
 #include "platform/UrlOpener.h"

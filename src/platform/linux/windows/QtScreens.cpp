@@ -27,12 +27,12 @@ Rect rectOf(const QRect& rect) {
             static_cast<double>(rect.width()), static_cast<double>(rect.height())};
 }
 
-/// With a scale, Qt keeps the origin of each screen in the display's pixels and divides everything
-/// within the screen by it.
+/// With a scale factor, Qt keeps the origin of each screen in device pixels and divides everything
+/// within the screen by the factor.
 Screen screenOf(const QScreen& screen, const WorkArea& workArea) {
     const Rect frame = rectOf(screen.geometry());
-    // Without what the window manager says is taken. It says it of the whole desktop, which only
-    // with a single screen means something.
+    // Subtracts what the window manager reports as taken. It reports it for the whole desktop,
+    // which is only meaningful with a single screen.
     const bool isSingle = screen.virtualSiblings().size() == 1;
     const Rect available = isSingle ? rectOf(screen.availableGeometry()) : frame;
     const double scale = screen.devicePixelRatio();

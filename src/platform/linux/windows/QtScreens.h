@@ -1,6 +1,6 @@
 // The screens and the pointer as Qt sees them, and what the panels of an X desktop leave of each
-// screen. Asks anew each time, which takes well under a millisecond. Main thread. Without windows,
-// as in a program for the terminal, there are no screens.
+// screen. Queries again at each call, which takes well under a millisecond. Main thread. A program
+// without windows, such as a command of the terminal, has no screens.
 #pragma once
 
 #include "platform/Screens.h"

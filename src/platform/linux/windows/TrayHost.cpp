@@ -20,7 +20,7 @@ namespace {
 const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-/// Desktops that have both kinds of tray bring the older one up first.
+/// Desktops with both kinds of tray start the older one first.
 constexpr auto patienceWithEmbedding = std::chrono::seconds(3);
 
 } // namespace

@@ -1,6 +1,6 @@
-// Tells when the desktop is ready for a tray icon. Panels come up late at login, and Qt looks for
-// one once in a process: it must not be asked before. Main thread, with Qt's loop running; without
-// any tray nothing is ever told, and nothing is polled.
+// Reports when the desktop is ready for a tray icon. Panels start late at login, and Qt looks for
+// one only once per process, so it must not look before. Main thread, with Qt's loop running. Never
+// reports on a desktop without a tray; does not poll.
 #pragma once
 
 #include <QObject>

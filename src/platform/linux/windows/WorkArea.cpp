@@ -13,13 +13,13 @@ namespace orlune {
 
 namespace {
 
-/// More windows or monitors than anybody has.
+/// More than any real number of windows or monitors.
 constexpr std::uint32_t longestList = 4096;
 
 constexpr std::size_t plainStrutLength = 4;
 constexpr std::size_t partialStrutLength = 12;
 
-/// A property of 32-bit numbers that has been asked for.
+/// A requested property of 32-bit numbers.
 class NumbersRequest {
   public:
     NumbersRequest(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
@@ -27,7 +27,7 @@ class NumbersRequest {
         : connection_(connection), cookie_(xcb_get_property(connection, /*delete=*/0, window,
                                                             property, XCB_ATOM_ANY, 0, limit)) {}
 
-    /// Waits for it, once. Empty when there is no such property.
+    /// Waits for the answer, once. Empty when there is no such property.
     std::span<const std::uint32_t> numbers() {
         reply_.reset(xcb_get_property_reply(connection_, cookie_, nullptr));
         if (!reply_ || reply_->format != 32) {
@@ -54,8 +54,8 @@ std::optional<Rect> intersection(const Rect& one, const Rect& other) {
     return Rect{.x = x, .y = y, .width = right - x, .height = bottom - y};
 }
 
-/// `numbers` hold the widths at the four edges, and for each edge, where they say so, from which
-/// to which pixel along it.
+/// `numbers` contains the widths at the four edges and, optionally, for each edge the first and
+/// last pixel along it.
 void addStruts(std::vector<WorkArea::Strut>& struts, std::span<const std::uint32_t> numbers,
                const Rect& desktop) {
     using Edge = WorkArea::Edge;
@@ -73,7 +73,7 @@ void addStruts(std::vector<WorkArea::Strut>& struts, std::span<const std::uint32
         double end = isUpright ? desktop.height : desktop.width;
         if (numbers.size() >= partialStrutLength) {
             start = numbers[plainStrutLength + 2 * index];
-            end = numbers[plainStrutLength + 2 * index + 1] + 1.0; // the last pixel belongs to it
+            end = numbers[plainStrutLength + 2 * index + 1] + 1.0; // the last pixel is included
         }
         Rect area = isUpright ? Rect{0, start, thickness, end - start}
                               : Rect{start, 0, end - start, thickness};
@@ -86,7 +86,7 @@ void addStruts(std::vector<WorkArea::Strut>& struts, std::span<const std::uint32
     }
 }
 
-/// What is left of `monitor` beside the strut.
+/// What the strut leaves of `monitor`.
 Rect cut(Rect monitor, const WorkArea::Strut& strut) {
     const double right = monitor.x + monitor.width;
     const double bottom = monitor.y + monitor.height;
@@ -129,7 +129,7 @@ WorkArea WorkArea::read(xcb_connection_t* connection) {
                        .width = size ? static_cast<double>(size->width) : 0,
                        .height = size ? static_cast<double>(size->height) : 0};
 
-    // Of all windows at once, which takes a single trip to the server.
+    // Requested for all windows at once, which takes a single round trip.
     std::vector<NumbersRequest> strutRequests;
     const auto windows = windowRequest.numbers();
     strutRequests.reserve(2 * windows.size());

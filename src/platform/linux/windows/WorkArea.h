@@ -1,5 +1,5 @@
 // What the panels and docks of an X desktop leave of each monitor. A value, read from the display
-// at one moment; everything is in the display's own pixels, from the desktop's upper left corner.
+// at one moment; everything is in device pixels, from the desktop's upper left corner.
 #pragma once
 
 #include "platform/Screens.h"
@@ -13,7 +13,7 @@ namespace orlune {
 struct WorkArea {
     enum class Edge { left, right, top, bottom };
 
-    /// What a panel keeps free along one edge of the whole desktop, on any of its monitors.
+    /// The space that a panel reserves along one edge of the whole desktop, on any monitor.
     struct Strut {
         Edge edge;
         Rect area;
@@ -22,13 +22,14 @@ struct WorkArea {
     };
 
     std::vector<Strut> struts;
-    /// What the window manager itself says that is left, one for each monitor; few say so.
+    /// The free area of each monitor according to the window manager; few publish it.
     std::vector<Rect> leftOver;
 
-    /// Asks the X server. Windows that vanish meanwhile are ordinary.
+    /// Queries the X server. Windows that vanish meanwhile are not an error.
     static WorkArea read(xcb_connection_t* connection);
 
-    /// What is left of one monitor. Panels that would leave nothing of it belong to another.
+    /// What is left of one monitor. Panels that would leave nothing of it belong to another
+    /// monitor.
     Rect within(const Rect& monitor) const;
 };
 

@@ -19,16 +19,16 @@ namespace orlune {
 namespace {
 
 constexpr auto activeWindowName = "_NET_ACTIVE_WINDOW";
-constexpr auto compositorName = "_NET_WM_CM_S"; // and the number of the screen
+constexpr auto compositorName = "_NET_WM_CM_S"; // followed by the number of the screen
 constexpr auto blurName = "_KDE_NET_WM_BLUR_BEHIND_REGION";
 
-/// Origin and size of each rectangle. What has no pixels is left out.
+/// Origin and size of each rectangle. Rectangles without pixels are left out.
 std::vector<std::uint32_t> devicePixels(const std::vector<Rect>& region, double scale) {
     std::vector<std::uint32_t> numbers;
     numbers.reserve(4 * region.size());
     const auto pixel = [scale](double edge) { return std::lround(std::max(edge, 0.0) * scale); };
     for (const auto& rect : region) {
-        // The edges are rounded, not the sizes, so that neighbours neither overlap nor part.
+        // The edges are rounded, not the sizes, so that neighbours neither overlap nor leave a gap.
         const auto x = pixel(rect.x);
         const auto y = pixel(rect.y);
         const auto right = pixel(rect.x + rect.width);
@@ -44,7 +44,7 @@ std::vector<std::uint32_t> devicePixels(const std::vector<Rect>& region, double 
 
 } // namespace
 
-/// The connection, and what it tells.
+/// The connection, and the state that it follows.
 class X11WindowServer::Watch : public ObservableObject {
   public:
     explicit Watch(const std::string& displayName);
@@ -84,7 +84,7 @@ X11WindowServer::Watch::Watch(const std::string& displayName)
                                        | XFixesSelectionClientCloseNotifyMask);
     }
     XSelectInput(display, root_, PropertyChangeMask);
-    // After the selection, so that no change is missed in between.
+    // Checked after selecting the events, so that no change is missed in between.
     isCompositing.set(hasCompositor());
     lastActive_ = activeWindow();
     events_->start([this](const XEvent& event) { read(event); });
@@ -125,7 +125,7 @@ Signal<void()>& X11WindowServer::activeWindowDidChange() {
 
 void X11WindowServer::setBlurBehind(WindowID window, const std::vector<Rect>& region,
                                     double scale) {
-    // On Qt's connection: on ours it could overtake the making of the window.
+    // On Qt's connection, because on ours the request could overtake the creation of the window.
     auto* connection = qtConnection();
     if (!connection) {
         return;
@@ -148,8 +148,8 @@ void X11WindowServer::activate(WindowID window) {
     if (!connection) {
         return;
     }
-    // As a pager asks. As an ordinary program's request it would be measured by the user's last key
-    // in that program, and be refused when another program was used since.
+    // As a pager's request. A program's own request would be compared with the user's last key
+    // press in that program, and be refused when another program was used since.
     constexpr std::uint32_t fromUser = 2;
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;

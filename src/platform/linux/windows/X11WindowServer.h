@@ -1,6 +1,6 @@
-// What an X desktop does with windows. Connects on a connection of its own when it is first asked
-// something, and follows from then on; nothing happens while nothing changes. Main thread, with
-// Qt's loop running. Without a display, or once it has gone, nothing is composited or announced.
+// The window facilities of an X desktop. Opens its own connection on first use and follows changes
+// from then on; it is idle while nothing changes. Main thread, with Qt's loop running. Without a
+// display, or once it has gone, nothing is composited or announced.
 #pragma once
 
 #include "platform/WindowServer.h"
@@ -27,7 +27,7 @@ class X11WindowServer final : public WindowServer {
     Watch& watch() const;
 
     std::string displayName_;
-    mutable std::unique_ptr<Watch> watch_; ///< from the first question on
+    mutable std::unique_ptr<Watch> watch_; ///< created on first use
 };
 
 } // namespace orlune

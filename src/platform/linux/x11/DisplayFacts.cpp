@@ -21,7 +21,7 @@ bool hasOwner(Display* display, const std::string& selection) {
     return XGetSelectionOwner(display, XInternAtom(display, selection.c_str(), False)) != None;
 }
 
-/// The whole property, as bytes; longs for items of 32 bits, which is how Xlib hands them out.
+/// The whole property, as bytes; items of 32 bits arrive as longs, which is Xlib's format.
 std::string property(Display* display, Window window, const char* name, const char* type) {
     constexpr long longest = 1024;
     Atom foundType = None;

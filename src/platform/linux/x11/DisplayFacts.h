@@ -1,5 +1,5 @@
-// What an X display tells about the desktop on it, read once for a person to judge. No loop and no
-// toolkit is needed, and nothing on the display is changed. From any one thread.
+// What an X display reports about its desktop, read once for a diagnosis. Needs no loop and no
+// toolkit, and changes nothing on the display. Used on any one thread.
 #pragma once
 
 #include <optional>
@@ -9,12 +9,12 @@ namespace orlune {
 
 struct DisplayFacts {
     bool isXwayland = false;
-    std::string windowManager; ///< its own name; empty when none tells
+    std::string windowManager; ///< its own name; empty when unknown
     bool isCompositing = false;
-    bool hasClipboardManager = false; ///< keeps a text after the program that copied it has ended
-    bool hasTray = false;             ///< of the old kind, into which windows are embedded
+    bool hasClipboardManager = false; ///< preserves a text after its program has ended
+    bool hasTray = false;             ///< the older kind, which embeds windows
     bool hasFunctionKey = false;
-    /// For a person; empty when there is access.
+    /// For the user; empty when there is access.
     std::string whyKeysAreNotSeen;
     std::string whyKeysAreNotPosted;
 

@@ -43,7 +43,7 @@ std::optional<Window> focus(Display* display) {
     int revertTo = 0;
     XGetInputFocus(display, &window, &revertTo);
     if (window == PointerRoot) {
-        // The keyboard follows the pointer.
+        // The focus follows the pointer.
         Window root = None;
         int ignored = 0;
         unsigned int mask = 0;
@@ -63,8 +63,8 @@ WindowClass classOfFocusedWindow(Display* display) {
             return *found;
         }
     }
-    // The focus may be on a child without a name. Without a window manager nothing carries
-    // WM_STATE: then the outermost window that has a class counts.
+    // The focus may be on a child without a class. Without a window manager no window has WM_STATE,
+    // and the outermost window with a class counts.
     WindowClass outermost;
     for (auto window = focus(display); window; window = parentOf(display, *window)) {
         auto found = classOf(display, *window);

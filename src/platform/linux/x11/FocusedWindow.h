@@ -1,5 +1,5 @@
-// Whose window has the keyboard on an X display. Windows that vanish while they are looked at are
-// ordinary; the answer is then an empty class.
+// Finds the window that has the keyboard focus on an X display. A window that vanishes meanwhile is
+// not an error; the answer is then an empty class.
 #pragma once
 
 #include <string>
@@ -14,8 +14,9 @@ struct WindowClass {
     std::string className;
 };
 
-/// Of the window the window manager calls active, else of the application window round the input
-/// focus. Empty when nothing has the keyboard. `display` belongs to an `XConnection`.
+/// The class of the window that the window manager calls active, or else of the application window
+/// around the input focus. Empty when no window has the focus. `display` belongs to an
+/// `XConnection`.
 WindowClass classOfFocusedWindow(_XDisplay* display);
 
 } // namespace orlune

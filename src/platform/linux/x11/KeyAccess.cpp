@@ -23,7 +23,7 @@ constexpr auto noRawKeys =
     "This display does not let Orlune see the shortcut while another program has the keyboard: "
     "XInput 2.2 or later is needed. Update the X server, or enable its XInputExtension.";
 
-/// From 2.2 on, raw key events also arrive while another program holds a grab.
+/// From 2.2 on, raw key events also arrive while another client holds a grab.
 constexpr int inputMajor = 2;
 constexpr int inputMinor = 2;
 

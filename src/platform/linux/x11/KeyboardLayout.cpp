@@ -48,7 +48,7 @@ std::optional<KeyboardLayout> KeyboardLayout::read(Display* display) {
 }
 
 KeyboardLayout::Keysym KeyboardLayout::symbolIn(std::size_t group, const Key& key) const {
-    // A key with fewer layouts than the keyboard starts again from its first.
+    // For a key with fewer layouts than the keyboard, the groups wrap around.
     return key.symbols.empty() ? NoSymbol : key.symbols[group % key.symbols.size()];
 }
 

@@ -1,5 +1,5 @@
-// A keyboard as the X server has it at one moment: which key carries which symbol, which keys
-// modify, which are down. A plain value; read anew for each use, since layouts change.
+// A snapshot of the X server's keyboard: the symbols of each key, the modifier keys, and which keys
+// are down. A plain value; read anew for each use, since layouts change.
 #pragma once
 
 #include <cstdint>
@@ -15,22 +15,22 @@ class KeyboardLayout {
     using Keycode = std::uint8_t;
     using Keysym = unsigned long;
 
-    /// None when the server does not tell. `display` belongs to an `XConnection`.
+    /// None when the server does not answer. `display` belongs to an `XConnection`.
     static std::optional<KeyboardLayout> read(_XDisplay* display);
 
     /// The key that gives this symbol without modifiers: in the active layout, else in the first
-    /// of the others that has one.
+    /// other layout that has one.
     std::optional<Keycode> keycodeOf(Keysym symbol) const;
     /// The symbol of a key without modifiers in the active layout.
     Keysym symbolOf(Keycode keycode) const;
 
     bool isDown(Keycode keycode) const { return keys_.at(keycode).isDown; }
-    /// The modifier keys that are down. Caps Lock is none: what it switches stays as it is.
+    /// The modifier keys that are down. Caps Lock is not included: what it switches stays as it is.
     std::vector<Keycode> heldModifiers() const;
 
   private:
     struct Key {
-        /// The unshifted symbol of each layout (X: group) the key knows, at least one.
+        /// The unshifted symbol of each layout (X: group) of the key, at least one.
         std::vector<Keysym> symbols;
         bool isModifier = false;
         bool isDown = false;
@@ -38,7 +38,7 @@ class KeyboardLayout {
 
     Keysym symbolIn(std::size_t group, const Key& key) const;
 
-    std::vector<Key> keys_; ///< by keycode, 256 of them
+    std::vector<Key> keys_; ///< by keycode, 256 entries
     std::size_t activeGroup_ = 0;
     std::size_t groupCount_ = 1;
 };

@@ -1,5 +1,5 @@
-// Which symbols of an X keyboard modify others, and as what: Super is Command, Alt is Option. Pure
-// functions, from any thread.
+// Which symbols of an X keyboard are modifiers, and which ones: Super is Command, Alt is Option.
+// Pure functions, usable on any thread.
 #pragma once
 
 #include "platform/ModifierFlags.h"
@@ -15,13 +15,14 @@ struct ModifierSymbols {
     unsigned long right;
 };
 
-/// Control, Option, Shift, Command: the order in which a chord is pressed.
+/// Control, Option, Shift, Command: the order in which keys are pressed.
 extern const std::array<ModifierSymbols, 4> modifierSymbols;
 
 const ModifierSymbols& symbolsOf(ModifierFlags flag);
 
-/// The flag of a key that modifies by what it is, whatever the modifier map says; no flag for AltGr
-/// and its like, because they write characters. None for other keys, and for locks.
+/// The flag of a key that is a modifier by its symbol, whatever the modifier map says; an empty
+/// flag for AltGr and similar keys, because they write characters. None for other keys, and for
+/// locks.
 std::optional<ModifierFlags> modifierFlagOf(unsigned long symbol);
 
 } // namespace orlune

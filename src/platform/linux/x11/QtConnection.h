@@ -1,6 +1,5 @@
-// Qt's own connection to the X display: for questions about it, and for the properties of Qt's
-// windows, which have to keep their order with Qt's requests. Nobody selects events on it. Main
-// thread.
+// Qt's own connection to the X display: for queries, and for the properties of Qt's windows, whose
+// requests must keep their order with Qt's. No events are selected on it. Main thread.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +18,10 @@ struct FreeDeleter {
 template <typename Reply>
 using OwnedReply = std::unique_ptr<Reply, FreeDeleter>;
 
-/// Null where Qt shows no windows, or not on X11.
+/// Null when Qt shows no windows, or does not use X11.
 xcb_connection_t* qtConnection();
 
-/// A name known to the X server; 0 when it is not yet and shall not be made up.
+/// The X server's atom for a name; 0 when it does not exist and `onlyIfExists` is set.
 std::uint32_t atomNamed(xcb_connection_t* connection, std::string_view name, bool onlyIfExists);
 
 } // namespace orlune

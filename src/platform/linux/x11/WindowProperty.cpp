@@ -25,7 +25,7 @@ std::optional<unsigned long> propertyItem(Display* display, Window window, const
     if (status != Success || format != 32 || count == 0) {
         return std::nullopt;
     }
-    return *reinterpret_cast<unsigned long*>(bytes); // which is how Xlib hands such items out
+    return *reinterpret_cast<unsigned long*>(bytes); // Xlib returns such items as longs
 }
 
 } // namespace orlune

@@ -1,5 +1,5 @@
-// A number that a window of an X display carries, as window managers and programs tell each other
-// things. `display` belongs to an `XConnection`.
+// A number in a property of an X window, by which window managers and programs exchange
+// information. `display` belongs to an `XConnection`.
 #pragma once
 
 #include <optional>

@@ -1,6 +1,6 @@
-// Whether this X display lets the program see keys and post them. Asks on a connection of its own
-// each time, so the answer follows the display. Main thread; the prompt is called there. A display
-// that is missing, gone or closed to us is distrust with a reason.
+// Whether this X display lets the program see and post keys. Opens its own connection for each
+// query, so the answer is always current. Main thread; the prompt is called there. A display that
+// is missing, gone or refuses us is reported as not trusted, with a reason.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -15,8 +15,8 @@ class XConnection;
 
 class X11Accessibility final : public Accessibility {
   public:
-    /// Tells the user `reason` and returns at once. Called for every prompt that is asked for; not
-    /// to stack windows is the callee's matter.
+    /// Shows `reason` to the user and returns at once. Called for every requested prompt; the
+    /// callee must avoid stacking windows.
     using Prompt = std::function<void(const std::string& reason)>;
 
     /// An empty display name means the DISPLAY of the environment.

@@ -18,7 +18,7 @@ void X11Bell::beep() {
         connection_ = XConnection::open(displayName_);
     }
     if (connection_) {
-        constexpr int usualVolume = 0; // the percentage above or below what the user has set
+        constexpr int usualVolume = 0; // percent above or below the user's setting
         XkbBell(connection_->display(), None, usualVolume, None);
         XFlush(connection_->display());
     }

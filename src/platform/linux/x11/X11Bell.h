@@ -1,5 +1,5 @@
-// The bell of an X display, which desktops turn into the alert of their sound theme or into
-// silence. Connects at the first beep. Main thread. Without a display there is no sound.
+// The bell of an X display, which desktops turn into the alert of their sound theme or mute.
+// Connects at the first beep. Main thread. Without a display there is no sound.
 #pragma once
 
 #include "platform/Sound.h"

@@ -10,8 +10,8 @@ namespace orlune {
 
 namespace {
 
-// Xlib knows one handler per process for all connections. Ours speaks for our connections and hands
-// everything else to whoever was there before, the toolkit as a rule.
+// Xlib has one handler per process for all connections. Ours handles our connections and passes
+// everything else to the previous handler, usually the toolkit's.
 std::mutex registryMutex;
 std::vector<Display*> ownDisplays;
 XErrorHandler formerErrorHandler = nullptr;
@@ -36,7 +36,7 @@ int onEnd(Display* display) {
     return formerEndHandler(display);
 }
 
-/// Again at each connection: the toolkit may have put its own in place since.
+/// Repeated at each connection: the toolkit may have installed its own handlers since.
 void installHandlers() {
     if (const auto former = XSetErrorHandler(onError); former != onError) {
         formerErrorHandler = former;
@@ -59,7 +59,7 @@ XConnection::XConnection(Display* display) : display_(display) {
         const std::lock_guard lock(registryMutex);
         ownDisplays.push_back(display);
     }
-    // Without this Xlib ends the process when the server goes away.
+    // Without this, Xlib ends the process when the server goes away.
     XSetIOErrorExitHandler(
         display,
         [](Display*, void* connection) { static_cast<XConnection*>(connection)->isAlive_ = false; },

@@ -1,5 +1,5 @@
-// A connection of our own to an X display. Errors on it, and its end, never reach the program:
-// requests then answer with nothing. Owned by one facility and used on one thread.
+// Our own connection to an X display. Its errors and its end never reach the program: requests have
+// no answer then. Owned by one facility and used on one thread.
 #pragma once
 
 #include <memory>
@@ -18,9 +18,9 @@ class XConnection {
     XConnection& operator=(const XConnection&) = delete;
 
     _XDisplay* display() const { return display_; }
-    /// False once a request has found the server gone; it never comes back.
+    /// False once a request has found the server gone; it never recovers.
     bool isAlive() const { return isAlive_; }
-    /// Asks the server, and waits until everything sent before has been carried out.
+    /// Waits until the server has processed everything sent before.
     bool roundTrip();
 
   private:

@@ -1,5 +1,5 @@
-// The events of an X connection of our own, as they arrive. Main thread, with Qt's loop running;
-// handlers are called there and may call this object, but not end it.
+// Reports the events of our own X connection as they arrive. Main thread, with Qt's loop running;
+// handlers are called there and may call this object, but not destroy it.
 #pragma once
 
 #include "platform/linux/x11/XConnection.h"
@@ -22,13 +22,14 @@ class XEventSource {
     static std::unique_ptr<XEventSource> open(const std::string& displayName);
     ~XEventSource();
 
-    /// Reports each event from now on, first those that came already. `onLoss` is called once, when
-    /// the server is found to be gone.
+    /// Reports each event from now on, including those that have already arrived. `onLoss` is
+    /// called once, when the server is found to be gone.
     void start(OnEvent onEvent, std::function<void()> onLoss = {});
-    /// Reports what has arrived. Call it after every request that waited for its answer: events
-    /// that came with the answer are in memory then, and the socket wakes nobody for them.
+    /// Reports the events that have arrived. Must be called after every request that waited for its
+    /// answer: events that came with the answer are already in memory, and the socket does not
+    /// signal them.
     void readPending();
-    /// Waits until the server has carried out everything sent before, and reports what arrived.
+    /// Waits until the server has processed everything sent before, and reports the events.
     void catchUp();
 
     XConnection& connection() { return *connection_; }

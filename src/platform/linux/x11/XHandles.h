@@ -1,4 +1,4 @@
-// What Xlib hands out, given back by itself.
+// Owners of memory and handles from Xlib.
 #pragma once
 
 #include <X11/XKBlib.h>
