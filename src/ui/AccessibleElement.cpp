@@ -66,7 +66,7 @@ QString dots(const QString& text) {
     return QString(text.size(), u'•');
 }
 
-/// The event with dots in it; as it is when it tells no text.
+/// Replaces the event's text by dots; leaves events without text unchanged.
 void announceInDots(QAccessibleEvent& event) {
     auto* const editor = event.object();
     switch (event.type()) {
@@ -96,7 +96,7 @@ void announceInDots(QAccessibleEvent& event) {
     }
 }
 
-/// Stands before the desktop's own handling, which is reached while this is not installed.
+/// Runs in place of the desktop's own handler, which it calls while it is uninstalled.
 void announce(QAccessibleEvent* event) {
     QAccessible::installUpdateHandler(nullptr);
     if (event->object() && kind(*event->object()) == concealed) {

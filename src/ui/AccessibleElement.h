@@ -1,4 +1,4 @@
-// What assistive technology sees of a view's parts. Main thread.
+// Controls what assistive technology sees of a view's parts. Main thread.
 #pragma once
 
 #include <QString>
@@ -7,13 +7,14 @@ class QWidget;
 
 namespace orlune::ui {
 
-/// The widget is decoration and is passed over.
+/// Marks the widget as decoration, which assistive technology skips.
 void hideFromAccessibility(QWidget& widget);
 
-/// The widget and all in it are one element with this label; setting it again changes the label.
+/// Presents the widget and its content as one element with this label; another call changes the
+/// label.
 void combineForAccessibility(QWidget& widget, const QString& label);
 
-/// What is entered into the editor or removed from it is told as dots.
+/// Announces text that is entered into the editor or removed from it as dots.
 void concealFromAccessibility(QWidget& editor);
 
 } // namespace orlune::ui

@@ -45,7 +45,7 @@ void Animation::updateState(State newState, State oldState) {
     if (newState != Stopped || oldState != Running || currentTime() < milliseconds_) {
         return;
     }
-    // What is told may run the next movement.
+    // The completion may start the next movement.
     if (const auto completion = std::exchange(completion_, {})) {
         completion();
     }
@@ -64,7 +64,7 @@ void FrameTimer::timerEvent(QTimerEvent* /*event*/) {
 }
 
 void FrameTimer::update() {
-    constexpr int frameMilliseconds = 17; // whole milliseconds: one less would exceed 60 a second
+    constexpr int frameMilliseconds = 17; // whole milliseconds; 16 would exceed 60 frames a second
     const bool runs = isWanted_ && visibility_.isSeen();
     if (runs && !timer_.isActive()) {
         timer_.start(frameMilliseconds, Qt::PreciseTimer, this);

@@ -1,5 +1,5 @@
-// Movement over time, and repeated frames. Main thread. Nothing here wakes the processor while
-// nothing moves.
+// Movement over time, and repeated frames. Main thread. Nothing wakes the processor while nothing
+// moves.
 #pragma once
 
 #include "ui/Curves.h"
@@ -16,15 +16,15 @@ class QWidget;
 
 namespace orlune::ui {
 
-/// One movement from 0 to 1, which a further `run` replaces. Ends with its owner.
+/// One movement from 0 to 1, which another `run` replaces. Ends with its owner.
 class Animation final : public QAbstractAnimation {
   public:
-    /// Receives the progress: 0 at first, exactly 1 at last. A spring may exceed 1 in between.
+    /// Receives the progress: first 0, last exactly 1. A spring may exceed 1 in between.
     using Apply = std::function<void(double progress)>;
     using Completion = std::function<void()>;
 
-    /// Both apply the first step at once. `completion` is called when the movement has come to its
-    /// end, not when it is replaced or stopped.
+    /// Both apply the first step at once. `completion` is called when the movement has finished,
+    /// not when it is replaced or stopped.
     void run(const Spring& spring, Apply apply, Completion completion = {});
     void run(std::chrono::milliseconds duration, const QEasingCurve& curve, Apply apply,
              Completion completion = {});
@@ -45,7 +45,7 @@ class Animation final : public QAbstractAnimation {
     Completion completion_;
 };
 
-/// Calls `frame` at most 60 times a second, while it is wanted and `view` can be seen.
+/// Calls `frame` at most 60 times a second, while it is enabled and `view` can be seen.
 class FrameTimer final : public QObject {
   public:
     FrameTimer(QWidget& view, std::function<void()> frame);

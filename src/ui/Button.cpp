@@ -49,7 +49,7 @@ Button::Button(const QString& title, const ButtonLook& look)
                                                                       : FocusRing::Place::inside) {
     setText(title);
     setFont(look.font.resolved());
-    setAutoDefault(true); // Return presses what has the focus, as Space does
+    setAutoDefault(true); // Return presses the focused button, as Space does
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -58,7 +58,7 @@ Button::Button(const QString& title, const ButtonLook& look)
     }
 }
 
-/// A Return that is held presses once, and not all that gets the focus after it.
+/// A held Return presses only once, and does not press the controls that get the focus afterwards.
 void Button::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!isReturn || !event->isAutoRepeat()) {

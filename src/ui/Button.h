@@ -1,5 +1,5 @@
-// Push buttons as these windows draw them. They are Qt's buttons in everything else: focus, keys,
-// default button, accessibility. Main thread.
+// Push buttons in the style of these windows. In everything else they are Qt's buttons: focus,
+// keys, default button, accessibility. Main thread.
 #pragma once
 
 #include "ui/FocusRing.h"
@@ -11,9 +11,9 @@
 namespace orlune::ui {
 
 enum class ButtonStyle {
-    plain,     ///< nothing but its title, and no larger than that
+    plain,     ///< only its title, and no larger than that
     bordered,  ///< on a quiet background
-    prominent, ///< on the tint: what is done next
+    prominent, ///< on the tint, for the next step
 };
 
 enum class ControlSize { regular, large };

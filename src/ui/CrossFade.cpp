@@ -10,8 +10,8 @@ namespace orlune::ui {
 
 namespace {
 
-/// Looks like 1. At 1 itself the effect paints its widget directly, and while it does no effect
-/// of a widget inside can paint: content may fade while its own content does.
+/// Looks like 1. At exactly 1 the effect would paint its widget directly, and effects of widgets
+/// inside could not paint then: content may fade while its own content does.
 constexpr double opaque = 0.999;
 
 } // namespace
@@ -37,7 +37,7 @@ void CrossFade::change(const Spring& spring, const std::function<void()>& apply,
     render(&picture, {}, {}, DrawChildren);
     previous_ = picture;
     apply();
-    layout()->activate(); // before the content is moved: a layout would put it back
+    layout()->activate(); // before the content is moved, since a layout would reset its position
     travel_ = travel;
     effect_->setEnabled(true);
     animation_.run(
@@ -57,7 +57,7 @@ void CrossFade::paintEvent(QPaintEvent* /*event*/) {
     }
     QPainter painter(this);
     painter.setOpacity(std::clamp(1 - progress_, 0.0, 1.0));
-    // The content may have changed its size meanwhile; it shrinks and grows about its middle.
+    // The content may have changed its size meanwhile; the picture scales around its centre.
     const QSizeF shown = previous_.deviceIndependentSize();
     const QPointF middle((width() - shown.width()) / 2, (height() - shown.height()) / 2);
     painter.drawPixmap(middle - progress_ * travel_, previous_);

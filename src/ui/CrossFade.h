@@ -1,5 +1,5 @@
-// A view whose content gives way to new content softly: the old picture fades while the new one
-// appears in its place. Main thread.
+// A view whose content changes with a soft transition: the old picture fades out while the new
+// content fades in. Main thread.
 #pragma once
 
 #include "ui/Animation.h"
@@ -18,10 +18,10 @@ class CrossFade final : public QWidget {
     explicit CrossFade(QWidget* content);
 
     /// Runs `apply`, which changes the content, and shows the change with `spring`. Without a
-    /// window on the screen the change is there at once. The new content comes from `travel` points
-    /// away, and the old picture leaves as far to the opposite side.
+    /// visible window the change is immediate. The new content moves in from `travel` points away,
+    /// and the old picture moves out by the same distance in the opposite direction.
     void change(const Spring& spring, const std::function<void()>& apply, QPoint travel = {});
-    /// Ends a change that is under way.
+    /// Ends a running change.
     void settle();
     bool isFading() const { return animation_.state() == QAbstractAnimation::Running; }
 
@@ -35,12 +35,12 @@ class CrossFade final : public QWidget {
     QWidget* content_;
     QGraphicsOpacityEffect* effect_;
     QPixmap previous_;
-    double progress_ = 1; ///< may exceed 1, when a spring swings
+    double progress_ = 1; ///< a spring may exceed 1
     QPointF travel_;
     Animation animation_;
 };
 
-/// Whether `view` is inside content that fades just now: no part of it can be painted by itself.
+/// Whether `view` is inside content that is fading: no part of it can be painted separately then.
 bool isFading(const QWidget& view);
 
 } // namespace orlune::ui

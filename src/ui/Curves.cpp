@@ -28,7 +28,7 @@ double Spring::value(double seconds) const {
 double Spring::settlingDuration() const {
     constexpr double invisible = 0.001;
     const double frequency = angularFrequency();
-    // The envelope of the swing: it only falls, so the first time below is the last.
+    // The envelope of the oscillation only falls, so its first time below the limit is the last.
     const auto envelope = [&](double seconds) {
         const double decay = std::exp(-dampingFraction_ * frequency * seconds);
         return dampingFraction_ >= 1 ? decay * (1 + frequency * seconds)

@@ -1,4 +1,4 @@
-// How things move from one place to another over time. Pure values.
+// Curves of movement over time. Pure values.
 #pragma once
 
 #include <QEasingCurve>
@@ -6,17 +6,17 @@
 
 namespace orlune::ui {
 
-/// A weight on a spring that is let go at 0 and comes to rest at 1.
+/// A damped spring that is released at 0 and comes to rest at 1.
 class Spring {
   public:
-    /// `response` in seconds, above 0: how long one swing would take without damping.
-    /// `dampingFraction`, above 0 to 1: at 1 it does not overshoot.
+    /// `response` in seconds, above 0: the period without damping. `dampingFraction`, above 0 to 1:
+    /// at 1 it does not overshoot.
     constexpr Spring(double response, double dampingFraction)
         : response_(response), dampingFraction_(dampingFraction) {}
 
-    /// Where it is after `seconds`.
+    /// The position after `seconds`.
     double value(double seconds) const;
-    /// After how many seconds it stays within a thousandth of 1, at which nothing is seen to move.
+    /// The seconds after which it stays within a thousandth of 1, where no movement is visible.
     double settlingDuration() const;
 
   private:
@@ -26,7 +26,7 @@ class Spring {
     double dampingFraction_;
 };
 
-/// From (0, 0) to (1, 1) with these control points.
+/// The curve from (0, 0) to (1, 1) with these control points.
 QEasingCurve cubicBezier(QPointF first, QPointF second);
 /// The system's standard curve that starts slowly.
 QEasingCurve easeIn();

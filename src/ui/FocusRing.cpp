@@ -14,7 +14,7 @@ namespace {
 constexpr int distance = 4;
 constexpr double frameRadius = 6;
 
-/// How the focus last came to a control that has a ring.
+/// Whether the focus last reached a control with a ring by the keyboard.
 bool isKeyboardLeading = false;
 
 class FrameStyle final : public QProxyStyle {

@@ -1,6 +1,6 @@
-// The ring that marks the control with the keyboard focus. It is for whoever works with the
-// keyboard: it appears when the focus came by Tab, Backtab or a shortcut, and after a click there
-// is none. A focus that the program itself moves on shows as the one before it did. Main thread.
+// The ring that marks the control with the keyboard focus. It is for keyboard users: it appears
+// when the focus arrived by Tab, Backtab or a shortcut, and not after a click. When the program
+// itself moves the focus, the ring shows if it was shown before. Main thread.
 #pragma once
 
 #include <QObject>
@@ -17,16 +17,16 @@ namespace orlune::ui {
 class FocusRing final : public QObject {
   public:
     enum class Place {
-        inside, ///< the control paints it, within its own edge
-        around, ///< it lies round the control, which has no room for it
+        inside, ///< painted by the control, within its own edge
+        around, ///< outside the control, which has no room for it
     };
 
-    /// `control` outlives the ring.
+    /// `control` must outlive the ring.
     explicit FocusRing(QWidget& control, Place place = Place::inside);
     ~FocusRing() override;
 
     bool isShown() const { return isShown_; }
-    /// Whether the control has to paint it.
+    /// Whether the control must paint the ring.
     bool isPaintedInside() const { return isShown_ && place_ == Place::inside; }
 
     bool eventFilter(QObject* control, QEvent* event) override;
@@ -37,7 +37,7 @@ class FocusRing final : public QObject {
     QWidget& control_;
     Place place_;
     bool isShown_ = false;
-    QPointer<QFocusFrame> frame_; ///< lies in another widget, and goes with that
+    QPointer<QFocusFrame> frame_; ///< belongs to another widget, which destroys it
 };
 
 void paintFocusRing(QPainter& painter, const QRectF& control, double radius, const QColor& tint);

@@ -9,7 +9,7 @@ namespace orlune::ui {
 
 namespace {
 
-/// The first family that is installed, else the desktop's own.
+/// The first installed family, or else the desktop's own.
 QString firstInstalled(const QStringList& families) {
     for (const auto& family : families) {
         if (QFontDatabase::hasFamily(family)) {

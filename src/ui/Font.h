@@ -1,4 +1,4 @@
-// Fonts as the views name them: a size in points, a weight, a design. One point is one logical
+// Fonts as the views specify them: a size in points, a weight, a design. One point is one logical
 // pixel. Main thread, while the application exists.
 #pragma once
 
@@ -14,8 +14,8 @@ enum class Weight {
 };
 
 enum class Design {
-    standard,   ///< Inter, which these sizes are made for, else the desktop's own font
-    rounded,    ///< a rounded relative where one is installed, else the standard design
+    standard,   ///< Inter, for which these sizes are made, else the desktop's own font
+    rounded,    ///< a rounded variant where one is installed, else the standard design
     monospaced, ///< the desktop's own
 };
 
@@ -28,7 +28,7 @@ struct Font {
     QFont resolved() const;
 };
 
-/// The text styles of the system by name, with the sizes they have there, in points.
+/// The named text styles of the system, with their sizes in points.
 namespace textSize {
 inline constexpr double title2 = 17;
 inline constexpr double title3 = 15;

@@ -16,7 +16,7 @@ class Label final : public QWidget {
 
     void setSymbol(const QString& symbol);
     void setTitle(const QString& title);
-    /// Of both.
+    /// Colours both.
     void setColor(const QColor& color);
     void setSymbolColor(const QColor& color);
 

@@ -1,6 +1,6 @@
-// Keeps a view up to date with what it shows. Any number of changes in one turn of the loop costs
-// one refresh, in the next turn, when the changes are stored; a view that cannot be seen is
-// refreshed when it is shown. Main thread; a member of the view, its last.
+// Keeps a view up to date with the objects it shows. Any number of changes in one turn of the loop
+// cause one refresh, in the next turn, when the changes are stored; a view that cannot be seen is
+// refreshed when it is shown. Main thread; must be the last member of the view.
 #pragma once
 
 #include "platform/concurrency/Published.h"
@@ -16,9 +16,9 @@ namespace orlune::ui {
 
 class Observation final : public QObject {
   public:
-    /// `refresh` reads the observed objects and shows what they hold. Not called yet.
+    /// `refresh` reads the observed objects and shows their state. It is not called yet.
     Observation(QWidget& view, std::function<void()> refresh);
-    /// For what is always shown, such as an icon in another program's panel.
+    /// For something that is always shown, such as an icon in another program's panel.
     explicit Observation(std::function<void()> refresh);
 
     void observe(ObservableObject& object);
@@ -27,7 +27,7 @@ class Observation final : public QObject {
         subscriptions_.push_back(property.subscribe([this](const Value&) { invalidate(); }));
     }
 
-    /// As if an observed object had changed.
+    /// Behaves as if an observed object had changed.
     void invalidate();
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -1,4 +1,4 @@
-// Pictures that are painted once and kept: icons, symbols. Main thread.
+// Pictures that are painted once and cached: icons, symbols. Main thread.
 #pragma once
 
 #include <QPixmap>
@@ -10,8 +10,8 @@ class QPainter;
 
 namespace orlune::ui {
 
-/// What `paint` paints on a transparent picture of `pixels`, with soft edges. Of a picture that was
-/// painted on directly, Qt would keep its painting tools too: some 30 KB each.
+/// A transparent picture of `pixels`, painted by `paint` with antialiasing. If the picture itself
+/// were painted on, Qt would also keep its painting tools: some 30 KB each.
 QPixmap picture(QSize pixels, double devicePixelRatio, const std::function<void(QPainter&)>& paint);
 
 } // namespace orlune::ui

@@ -11,7 +11,7 @@ void present(QWidget& window, WindowServer& windowServer) {
     window.show();
     window.raise();
     windowServer.activate(window.winId());
-    // Where there is no window manager to ask, the toolkit sets the focus itself. Afterwards: asked
+    // Without a window manager, the toolkit sets the focus itself. This comes last: if it came
     // first, some desktops would announce that the window is ready instead.
     window.activateWindow();
 }

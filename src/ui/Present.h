@@ -1,4 +1,4 @@
-// How a window comes to the user who has asked for it. Main thread.
+// Brings a window to the user who has asked for it. Main thread.
 #pragma once
 
 class QWidget;
@@ -9,8 +9,8 @@ class WindowServer;
 
 namespace ui {
 
-/// Shows the window, brings it back if it is minimised, in front of all others and with the
-/// keyboard.
+/// Shows the window, restores it if it is minimised, and puts it in front of all others with the
+/// keyboard focus.
 void present(QWidget& window, WindowServer& windowServer);
 
 } // namespace ui

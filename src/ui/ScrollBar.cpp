@@ -14,7 +14,7 @@ namespace {
 constexpr int thickness = 11;
 constexpr int inset = 3;
 
-/// The handle moves along the whole bar, without arrows at its ends.
+/// The handle moves along the whole bar; there are no arrows at its ends.
 class SlimStyle final : public QProxyStyle {
   public:
     explicit SlimStyle(ScrollBar::Place place) : place_(place) {}
@@ -43,7 +43,7 @@ ScrollBar::ScrollBar(Place place) : QScrollBar(Qt::Vertical) {
     setStyle(slimStyle);
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     setAttribute(Qt::WA_Hover);
-    setCursor(Qt::ArrowCursor); // not that of the text beside it
+    setCursor(Qt::ArrowCursor); // not the cursor of the text next to it
 }
 
 QSize ScrollBar::sizeHint() const {

@@ -1,5 +1,4 @@
-// A slim scroll bar that lets what lies behind show through. Qt's in everything but its looks. Main
-// thread.
+// A slim scroll bar with a transparent background. Otherwise it is Qt's. Main thread.
 #pragma once
 
 #include <QScrollBar>
@@ -9,11 +8,11 @@ namespace orlune::ui {
 class ScrollBar final : public QScrollBar {
   public:
     enum class Place {
-        beside, ///< what is scrolled
-        over,   ///< it, at its edge
+        beside, ///< next to the scrolled content
+        over,   ///< over the content, at its edge
     };
 
-    /// Upright.
+    /// A vertical bar.
     explicit ScrollBar(Place place = Place::beside);
 
     QSize sizeHint() const override;

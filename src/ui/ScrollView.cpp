@@ -9,11 +9,11 @@ namespace orlune::ui {
 QScrollArea* scrollView(QWidget* content) {
     auto* view = new QScrollArea;
     view->setFrameShape(QFrame::NoFrame);
-    view->setFocusPolicy(Qt::NoFocus); // it follows the focus of what is in it
+    view->setFocusPolicy(Qt::NoFocus); // it follows the focus of its content
     view->setVerticalScrollBar(new ScrollBar(ScrollBar::Place::over));
     view->setWidgetResizable(true);
     view->setWidget(content);
-    // Qt gives both a background of their own.
+    // Qt gives both of them a background.
     view->viewport()->setAutoFillBackground(false);
     content->setAutoFillBackground(false);
     return view;

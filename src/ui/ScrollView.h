@@ -1,4 +1,4 @@
-// A view that is scrolled when it does not fit into its place. Main thread.
+// A view that scrolls when its content does not fit. Main thread.
 #pragma once
 
 class QScrollArea;
@@ -6,9 +6,8 @@ class QWidget;
 
 namespace orlune::ui {
 
-/// `content`, which it owns, takes all the width and at least the height of its place. What lies
-/// behind shows through. The scroll bar lies over the padding of the content, which stays the same
-/// on both sides.
+/// Owns `content`, which gets the full width and at least the full height. The background is
+/// transparent. The scroll bar lies over the content's padding, so that both margins stay equal.
 QScrollArea* scrollView(QWidget* content);
 
 } // namespace orlune::ui

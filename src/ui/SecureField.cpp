@@ -27,13 +27,13 @@ constexpr int fieldHeight = 26;
 constexpr int padding = 8;
 constexpr double cornerRadius = 6;
 
-/// In place, whoever shares the characters: a copy would leave the original behind.
+/// In place, even when the characters are shared: a copy would leave the original behind.
 void overwrite(const QString& text) {
     ::explicit_bzero(const_cast<QChar*>(text.constData()),
                      static_cast<std::size_t>(text.size()) * sizeof(QChar));
 }
 
-/// Small dots, from the first moment on: some styles show the letter that was typed last.
+/// Small dots from the start: some styles show the letter that was typed last.
 class Dots final : public QProxyStyle {
   public:
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -60,7 +60,7 @@ class SecureField::Entry final : public QLineEdit {
         setEchoMode(Password);
         setPlaceholderText(prompt);
         setAccessibleName(accessibleName);
-        concealFromAccessibility(*this); // the system's line would tell each letter
+        concealFromAccessibility(*this); // Qt's line would report each letter
         setFrame(false);
         setDragEnabled(false);
         setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText
@@ -70,7 +70,7 @@ class SecureField::Entry final : public QLineEdit {
         setPalette(clear);
     }
 
-    /// The system's line would tell an input method the whole text.
+    /// Qt's line would give an input method the whole text.
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override {
         switch (query) {
         case Qt::ImSurroundingText:
@@ -137,7 +137,7 @@ void SecureField::addEntry() {
         }
     });
     layout()->addWidget(entry_);
-    entry_->show(); // at once, to be ready for the focus
+    entry_->show(); // at once, so that it can take the focus
     setFocusProxy(entry_);
 }
 
@@ -155,7 +155,7 @@ std::string SecureField::text() const {
     return bytes;
 }
 
-/// The line inside keeps what was typed in the history of its changes, so it has to go.
+/// The inner line keeps typed text in its undo history, so it is destroyed.
 void SecureField::wipe() {
     if (!isUsed_) {
         return;
@@ -170,7 +170,7 @@ void SecureField::wipe() {
         entry_->setFocus();
     }
     used->hide();
-    // It may be in the middle of telling that Return was pressed.
+    // Deferred, because the line may be reporting that Return was pressed.
     connect(used, &QObject::destroyed, &wipeFreeMemory);
     used->deleteLater();
     isUsed_ = false;

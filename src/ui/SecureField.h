@@ -1,6 +1,6 @@
-// A field for a secret. Shows dots; nothing of it is completed, learned, copied, undone or given to
-// assistive technology. The text stands in this process' memory from typing to wiping, and nowhere
-// in it afterwards. Main thread. Focus goes to the line inside.
+// A field for a secret. Shows dots; its text is never completed, learned, copied, undone or given
+// to assistive technology. The text is in this process's memory only from typing to wiping. Main
+// thread. Focus goes to the inner line.
 #pragma once
 
 #include <QString>
@@ -13,7 +13,7 @@ namespace orlune::ui {
 
 class SecureField final : public QWidget {
   public:
-    /// `prompt` stands in the field while it is empty.
+    /// `prompt` is shown while the field is empty.
     SecureField(const QString& prompt, const QString& accessibleName);
     ~SecureField() override;
 
@@ -22,11 +22,11 @@ class SecureField final : public QWidget {
     /// `submitted` is called when Return is pressed.
     void onSubmit(std::function<void()> submitted) { submitted_ = std::move(submitted); }
 
-    /// Whether there is nothing in it but whitespace and newlines.
+    /// True when it contains only whitespace and newlines.
     bool isBlank() const;
-    /// A copy in UTF-8, which the caller wipes.
+    /// A copy in UTF-8, which the caller must wipe.
     std::string text() const;
-    /// Empties the field. In the next turn nothing of what it has held is left in memory, but for
+    /// Empties the field. From the next turn on, nothing it contained is left in memory, except
     /// what the clipboard's owner and the window system keep.
     void wipe();
 
@@ -44,7 +44,7 @@ class SecureField final : public QWidget {
     std::function<void()> changed_;
     std::function<void()> submitted_;
     Entry* entry_ = nullptr;
-    bool isUsed_ = false; ///< it has held something since it was last wiped
+    bool isUsed_ = false; ///< it has contained text since it was last wiped
 };
 
 } // namespace orlune::ui

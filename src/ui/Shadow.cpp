@@ -15,7 +15,7 @@ namespace {
 constexpr int channelCount = 4;
 
 /// Replaces each of `count` pixels, `stride` bytes apart, by the mean of itself and `reach` pixels
-/// on either side; beyond the ends there is nothing.
+/// on either side; pixels beyond the ends count as empty.
 void averageLine(std::uint8_t* line, int count, std::ptrdiff_t stride, int reach,
                  std::vector<std::uint8_t>& copy) {
     const int window = 2 * reach + 1;
@@ -43,7 +43,7 @@ void averageLine(std::uint8_t* line, int count, std::ptrdiff_t stride, int reach
 
 QImage blurred(const QImage& image, double deviation) {
     QImage result = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    // Three means of w pixels have the variance (w² - 1) / 4.
+    // Three means of width w have the variance (w² - 1) / 4.
     const int reach =
         static_cast<int>(std::lround((std::sqrt(4 * deviation * deviation + 1) - 1) / 2));
     if (reach < 1 || result.isNull()) {

@@ -12,8 +12,8 @@ class QPainter;
 
 namespace orlune::ui {
 
-/// `image` blurred like a Gaussian whose standard deviation is `deviation` pixels, by three passes
-/// of a mean, which differ from it by less than the eye sees. Premultiplied in, premultiplied out.
+/// `image` blurred by a Gaussian with a standard deviation of `deviation` pixels, approximated by
+/// three box filters; the difference is invisible. Input and output are premultiplied.
 QImage blurred(const QImage& image, double deviation);
 
 class Shadow {
@@ -22,8 +22,8 @@ class Shadow {
     Shadow(QColor color, double radius, QPointF offset)
         : color_(color), radius_(radius), offset_(offset) {}
 
-    /// Paints the shadow of `outline`. What the last call has blurred serves again while the
-    /// outline's bounds and the device's scale are the same.
+    /// Paints the shadow of `outline`. The last blurred image is reused while the outline's bounds
+    /// and the device's scale stay the same.
     void paint(QPainter& painter, const QPainterPath& outline);
 
   private:

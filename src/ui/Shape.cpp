@@ -6,7 +6,8 @@
 namespace orlune::ui {
 
 QPainterPath roundedRectangle(const QRectF& rectangle, double radius) {
-    // How far from the corner the curve leaves the edge, in radii; a circle leaves it at 1.
+    // The distance from the corner at which the curve leaves the edge, in radii; a circle leaves it
+    // at 1.
     constexpr double reach = 1.28;
     const double halfSide = std::min(rectangle.width(), rectangle.height()) / 2;
     radius = std::clamp(radius, 0.0, halfSide);

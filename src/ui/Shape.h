@@ -6,15 +6,15 @@
 
 namespace orlune::ui {
 
-/// A rectangle whose corners leave the edges gently: the curvature grows from none along the edge
-/// to its most in the corner's middle, where it meets the circle of `radius`. `radius` is cut to
-/// what the rectangle has room for.
+/// A rectangle with smooth corners: the curvature grows from zero at the edge to its maximum in the
+/// middle of the corner, where it touches the circle of `radius`. `radius` is limited to what fits
+/// in the rectangle.
 QPainterPath roundedRectangle(const QRectF& rectangle, double radius);
 
-/// A rectangle with half circles at the ends of its longer side.
+/// A rectangle whose shorter sides are half circles.
 QPainterPath capsule(const QRectF& rectangle);
 
-/// Which outline a surface has, whatever its size.
+/// The kind of outline of a surface, for any size.
 class Shape {
   public:
     static Shape rectangle() { return Shape(0); }

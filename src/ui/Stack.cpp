@@ -9,7 +9,7 @@ namespace orlune::ui {
 
 namespace {
 
-/// A line of less than a pixel is drawn as thin as it is, by its opacity.
+/// A line thinner than a pixel is drawn with reduced opacity.
 class Divider final : public QWidget {
   public:
     Divider(const QColor& color, double thickness) : color_(color), thickness_(thickness) {
@@ -32,7 +32,7 @@ bool takesWidth(const QWidget& widget) {
     return (widget.sizePolicy().horizontalPolicy() & QSizePolicy::ExpandFlag) != 0;
 }
 
-/// What wants all the width makes what holds it want it.
+/// Makes the container expand horizontally when one of its parts does.
 void shareWidth(QWidget& container, bool isWanted) {
     if (isWanted) {
         container.setSizePolicy(QSizePolicy::Expanding, container.sizePolicy().verticalPolicy());
@@ -50,14 +50,14 @@ Qt::Alignment flags(Alignment alignment, bool isRow, const QWidget& part) {
     return isLeading ? Qt::AlignLeft : Qt::AlignHCenter;
 }
 
-/// Qt leaves out the spacing beside an item that calls itself empty.
+/// Qt leaves out the spacing next to an item that reports itself as empty.
 class Spacer final : public QSpacerItem {
   public:
     using QSpacerItem::QSpacerItem;
     bool isEmpty() const override { return false; }
 };
 
-/// Remembers how its parts are to stand.
+/// Stores the alignment of its parts.
 class Stack final : public QWidget {
   public:
     Stack(bool isRow, const StackStyle& style) : style_(style), isRow_(isRow) {

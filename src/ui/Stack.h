@@ -1,6 +1,5 @@
-// Rows and columns, and what stands between and around their parts, so that a view reads as it
-// looks. Everything made here belongs to the widget it is put into. Main thread. Distances are in
-// points.
+// Rows and columns with spacing and padding, so that the code of a view reads like its layout.
+// Everything made here is owned by the widget it is put into. Main thread. Distances are in points.
 #pragma once
 
 #include <QMargins>
@@ -10,10 +9,10 @@
 
 namespace orlune::ui {
 
-/// How the parts of a row stand vertically, those of a column horizontally.
+/// Aligns the parts of a row vertically, those of a column horizontally.
 enum class Alignment { leading, center };
 
-/// A part of a row or column: a widget, or room that takes whatever is left.
+/// A part of a row or column: a widget, or a spacer that takes the remaining room.
 class Part {
   public:
     Part(QWidget* widget) : widget_(widget) {} // NOLINT(google-explicit-constructor): reads as list
@@ -39,10 +38,10 @@ struct StackStyle {
     Alignment alignment = Alignment::center;
 };
 
-/// Side by side. Parts keep their own width, unless there is too little room; hidden ones leave no
+/// Parts side by side. They keep their own width if there is enough room; hidden parts leave no
 /// gap. A spacer is a part like the others, with a gap on either side.
 QWidget* row(const StackStyle& style, std::initializer_list<Part> parts);
-/// One below the other.
+/// Parts stacked vertically.
 QWidget* column(const StackStyle& style, std::initializer_list<Part> parts);
 /// Adds a part at the end of a row or column.
 void append(QWidget* stack, Part part);
@@ -58,12 +57,12 @@ inline QWidget* padded(QWidget* content, int allEdges) {
     return padded(content, Padding{.horizontal = allEdges, .vertical = allEdges});
 }
 
-/// `content` in the middle of an area of this size.
+/// `content` centred in an area of this size.
 QWidget* framed(QWidget* content, QSize size);
-/// Takes all the width it is given, with `content` at its start.
+/// Takes the full width, with `content` at its start.
 QWidget* fillingWidth(QWidget* content);
 
-/// A line across a column.
+/// A horizontal line across a column.
 QWidget* divider(const QColor& color, double thickness = 1);
 
 } // namespace orlune::ui

@@ -5,11 +5,11 @@
 
 namespace orlune::ui {
 
-/// How much something stands out, most first.
+/// The prominence of text, highest first.
 enum class Style { primary, secondary, tertiary, quaternary };
 
-/// White at an opacity. On the windows' background the first three keep a contrast of at least 4.5
-/// to 1, which small text needs; the last one is for areas, not for text.
+/// White with an opacity. On the windows' background the first three have a contrast of at least
+/// 4.5 to 1, which small text needs; the last one is for areas, not for text.
 QColor color(Style style);
 
 /// The warning colour of the system.

@@ -1,4 +1,4 @@
-// A shape with something on it: a card, a field, a badge, a key cap. Main thread.
+// A filled shape with content: a card, a field, a badge, a key cap. Main thread.
 #pragma once
 
 #include "ui/Shape.h"
@@ -18,7 +18,7 @@ struct SurfaceStyle {
 
 class Surface final : public QWidget {
   public:
-    /// As large as `content`, which may be null; otherwise owned.
+    /// As large as `content`, which it owns and which may be null.
     explicit Surface(const SurfaceStyle& style, QWidget* content = nullptr);
 
     const SurfaceStyle& style() const { return style_; }

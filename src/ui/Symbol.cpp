@@ -11,8 +11,8 @@
 #include <array>
 #include <cmath>
 
-// The drawings stand in a static library, whose resources are not found unless they are named. The
-// macro works outside of namespaces only.
+// The drawings are in a static library, whose resources must be initialised by name. The macro only
+// works outside of namespaces.
 static void initializeSymbols() {
     Q_INIT_RESOURCE(symbols);
 }
@@ -46,7 +46,7 @@ QByteArray drawing(const QString& name, Weight weight) {
     return file.readAll().replace("@WEIGHT@", strokeWidth(weight));
 }
 
-/// A square image whose side of `side` points, at this scale, need not be whole pixels.
+/// A square image; its side of `side` points need not be whole pixels at this scale.
 QPixmap drawn(const QString& name, double side, Weight weight, const QColor& color,
               qreal devicePixelRatio) {
     const int pixels = static_cast<int>(std::ceil(side * devicePixelRatio));

@@ -1,6 +1,6 @@
-// The program's own symbols, by name: drawn on one grid, tinted when shown. A symbol is decoration:
-// assistive technology passes it over. Main thread. A name without a drawing is a mistake of the
-// caller: an assertion, and nothing is shown.
+// The program's own symbols, by name: drawn on one grid, tinted when shown. A symbol is decoration,
+// which assistive technology skips. Main thread. A name without a drawing is a caller's mistake: an
+// assertion fails, or nothing is shown.
 #pragma once
 
 #include "ui/Font.h"
@@ -13,11 +13,11 @@
 
 namespace orlune::ui {
 
-/// A square with a side of 1.25 × the font's size, rounded to whole points; the drawing leaves
-/// a twelfth of it free on each side.
+/// A square with a side of 1.25 × the font's size, rounded to whole points; the drawing leaves a
+/// twelfth of it free on each side.
 class Symbol final : public QWidget {
   public:
-    /// Of the font, its size and weight count.
+    /// Only the size and weight of the font are used.
     Symbol(const QString& name, const Font& font, const QColor& color = ui::color(Style::primary));
 
     void setName(const QString& name);
@@ -32,11 +32,11 @@ class Symbol final : public QWidget {
     QColor color_;
 };
 
-/// The symbol as it stands beside text of `pointSize`, kept for the next caller.
+/// The symbol for use next to text of `pointSize`; cached.
 QPixmap symbolPixmap(const QString& name, double pointSize, Weight weight, const QColor& color,
                      qreal devicePixelRatio);
 
-/// For menus and the tray: drawn anew for each of their usual sizes, 16 to 64 pixels.
+/// For menus and the tray: drawn separately for each of their usual sizes, 16 to 64 pixels.
 QIcon symbolIcon(const QString& name, const QColor& color, Weight weight = Weight::regular);
 
 } // namespace orlune::ui

@@ -15,7 +15,7 @@ namespace {
 class Lines {
   public:
     Lines(const QString& text, const QFont& font, double width, int limit) : font_(font) {
-        // Setting minutes of speech to show its first lines would keep the user waiting.
+        // Laying out minutes of speech only to show its first lines would keep the user waiting.
         constexpr qsizetype longestLine = 400;
         QString broken = limit > 0 ? text.left(limit * longestLine) : text;
         isCut_ = broken.size() < text.size();
@@ -44,7 +44,7 @@ class Lines {
     int count() const { return count_; }
     double width(int index) const { return layout_.lineAt(index).naturalTextWidth(); }
 
-    /// The last line's rest of the text, shortened; empty when all fits.
+    /// The rest of the text from the last line on, shortened; empty when everything fits.
     QString shortenedEnd(double width) const {
         if (!isCut_) {
             return {};
@@ -95,7 +95,7 @@ void Text::setMinimumScale(double minimumScale) {
     }
 }
 
-/// A text that is too long for its line is drawn smaller, and cut where that is not enough.
+/// A text too long for its line is drawn smaller, and is cut if that is not enough.
 QFont Text::fittingFont() const {
     QFont fitting = font();
     if (style_.minimumScale < 1 && style_.lineLimit == 1) {
@@ -150,13 +150,13 @@ void Text::paintEvent(QPaintEvent* /*event*/) {
     painter.setFont(drawn);
     painter.setPen(style_.color);
     const double advance = lineHeight() + style_.lineSpacing;
-    // Given less height than it wants, it shows the lines that fit.
+    // With less height than it wants, it shows the lines that fit.
     const int fitting =
         std::max(1, static_cast<int>((height() + style_.lineSpacing + 0.5) / advance));
     const int limit = style_.lineLimit > 0 ? std::min(style_.lineLimit, fitting) : fitting;
     const Lines lines(text(), drawn, width(), limit);
     const auto shortened = lines.shortenedEnd(width());
-    // Smaller letters stand on the same line.
+    // Smaller letters keep the same baseline.
     const double baseline = firstBaseline();
     double top = std::max(0.0, (height() - heightOf(lines.count())) / 2);
     for (int index = 0; index < lines.count(); ++index, top += advance) {

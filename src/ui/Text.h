@@ -1,5 +1,6 @@
-// A text in one font and colour, on one line or wrapped over as many as it may take; what does not
-// fit ends in an ellipsis. A label to assistive technology, with the whole text. Main thread.
+// A text in one font and colour, on one line or wrapped to a limited number of lines; text that
+// does not fit ends in an ellipsis. A label for assistive technology, with the whole text. Main
+// thread.
 #pragma once
 
 #include "ui/Font.h"
@@ -12,10 +13,10 @@ namespace orlune::ui {
 struct TextStyle {
     Font font;
     QColor color = ui::color(Style::primary);
-    int lineLimit = 0; ///< 0: as many lines as it needs
-    /// How far a text of one line may be made smaller before it is cut, 1: not at all.
+    int lineLimit = 0; ///< 0: no limit
+    /// The smallest scale of a one-line text before it is cut; 1: never scaled.
     double minimumScale = 1;
-    double lineSpacing = 0; ///< between one line and the next, points
+    double lineSpacing = 0; ///< between two lines, points
     Qt::AlignmentFlag alignment = Qt::AlignLeft;
 };
 
@@ -27,7 +28,7 @@ class Text final : public QLabel {
     void setLineLimit(int lineLimit);
     void setMinimumScale(double minimumScale);
 
-    /// From the upper edge down to the line that the letters of the first line stand on, points.
+    /// The distance from the upper edge to the baseline of the first line, points.
     double firstBaseline() const;
 
     QSize sizeHint() const override;

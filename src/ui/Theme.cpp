@@ -29,7 +29,7 @@ void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tin
     }
     window.setPalette(palette);
     window.setFont(Font{.size = textSize::body}.resolved());
-    // They do not look at the window that they belong to.
+    // Tool tips do not take the palette of their window.
     QToolTip::setPalette(palette);
     QToolTip::setFont(Font{.size = textSize::callout}.resolved());
 }

@@ -1,4 +1,4 @@
-// What every window of the program has in common: dark, with one tint. Main thread.
+// The look that all windows share: dark, with one tint. Main thread.
 #pragma once
 
 class QColor;
@@ -7,11 +7,10 @@ class QWidget;
 
 namespace orlune::ui {
 
-/// Dark colours for `window` and all in it, text fields, menus and tool tips included; `tint` marks
-/// what is chosen and what has the focus.
+/// Dark colours for `window` and its content, including text fields, menus and tool tips; `tint`
+/// marks selection and focus.
 void applyDarkTheme(QWidget& window, const QColor& background, const QColor& tint);
-/// A menu is a window of its own: gives it the theme of the widget that it belongs to, a little
-/// lighter.
+/// A menu is a separate window: gives it the theme of its owner, slightly lighter.
 void adoptTheme(QMenu& menu);
 
 } // namespace orlune::ui

@@ -15,7 +15,7 @@ namespace {
 constexpr int boxSide = 16;
 constexpr int boxGap = 9;
 constexpr double boxRadius = 4.5;
-/// The box stands on the title's line.
+/// Aligns the box with the title's line.
 constexpr double boxTop = 1;
 
 } // namespace
@@ -30,7 +30,7 @@ Toggle::Toggle(const QString& title, const QString& caption)
     layout->setContentsMargins(boxSide + boxGap, 0, 0, 0);
     layout->addWidget(words_);
     words_->setAttribute(Qt::WA_TransparentForMouseEvents);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // no wider than what answers to a click
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // no wider than the clickable area
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     describe();

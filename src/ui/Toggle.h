@@ -1,5 +1,5 @@
-// A switch with its title, and a caption that says what it does. A check box to keyboard and
-// assistive technology; a click on the words counts too, and nothing beside them. Main thread.
+// A switch with its title, and a caption that explains it. A check box for keyboard and assistive
+// technology; a click on the words counts too, but not one next to them. Main thread.
 #pragma once
 
 #include "ui/FocusRing.h"

@@ -21,7 +21,7 @@ bool Visibility::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::Expose) {
-        // A minimised window stays visible in Qt's sense, and is no longer exposed.
+        // A minimised window stays visible for Qt, but is no longer exposed.
         const bool isSeen = view_.isVisible() && window_ && window_->isExposed();
         if (isSeen != std::exchange(isSeen_, isSeen)) {
             changed_(isSeen);

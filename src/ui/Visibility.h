@@ -1,5 +1,5 @@
-// Whether a view can be seen: it is shown, in a window that is not minimised. Main thread; a member
-// of the view.
+// Whether a view can be seen: it is shown, in a window that is not minimised. Main thread; to be
+// used as a member of the view.
 #pragma once
 
 #include <QObject>
@@ -14,7 +14,7 @@ namespace orlune::ui {
 
 class Visibility final : public QObject {
   public:
-    /// `changed` is called with the new answer. A view is not seen at first.
+    /// `changed` is called with the new answer. Initially the view counts as not seen.
     Visibility(QWidget& view, std::function<void(bool isSeen)> changed);
 
     bool isSeen() const { return isSeen_; }

@@ -9,8 +9,8 @@ namespace orlune::ui {
 
 namespace {
 
-/// A maximum width on the content itself would not do: Qt's layouts ask for the height at the
-/// width of the whole place, which is too small for a text that then wraps earlier.
+/// A maximum width of the content would not be enough: Qt's layouts request the height for the
+/// width of the whole place, which is too small for a text that wraps earlier.
 class LimitingLayout final : public QLayout {
   public:
     explicit LimitingLayout(int width) : width_(width) { setContentsMargins(0, 0, 0, 0); }
