@@ -13,7 +13,7 @@ namespace orlune {
 
 namespace {
 
-/// In levels of eight bits, with what lies between them.
+/// Colour components from 0 to 255, with fractions.
 struct Channels {
     float red;
     float green;
@@ -33,8 +33,8 @@ struct Glow {
     Channels color;
     float opacity;
 
-    /// How much of the colour there is at a point, 0 to 1. Without branches, so that compilers take
-    /// several points at a time.
+    /// The opacity of the colour at a point, 0 to 1. Without branches, so that compilers can
+    /// vectorise.
     float share(float x, float y) const {
         const float horizontal = x - centerX;
         const float vertical = y - centerY;
@@ -50,7 +50,7 @@ Channels blend(const Channels& below, const Channels& above, float share) {
             below.blue + share * (above.blue - below.blue)};
 }
 
-/// From 0 to 1, without a pattern that the eye would find.
+/// Random values from 0 to 1, without a visible pattern.
 float noise(int x, int y) {
     const auto fraction = [](float value) {
         return value - static_cast<float>(static_cast<int>(value));
@@ -65,8 +65,8 @@ QSize pixelSize(QSize size, double scale) {
             static_cast<int>(std::ceil(size.height() * scale))};
 }
 
-/// The glows are so faint that eight bits show them as rings. Rounding each pixel up or down by
-/// chance keeps them smooth.
+/// The glows are so faint that eight bits show them as rings. Rounding each pixel up or down at
+/// random keeps them smooth.
 QImage drawn(QSize size, double scale, bool active) {
     const Glow top{
         .centerX = 0,
@@ -84,7 +84,7 @@ QImage drawn(QSize size, double scale, bool active) {
         .color = channels(ui::rgb(0.22, 0.17, 0.26)),
         .opacity = 0.16f,
     };
-    // Of whole levels, so that it stays even where nothing glows.
+    // In whole levels, so that areas without a glow stay even.
     const QColor whole(OrlunePalette::background().rgb());
     const Channels background{static_cast<float>(whole.red()), static_cast<float>(whole.green()),
                               static_cast<float>(whole.blue())};

@@ -1,6 +1,6 @@
-// The background of the main window: dark, with a soft glow in two of its corners. It lies behind
-// the content, beside it rather than around it. Main thread. Its picture is made once for each size
-// and given back while it is hidden.
+// The background of the main window: dark, with a soft glow in two of its corners. It is placed
+// behind the content as a sibling, not as its parent. Main thread. Its picture is computed once per
+// size and freed while it is hidden.
 #pragma once
 
 #include <QImage>

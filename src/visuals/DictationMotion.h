@@ -1,5 +1,5 @@
-// What moves while a dictation runs: the meter while listening, the spinner while processing. Main
-// thread; the model outlives it.
+// The moving part of a running dictation: the meter while listening, the spinner while processing.
+// Main thread; the model must outlive it.
 #pragma once
 
 #include "core/WaveformState.h"

@@ -10,14 +10,14 @@ namespace orlune {
 
 namespace {
 
-/// A share from 0 to 1 in whole parts.
+/// A share from 0 to 1, in integer parts.
 constexpr std::uint32_t whole = 256;
 
 std::uint32_t parts(double share) {
     return static_cast<std::uint32_t>(std::lround(share * whole));
 }
 
-/// `to`, which is opaque, covers so many parts of what `from` shows. Two channels at a time.
+/// Blends `to`, which is opaque, over `from` with this share. Two channels at a time.
 QRgb mixed(QRgb from, QRgb to, std::uint32_t covered) {
     const auto twoChannels = [=](unsigned int shift) {
         constexpr std::uint32_t mask = 0x00FF00FF;
@@ -28,15 +28,15 @@ QRgb mixed(QRgb from, QRgb to, std::uint32_t covered) {
     return twoChannels(0) | twoChannels(8) << 8;
 }
 
-/// What a blur leaves of an edge at this distance: 0 far outside, 1 far inside, nearly as a
-/// Gaussian does.
+/// The intensity of a blurred edge at this distance: 0 far outside, 1 far inside, close to a
+/// Gaussian's.
 double blurredEdge(double distance, double deviation) {
     constexpr double reach = 2.2; // deviations
     const double share = std::clamp(0.5 + distance / (2 * reach * deviation), 0.0, 1.0);
     return share * share * (3 - 2 * share);
 }
 
-/// Mixes `color` into the pixels from `first` on, each by its own parts of `most`.
+/// Blends `color` into the pixels from `first` on, each with its own share of `most`.
 void mixRow(QRgb* first, std::span<const std::uint32_t> covered, std::uint32_t most, QRgb color) {
     for (const std::uint32_t share : covered) {
         *first = mixed(*first, color, share * most / whole);
@@ -50,7 +50,7 @@ void paintBar(QImage& image, const GlowingBar& bar) {
     const auto& rectangle = bar.rectangle;
     const QPointF center = rectangle.center();
     const double radius = rectangle.width() / 2;
-    const double straight = rectangle.height() / 2 - radius; // above and below the middle
+    const double straight = rectangle.height() / 2 - radius; // above and below the centre
     const double deviation = bar.glowRadius / 2;
     const double reach = std::max(1.5 * bar.glowRadius, 1.0);
     const QRect touched =

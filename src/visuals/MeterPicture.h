@@ -1,5 +1,5 @@
-// The bars of the live meter, computed pixel by pixel: at this size, and tens of times a second, a
-// fraction of what filling their paths with gradients and blurring their glow costs. Any thread.
+// Computes the bars of the live meter pixel by pixel. At this size, and tens of times a second,
+// this costs a fraction of filling their paths with gradients and blurring their glow. Any thread.
 #pragma once
 
 #include <QColor>
@@ -17,7 +17,8 @@ struct GlowingBar {
     QColor glow;
 };
 
-/// Paints over what `image` holds, which is premultiplied ARGB. What lies outside of it is cut.
+/// Paints over the contents of `image`, which is premultiplied ARGB. What lies outside of it is
+/// clipped.
 void paintBar(QImage& image, const GlowingBar& bar);
 
 } // namespace orlune

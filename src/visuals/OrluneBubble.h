@@ -1,4 +1,4 @@
-// A speech bubble with its tail below, left of the middle. A pure function.
+// A speech bubble with its tail below, left of the centre. A pure function.
 #pragma once
 
 #include <QPainterPath>
@@ -7,7 +7,7 @@
 namespace orlune {
 
 struct OrluneBubble {
-    /// Stretched to `rectangle`: a wide one gives a wide bubble.
+    /// Stretched to `rectangle`.
     static QPainterPath path(const QRectF& rectangle);
 };
 

@@ -1,4 +1,4 @@
-// The program's mark: a voice inside a speech bubble on a dark tile. Main thread.
+// The program's mark: a waveform inside a speech bubble on a dark tile. Main thread.
 #pragma once
 
 #include <QPainterPath>
@@ -17,15 +17,15 @@ class OrluneMark final : public QWidget {
         double barSpacing;
         double barWidth;
         std::array<double, 5> barHeights;
-        double barLift; ///< how far the bars stand above the middle
+        double barLift; ///< the distance of the bars above the centre
         double rimWidth;
     };
 
     /// All in points, for a mark of `size` points.
     static Measures measures(double size);
-    /// The edge of the tile that fills `square`, for shadows.
+    /// The outline of the tile that fills `square`, for shadows.
     static QPainterPath outline(const QRectF& square);
-    /// Also for icons; the rim's line lies inside of `square`.
+    /// Also for icons; the rim's line lies inside `square`.
     static void paint(QPainter& painter, const QRectF& square);
 
     /// A square of `size` points.

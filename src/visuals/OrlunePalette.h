@@ -1,4 +1,5 @@
-// The program's colours. Each is made on first use and lives as long as the process. Main thread.
+// The program's colours. Each is created on first use and lives as long as the process. Main
+// thread.
 #pragma once
 
 #include <QColor>

@@ -47,7 +47,7 @@ QPen pen(const QBrush& brush, double width, Qt::PenCapStyle cap) {
 }
 
 QPainterPath arc(double diameter) {
-    // Qt counts angles against the clock.
+    // Qt counts angles counter-clockwise.
     const QRectF bounds(-diameter / 2, -diameter / 2, diameter, diameter);
     QPainterPath path;
     path.arcMoveTo(bounds, -arcStart * fullTurn);
@@ -71,7 +71,7 @@ double ProcessingGlow::rotation(double seconds) {
 
 ProcessingGlow::ProcessingGlow(double size, const DisplayOptions& displayOptions)
     : size_(size), displayOptions_(displayOptions),
-      // A shadow's blur has half its radius as standard deviation.
+      // The standard deviation of a shadow is half its radius.
       core_(ui::withOpacity(OrlunePalette::accent(), coreOpacity), 2 * coreBlur, QPointF()),
       frames_(*this, [this] { update(); }), observation_(*this, [this] {
           frames_.setWanted(!displayOptions_.shouldReduceMotion());

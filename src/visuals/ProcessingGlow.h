@@ -1,5 +1,6 @@
-// The spinner: an arc that turns round a soft core. Main thread. It moves only while it can be seen
-// and the user wants movement; otherwise no timer runs and the arc stands at its starting angle.
+// The spinner: an arc that turns around a soft core. Main thread. It moves only while it can be
+// seen and the user wants movement; otherwise no timer runs and the arc stays at its starting
+// angle.
 #pragma once
 
 #include "platform/DisplayOptions.h"
@@ -13,8 +14,8 @@ namespace orlune {
 
 class ProcessingGlow final : public QWidget {
   public:
-    /// The ring's line lies on the edge of the circle of `size` points, so that half of it is
-    /// outside: the widget is this many points larger on each side.
+    /// The ring's line is centred on the circle of `size` points, so half of it lies outside: the
+    /// widget is this many points larger on each side.
     static constexpr int overflow = 2;
 
     /// Degrees clockwise, 0 to 360.

@@ -48,8 +48,8 @@ VoiceWaveform::VoiceWaveform(const WaveformState& model, double size,
                              const DisplayOptions& displayOptions)
     : size_(size), displayOptions_(displayOptions), frame_(model.frame()),
       observation_(*this, [this] { showBars(); }),
-      // At once: a frame comes with each delivery of sound, and waiting for another turn of the
-      // loop costs as much as painting it.
+      // Painted at once: a frame arrives with each audio delivery, and another turn of the loop
+      // costs as much as painting it.
       frames_(model.frame().subscribe([this](const WaveformState::Frame& frame) {
           frame_ = frame;
           showBars();
@@ -79,8 +79,8 @@ void VoiceWaveform::showBars() {
     }
 }
 
-/// Straight into the window's picture, and from there to the screen: finding out what else has to
-/// be painted costs more than the bars. False when there is something else.
+/// Paints directly into the window's picture and from there to the screen: finding out what else to
+/// repaint costs more than the bars. False when something else must be repainted.
 bool VoiceWaveform::showsBarsAlone() {
     auto* const store = window()->backingStore();
     auto* const handle = window()->windowHandle();
@@ -109,7 +109,7 @@ void VoiceWaveform::paintEvent(QPaintEvent* /*event*/) {
 void VoiceWaveform::paint(QPainter& painter, const QColor& background) {
     painted_ = bars();
     const QTransform toPixels = painter.deviceTransform();
-    // The meter may begin within a pixel of the screen; its picture does not.
+    // The meter may begin within a device pixel; its picture may not.
     const QRect pixels = toPixels.mapRect(QRectF(rect())).toAlignedRect();
     QImage picture(pixels.size(), QImage::Format_ARGB32_Premultiplied);
     if (background.isValid()) {

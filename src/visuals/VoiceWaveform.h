@@ -1,6 +1,6 @@
-// The live level meter: five bars that rise with the voice and ripple while somebody speaks. Reads
-// a WaveformState that outlives it, on the main thread. It is painted again only when a published
-// frame changes the bars and the meter can be seen; where its background is known, nothing else is
+// The live level meter: five bars that rise with the voice and ripple during speech. Reads a
+// WaveformState, which must outlive it, on the main thread. It is repainted only when a published
+// frame changes the bars and the meter can be seen; with a known background, nothing else is
 // painted with it.
 #pragma once
 
@@ -27,15 +27,15 @@ class VoiceWaveform final : public QWidget {
         bool operator==(const Bar&) const = default;
     };
 
-    /// `weight`: how far the bar rises, 0 to 1. `phaseOffset`: where in the ripple it stands,
-    /// radians. With `reduceMotion` it follows the voice without the jump at each syllable.
+    /// `weight`: how far the bar rises, 0 to 1. `phaseOffset`: its position in the ripple, radians.
+    /// With `reduceMotion` it follows the voice without the jump at each syllable.
     static Bar bar(double weight, double phaseOffset, const WaveformState::Frame& frame,
                    double size, bool reduceMotion);
 
     /// A square of `size` points.
     VoiceWaveform(const WaveformState& model, double size, const DisplayOptions& displayOptions);
 
-    /// What everything behind the meter adds up to, the same in all of its square.
+    /// The resulting colour of everything behind the meter, uniform over its square.
     void setBackground(const QColor& background) { background_ = background; }
 
   protected:
@@ -47,13 +47,13 @@ class VoiceWaveform final : public QWidget {
     std::array<Bar, barCount> bars() const;
     void showBars();
     bool showsBarsAlone();
-    /// Over what is there, or where it is known, over nothing but that.
+    /// Paints over what is there, or over `background` if it is valid.
     void paint(QPainter& painter, const QColor& background);
     void paintBars(QImage& picture, const QTransform& toPixels) const;
 
     double size_;
     const DisplayOptions& displayOptions_;
-    QColor background_; ///< invalid where it is not known
+    QColor background_; ///< invalid when unknown
     WaveformState::Frame frame_;
     std::array<Bar, barCount> painted_;
     ui::Observation observation_;
