@@ -11,7 +11,7 @@ namespace orlune {
 
 namespace {
 
-/// Dense enough to be read over white where nothing behind it is blurred.
+/// Dense enough to stay readable over white where nothing behind it is blurred.
 constexpr double density = 0.88;
 
 } // namespace
@@ -41,8 +41,8 @@ QPainterPath GlassCapsule::outline() const {
     return ui::capsule(QRectF(rect()).adjusted(margin_, margin_, -margin_, -margin_));
 }
 
-/// Cut out under the glass, through which it would show, and running out towards the window's
-/// edge, which is nearer than the shadow reaches.
+/// The shadow is cut out under the glass, through which it would show. It fades out towards the
+/// window's edge, which is closer than the shadow would reach.
 const QImage& GlassCapsule::shadow() {
     const double scale = devicePixelRatioF();
     const QSize pixels = (QSizeF(size()) * scale).toSize();

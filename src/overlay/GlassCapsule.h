@@ -1,5 +1,5 @@
 // The background of the overlay: a capsule of dark glass behind its content, with a soft shadow.
-// Where windows cannot be translucent it is opaque and casts none. Main thread.
+// Where windows cannot be translucent it is opaque and has no shadow. Main thread.
 #pragma once
 
 #include <QColor>
@@ -11,12 +11,12 @@ namespace orlune {
 
 class GlassCapsule final : public QWidget {
   public:
-    /// `content` with `margin` points around the capsule for the shadow.
+    /// `margin` is the room for the shadow around the capsule, in points.
     GlassCapsule(QWidget* content, int margin);
 
-    /// The glass where nothing shines through.
+    /// The colour of the glass when it is opaque.
     static QColor opaqueGlass();
-    /// The glass inside the capsule's edge.
+    /// The colour of the glass inside the capsule's edge.
     QColor glass() const;
 
     void setTranslucent(bool isTranslucent);
@@ -31,7 +31,7 @@ class GlassCapsule final : public QWidget {
 
     int margin_;
     bool isTranslucent_ = true;
-    QImage shadow_; ///< for the present size and scale
+    QImage shadow_; ///< for the current size and scale
 };
 
 } // namespace orlune

@@ -63,7 +63,7 @@ class IntentSection final : public QWidget {
     ui::Text* text_;
 };
 
-/// A dot that stands on the first line of `text`, as a letter does.
+/// A dot aligned with the first line of `text`, like a letter.
 QWidget* bullet(const ui::Text& text) {
     constexpr int diameter = 4;
     auto* dot =
@@ -162,7 +162,7 @@ QWidget* IntentCheckView::gapBox(const std::string& gap) {
 }
 
 QWidget* IntentCheckView::footer(const QString& shortcut, const QString& shortcutHint) {
-    // Beside a shortcut of many keys it wraps.
+    // Wraps when the shortcut has many keys.
     auto* promise = new ui::Text(
         QStringLiteral("Nothing is inserted until you confirm"),
         {.font = {.size = 10.5}, .color = ui::color(ui::Style::tertiary), .lineLimit = 2});
@@ -178,7 +178,7 @@ QWidget* IntentCheckView::footer(const QString& shortcut, const QString& shortcu
 void IntentCheckView::fit(int height) {
     const int room = height - 2 * cardMargin;
     const auto isTooTall = [this, room] {
-        // A part's holders keep its old height until an event that has not come yet.
+        // The holders of a part keep its old height until an event that has not arrived yet.
         for (auto* holder : card_->findChildren<QWidget*>()) {
             holder->updateGeometry();
         }

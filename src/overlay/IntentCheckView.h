@@ -1,5 +1,6 @@
 // The card that shows what was understood, before anything is inserted: goal, requirements and
-// possible gap. It only shows; keys are heard elsewhere. Made anew for each check. Main thread.
+// possible gap. It only displays; keys are handled elsewhere. Made anew for each check. Main
+// thread.
 #pragma once
 
 #include "core/IntentCheck.h"
@@ -17,15 +18,17 @@ class Text;
 
 class IntentCheckView final : public QWidget {
   public:
-    /// `shortcut` is the name of the keys that confirm; a screen reader adds where they are.
+    /// `shortcut` names the keys that confirm; for screen readers it is followed by where these
+    /// keys are.
     IntentCheckView(const IntentCheck& check, const QString& shortcut,
                     const QString& shortcutHint = {});
 
-    /// Keeps header and footer in view in a panel of this height, in points: a content that is too
-    /// tall moves together, then shows fewer lines of its texts, the least weighty ones first.
+    /// Keeps header and footer visible in a panel of this height, in points: if the content is too
+    /// tall, it moves closer together first, then shows fewer lines of its texts, the least
+    /// important ones first.
     void fit(int height);
 
-    /// The card's, in this widget's coordinates.
+    /// The outline of the card, in this widget's coordinates.
     QPainterPath outline() const;
 
   protected:
@@ -42,7 +45,7 @@ class IntentCheckView final : public QWidget {
     QWidget* card_;
     QWidget* content_ = nullptr;
     QWidget* sections_ = nullptr;
-    QWidget* list_ = nullptr; ///< of requirements, where there are any
+    QWidget* list_ = nullptr; ///< of requirements; null without any
     ui::Text* goal_ = nullptr;
     std::vector<ui::Text*> requirements_;
     ui::Text* gap_ = nullptr;

@@ -11,7 +11,7 @@
 namespace orlune {
 
 OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& platform)
-    // No window manager may place it, frame it or lower it under a full-screen window.
+    // Keeps window managers from placing, framing or lowering it under a full-screen window.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint
                            | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus
                            | Qt::WindowTransparentForInput),
@@ -24,11 +24,13 @@ OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& plat
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content_);
     setFixedSize(OverlayView::compactSize);
-    // What an opaque window shows under content that fades, and where it is cut along whole pixels.
+    // The background of an opaque window, visible behind fading content and along the pixelated
+    // edge.
     setPalette(QPalette(GlassCapsule::opaqueGlass()));
     setAttribute(Qt::WA_TranslucentBackground, windowServer_.isCompositing().get());
     subscriptions_.push_back(windowServer_.isCompositing().subscribe([this](bool isCompositing) {
-        // Announced before it is stored, and a window cannot change its depth.
+        // Deferred: the change is announced before it is stored, and a window cannot change its
+        // depth.
         QMetaObject::invokeMethod(
             this, [this, isCompositing] { setTranslucent(isCompositing); }, Qt::QueuedConnection);
     }));
@@ -45,9 +47,9 @@ void OverlayPanel::setTranslucent(bool isTranslucent) {
     }
     const bool wasVisible = isVisible();
     hide();
-    destroy(); // a window keeps the depth it was made with
+    destroy(); // a window keeps the depth it was created with
     setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
-    setAttribute(Qt::WA_NoSystemBackground, isTranslucent); // Qt sets it, but never takes it back
+    setAttribute(Qt::WA_NoSystemBackground, isTranslucent); // Qt sets it, but never resets it
     if (wasVisible) {
         orderFront();
     }

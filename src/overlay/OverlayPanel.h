@@ -1,6 +1,6 @@
-// The overlay's window: without a frame, above everything on every workspace, transparent to the
-// pointer and never focused. Where the desktop composites it is translucent, elsewhere opaque and
-// cut to the outline of its content. Main thread.
+// The overlay's window: frameless, above everything on every workspace, transparent to the pointer
+// and never focused. It is translucent where the desktop composites it, elsewhere opaque and cut to
+// the outline of its content. Main thread.
 #pragma once
 
 #include "overlay/OverlayView.h"
@@ -19,14 +19,14 @@ class OverlayPanel final : public QWidget {
 
     OverlayView& content() { return *content_; }
 
-    /// Above all other windows, whichever program is active.
+    /// Places it above all other windows, whichever program is active.
     void orderFront();
-    /// Off the screen; the window and its picture are made anew for the next dictation.
+    /// Hides it; the window and its picture are made anew for the next dictation.
     void orderOut();
 
   private:
     void setTranslucent(bool isTranslucent);
-    /// Cuts the window, or the blur behind it, to what is shown.
+    /// Fits the window's shape, or the blur behind it, to the content.
     void updateOutline();
 
     WindowServer& windowServer_;

@@ -17,7 +17,7 @@ namespace orlune {
 
 namespace {
 
-/// How one phase gives way to the next.
+/// The transition from one phase to the next.
 constexpr ui::Spring phaseSpring(/*response=*/0.24, /*dampingFraction=*/1.0);
 
 } // namespace
@@ -93,7 +93,7 @@ void OverlayView::refresh() {
     const bool isNewPhase = shownPhase_ != phase;
     const auto showPage = [&] { check ? showCard(*check) : showCapsule(); };
     if (!shownPhase_ || (!check && intentCheck_)) {
-        content_->settle(); // the panel is smaller than a card by now, which would fade in pieces
+        content_->settle(); // the panel is already smaller than a fading card
         showPage();
     } else if (check && (isNewPhase || shownShortcut_ != shortcut)) {
         content_->change(phaseSpring, showPage);
@@ -131,8 +131,7 @@ void OverlayView::updateCapsule() {
     const auto status = QString::fromStdString(state_->statusMessage());
     status_->setText(status);
     detail_->setText(QString::fromStdString(detail(*state_)));
-    // Which keys to press is read to its end; of what was said or went wrong the beginning is
-    // enough.
+    // A hint that names keys must be readable to its end; for other texts the beginning is enough.
     constexpr double smallestHint = 0.7;
     detail_->setMinimumScale(phase == AppState::Phase::Case::listening ? smallestHint : 1);
     ui::combineForAccessibility(*compactOverlay_, status);

@@ -1,6 +1,6 @@
-// What the floating panel shows: the card of the intent check while one is reviewed, and in every
-// other phase a capsule with the phase's icon, the status and one line of detail. It keeps nothing
-// of its own; it reads the state. Main thread.
+// The content of the floating panel: the card of the intent check during a review, and in every
+// other phase a capsule with the phase's icon, the status and one line of detail. It has no state
+// of its own; it reads the program's state. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -35,12 +35,12 @@ class OverlayView final : public QWidget {
 
     /// The second line of the capsule.
     static std::string detail(const AppState& state);
-    /// What was said, else why it failed, else that all is ready.
+    /// The transcript, or else why it failed, or else that the program is ready.
     static std::string summary(const AppState& state);
 
-    /// The edge of what is shown, for a panel that cannot be translucent.
+    /// The outline of the content, for a panel that cannot be translucent.
     QPainterPath outline() const;
-    /// Shows the state as it is now, instead of in the next turn.
+    /// Shows the current state now, instead of in the next turn.
     void refresh();
 
   private:
@@ -60,9 +60,9 @@ class OverlayView final : public QWidget {
     PhaseIcon* phaseIcon_ = nullptr;
     ui::Text* status_ = nullptr;
     ui::Text* detail_ = nullptr;
-    IntentCheckView* intentCheck_ = nullptr; ///< while one is reviewed
+    IntentCheckView* intentCheck_ = nullptr; ///< during a review
 
-    /// What is shown at present.
+    /// The phase that is shown now.
     std::optional<AppState::Phase> shownPhase_;
     std::string shownShortcut_;
 

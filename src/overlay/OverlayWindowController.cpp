@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Between the panel's lower edge and that of the usable area.
+/// The distance between the lower edges of the panel and the usable area.
 constexpr double restingHeight = 28;
 
 constexpr auto showDuration = 160ms;
@@ -47,7 +47,7 @@ OverlayWindowController::OverlayWindowController(std::shared_ptr<AppState> state
     panel_->setWindowOpacity(0);
     const auto deliver = [main = platform.mainActor.executor(),
                           controller = QPointer(this)](const AppState::Phase& phase) {
-        // In a later turn: by then the phase is stored.
+        // In a later turn, when the phase is stored.
         boost::asio::post(main, [controller, phase] {
             if (controller) {
                 controller->receive(phase);
@@ -107,7 +107,7 @@ void OverlayWindowController::hide() {
     }
     positionPanel(sinksTo, /*animated=*/true);
     animate(hideDuration, ui::easeIn(), /*opacity=*/0);
-    // Whatever phase has been reached by then.
+    // Hides the panel whatever phase was reached meanwhile.
     QTimer::singleShot(hideDuration, panel_.get(), [panel = panel_.get()] { panel->orderOut(); });
 }
 

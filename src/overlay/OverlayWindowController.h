@@ -1,6 +1,6 @@
 // Owns the small floating panel that shows a dictation above every other program: shows, hides,
 // sizes and places it as the phase changes. The panel takes neither focus nor clicks. Main thread;
-// made once the application runs, and ends before the platform.
+// created while the application runs, and must be destroyed before the platform.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -36,14 +36,14 @@ class OverlayWindowController final : public QObject {
 
     Screens& screens_;
     std::unique_ptr<OverlayPanel> panel_;
-    /// What an animated change leads to.
+    /// The end state of a running animation.
     QPoint targetOrigin_;
     ui::Animation animation_;
     Subscription cancellable_;
 };
 
-/// Where a panel of this size belongs, as the origin of its upper left corner: centred on the
-/// screen under the pointer, `offset` points above its resting place. None without a screen.
+/// The place of a panel of this size, as the origin of its upper left corner: centred on the screen
+/// under the pointer, `offset` points above its resting place. None without a screen.
 std::optional<Point> panelOrigin(Screens& screens, QSize panel, double offset);
 
 } // namespace orlune

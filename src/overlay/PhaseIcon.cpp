@@ -21,7 +21,7 @@ namespace {
 
 constexpr QSize iconSize{PhaseIcon::side, PhaseIcon::side};
 
-/// The check mark on its badge, which bounces for as long as it is shown.
+/// A badge with a check mark, which bounces while it is shown.
 class SuccessBadge final : public QWidget {
   public:
     explicit SuccessBadge(const DisplayOptions& displayOptions)
@@ -42,7 +42,7 @@ class SuccessBadge final : public QWidget {
         ui::paintSurface(painter, rect(),
                          {.shape = ui::Shape::capsule(),
                           .fill = ui::withOpacity(OrlunePalette::success(), 0.14)});
-        // Drawn larger than it is shown, so that it stays sharp at the top of its bounce.
+        // Drawn larger than shown, so that it stays sharp at the top of its bounce.
         const double scale = 1 + (frames_.isRunning() ? swing(clock_.elapsed()) : 0);
         const auto mark = ui::symbolPixmap(QStringLiteral("checkmark"), fontSize, ui::Weight::bold,
                                            OrlunePalette::success(), devicePixelRatioF() * highest);
@@ -57,7 +57,7 @@ class SuccessBadge final : public QWidget {
     static constexpr double fontSize = 14;
     static constexpr double highest = 1.14;
 
-    /// A hop of half a second and a rest of as much, again and again.
+    /// A hop of half a second, then half a second of rest, repeated.
     static double swing(qint64 milliseconds) {
         constexpr double period = 1000;
         constexpr double hop = 500;
@@ -79,7 +79,7 @@ PhaseIcon::PhaseIcon(const WaveformState& waveform, const DisplayOptions& displa
     const auto add = [this](AppState::Phase::Case phase, QWidget* icon) {
         insertWidget(static_cast<int>(phase), ui::framed(icon, iconSize));
     };
-    // In the order of the phases, which number the pages.
+    // In the order of the phases, whose values number the pages.
     using enum AppState::Phase::Case;
     add(idle, new ui::Symbol(QStringLiteral("waveform"), {.size = ui::textSize::body}));
     add(listening, waveform_);

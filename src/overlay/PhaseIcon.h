@@ -1,5 +1,5 @@
 // The icon at the left of the overlay's capsule: the waveform while listening, the glow while
-// processing, a badge for the outcome. Only the one that is shown moves. Main thread.
+// processing, a badge for the outcome. Only the visible one moves. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -19,7 +19,7 @@ class PhaseIcon final : public QStackedWidget {
     PhaseIcon(const WaveformState& waveform, const DisplayOptions& displayOptions);
 
     void setPhase(AppState::Phase::Case phase);
-    /// What is behind the icon, everywhere the same.
+    /// The colour behind the icon, which must be uniform.
     void setBackground(const QColor& background);
 
   private:

@@ -31,7 +31,7 @@ ShortcutHint::ShortcutHint(const QString& key, const QString& action, const QStr
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(ui::row({.spacing = 7}, {keyCap(key), explanation}));
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred); // a key cut short tells nothing
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred); // a key name must not be cut
     QStringList words{key, action};
     if (!place.isEmpty()) {
         words.insert(1, place);

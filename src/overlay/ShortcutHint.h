@@ -7,7 +7,7 @@ namespace orlune {
 
 class ShortcutHint final : public QWidget {
   public:
-    /// `place` says where the key is, to assistive technology alone; the panel takes no pointer.
+    /// `place` says where the key is, only for assistive technology; the panel takes no pointer.
     ShortcutHint(const QString& key, const QString& action, const QString& place = {});
 };
 
