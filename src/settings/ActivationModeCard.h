@@ -1,5 +1,5 @@
-// One activation mode as a card to choose. A radio button to keyboard and assistive technology: the
-// cards beside each other are one group. Main thread.
+// One activation mode as a selectable card. A radio button for keyboard and assistive technology;
+// adjacent cards form one group. Main thread.
 #pragma once
 
 #include "core/ActivationMode.h"
@@ -19,12 +19,12 @@ class Symbol;
 
 class ActivationModeCard final : public QRadioButton {
   public:
-    /// Under the pointer the card grows beyond its edge: the widget is this many points larger on
-    /// each side.
+    /// Under the pointer the card grows by this many points on each side, so the widget is that
+    /// much larger.
     static constexpr int overflow = 2;
     static constexpr int minimumHeight = 108;
 
-    /// `action` is called when the user chooses the card, also when it is chosen already.
+    /// `action` is called when the user selects the card, even when it is already selected.
     ActivationModeCard(ActivationMode mode, std::function<void()> action);
     ~ActivationModeCard() override;
 
@@ -45,7 +45,7 @@ class ActivationModeCard final : public QRadioButton {
     void scaleTo(double scale);
 
     ui::Symbol* mark_ = nullptr;
-    /// Painted by the card, at its scale, and never shown by itself.
+    /// Painted by the card, at its scale; never shown itself.
     std::unique_ptr<QWidget> content_;
     double scale_ = 1;
     ui::FocusRing focusRing_{*this};

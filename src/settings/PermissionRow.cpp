@@ -36,7 +36,7 @@ void PermissionRow::setGranted(bool isGranted) {
                                : QStringLiteral("circle.dashed"));
     symbol_->setColor(isGranted ? OrlunePalette::success() : ui::color(ui::Style::secondary));
     if (isGranted && allow_->hasFocus()) {
-        texts_->setFocus(); // or it would move to another control, and the page to that
+        texts_->setFocus(); // else another control gets the focus, and the page scrolls to it
     }
     allow_->setVisible(!isGranted);
     ui::combineForAccessibility(

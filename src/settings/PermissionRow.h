@@ -1,5 +1,5 @@
-// One permission: what it is for, whether it is granted, and a button to ask for it while it is
-// not. Main thread.
+// One permission: its purpose, whether it is granted, and a button to request it if not. Main
+// thread.
 #pragma once
 
 #include <QString>
@@ -16,7 +16,7 @@ class Symbol;
 
 class PermissionRow final : public QWidget {
   public:
-    /// Not granted at first. `action` is called by the button.
+    /// Initially not granted. `action` is called by the button.
     PermissionRow(const QString& title, const QString& detail, std::function<void()> action);
 
     void setGranted(bool isGranted);

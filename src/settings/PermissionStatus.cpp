@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto pollingInterval = 1s;
-/// What the user grants in the prompt itself takes a moment.
+/// The user needs a moment to grant it in the prompt.
 constexpr auto rereadingDelay = 500ms;
 
 void change(Published<bool>& property, bool value) {
@@ -47,7 +47,7 @@ PermissionStatus::PermissionStatus(QWidget& view, const Platform& platform)
       readings_(std::make_shared<Readings>(captureAuthorization_, accessibility_)),
       visibility_(view, [this](bool /*isSeen*/) { updatePolling(); }) {
     view.installEventFilter(this);
-    // The user may come back from granting something elsewhere.
+    // The user may return from granting a permission elsewhere.
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) {
                 if (state == Qt::ApplicationActive && visibility_.isSeen()) {
@@ -71,7 +71,7 @@ const Published<bool>& PermissionStatus::accessibilityGranted() const {
 
 bool PermissionStatus::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Show) {
-        refresh(); // before the view is painted for the first time
+        refresh(); // before the view is first painted
     }
     return QObject::eventFilter(watched, event);
 }
@@ -80,7 +80,7 @@ void PermissionStatus::refresh() {
     readings_->read();
     if (captureAuthorization_.authorizationStatus()
         == CaptureAuthorization::Status::notDetermined) {
-        requestMicrophone(); // the first answer is on its way
+        requestMicrophone(); // requests the first answer
     }
 }
 

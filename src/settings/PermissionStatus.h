@@ -1,7 +1,7 @@
-// The two permissions that a view shows, as last read: microphone and Accessibility. Read whenever
-// the view appears, when the program becomes active, on request, and each second while polling is
-// wanted and the view can be seen; otherwise nothing wakes up. Main actor; a member of the view.
-// Nothing here fails.
+// The two permissions that a view shows, as last read: microphone and Accessibility. They are read
+// whenever the view appears, when the program becomes active, on request, and each second while
+// polling is enabled and the view can be seen; otherwise nothing wakes up. Main actor; a member of
+// the view. Nothing here fails.
 #pragma once
 
 #include "platform/Platform.h"
@@ -20,16 +20,16 @@ class PermissionStatus final : public QObject {
     PermissionStatus(QWidget& view, const Platform& platform);
     ~PermissionStatus() override;
 
-    // Each changes only when what is read differs. Both are false at first.
+    // Announced only when the value differs. Both are false at first.
     const Published<bool>& microphoneGranted() const;
     const Published<bool>& accessibilityGranted() const;
 
     void refresh();
     void setPolling(bool isWanted);
 
-    /// Asks for the microphone; the answer is shown when it comes.
+    /// Requests the microphone; the answer is shown when it arrives.
     void requestMicrophone();
-    /// Has the user told how to grant Accessibility, and reads it again half a second later.
+    /// Shows the user how to grant Accessibility, and reads it again half a second later.
     void requestAccessibility();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -43,7 +43,7 @@ class PermissionStatus final : public QObject {
     Clock& clock_;
     CaptureAuthorization& captureAuthorization_;
     Accessibility& accessibility_;
-    /// Answers that come late find it gone.
+    /// Late answers find it destroyed.
     const std::shared_ptr<Readings> readings_;
     bool isPollingWanted_ = false;
     Task polling_;

@@ -10,7 +10,7 @@ namespace orlune {
 
 class SettingsPanel final : public QWidget {
   public:
-    /// A part of a panel, which may reach beyond its place into the panel's padding.
+    /// A part of a panel, which may extend into the panel's padding.
     struct Content {
         Content(QWidget* part, int beyond = 0) // NOLINT(google-explicit-constructor): reads as list
             : widget(part), overflow(beyond) {}

@@ -92,7 +92,7 @@ QWidget* SettingsView::activationPanel(const Platform& platform) {
             mode, [state = state_, mode] { state->setActivationMode(mode); }));
         ui::append(cards, cards_.back());
     }
-    // The recorder may end its recording while this view is being taken down.
+    // The recorder may end its recording while this view is being destroyed.
     recorder_ = new ShortcutRecorderControl(
         state_->shortcut(),
         {.onCaptureStateChange =
@@ -197,7 +197,7 @@ void SettingsView::removeAPIKey() {
 }
 
 void SettingsView::clearEntry() {
-    // A button that can no longer be pressed would give the focus to whatever comes next.
+    // A button that is disabled would pass the focus to the next control.
     if (saveKey_->hasFocus() || removeKey_->hasFocus()) {
         deepgramAPIKey_->setFocus();
     }

@@ -1,6 +1,6 @@
 // The page of the settings: how a dictation is started, what is switched on, the API key and the
-// permissions. It has no settings of its own: it shows and writes those of the state, which stores
-// them. Main thread. What the keyring refuses is said under the entry.
+// permissions. It stores no settings: it shows and changes those of the state, which stores them.
+// Main thread. Errors of the keyring are shown under the entry.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -33,7 +33,7 @@ class SettingsView final : public QWidget {
     SettingsView(std::shared_ptr<AppState> state, const Platform& platform);
     ~SettingsView() override;
 
-    /// Forgets what was entered and not saved.
+    /// Clears an entry that was not saved.
     void discardEntry();
 
   private:
@@ -53,7 +53,7 @@ class SettingsView final : public QWidget {
     const KeychainStore keychain_;
     PermissionStatus permissions_;
 
-    std::vector<ActivationModeCard*> cards_; ///< one for each mode, in their order
+    std::vector<ActivationModeCard*> cards_; ///< one per mode, in the order of the modes
     ShortcutRecorderControl* recorder_ = nullptr;
     ui::Toggle* isEnabled_ = nullptr;
     ui::Toggle* intentCheck_ = nullptr;
@@ -64,7 +64,7 @@ class SettingsView final : public QWidget {
     PermissionRow* microphone_ = nullptr;
     PermissionRow* accessibility_ = nullptr;
 
-    /// What came of the last save or removal; none before the first.
+    /// The result of the last save or removal; none before the first.
     std::optional<QString> keyMessage_;
 
     ui::Observation observation_;

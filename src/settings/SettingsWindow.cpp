@@ -22,13 +22,14 @@ SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& 
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(view_);
-    // By name: the standard key to close with is another one on desktops that Qt does not know.
+    // Explicit keys, because Qt's standard key for closing differs on desktops that Qt does not
+    // know.
     for (const QKeyCombination keys :
          {QKeyCombination(Qt::Key_Escape), QKeyCombination(Qt::ControlModifier, Qt::Key_W)}) {
         connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this,
                 &QWidget::close);
     }
-    // Nothing is marked as focused before the user goes somewhere with the keyboard.
+    // No control shows the focus before the user has moved it with the keyboard.
     setFocus();
 }
 

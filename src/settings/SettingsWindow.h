@@ -1,6 +1,6 @@
-// The window of the settings: as large as its page, dark, closed by Control-W, and by Escape where
-// the dictation keys are not watched, which take it otherwise. Closing hides it and forgets a key
-// that was entered and not saved. Main thread.
+// The window of the settings: as large as its page, dark. Control-W closes it, and so does Escape,
+// unless the monitor of the dictation keys takes it. Closing hides it and clears an entered key
+// that was not saved. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -17,7 +17,7 @@ class SettingsWindow final : public QWidget {
   public:
     SettingsWindow(std::shared_ptr<AppState> state, const Platform& platform);
 
-    /// Shows it, in front of the others and with the keyboard.
+    /// Shows it in front of the others, with the keyboard focus.
     void present();
 
   protected:

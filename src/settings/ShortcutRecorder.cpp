@@ -43,7 +43,7 @@ ShortcutRecorder::Answer ShortcutRecorder::receiveKeyDown(const KeyEvent& event)
     }
     const auto modifiers = DictationShortcut::Modifiers::from(event.modifierFlags);
     if (modifiers.isEmpty()) {
-        return event.isARepeat ? Answer::waiting : Answer::refused; // refused once is enough
+        return event.isARepeat ? Answer::waiting : Answer::refused; // one refusal is enough
     }
     return capture({.keyCode = event.keyCode, .modifiers = modifiers});
 }

@@ -1,4 +1,4 @@
-// Turns keys into a new dictation shortcut: the rules of recording, without a window. A value; main
+// The rules of recording: turns keys into a new dictation shortcut, without a window. A value; main
 // thread.
 #pragma once
 
@@ -12,20 +12,20 @@ namespace orlune {
 class ShortcutRecorder {
   public:
     enum class Answer {
-        ignored,   ///< not for the recorder: whoever else is there may have it
-        waiting,   ///< taken, and nothing is decided yet
+        ignored,   ///< not for the recorder; others may have it
+        waiting,   ///< taken, but nothing is decided yet
         refused,   ///< a key without a modifier; the recording goes on
         cancelled, ///< the recording has ended without a shortcut
         captured,  ///< the recording has ended with `shortcut()`
     };
 
     bool isRecording() const { return isRecording_; }
-    /// What was captured last.
+    /// The last captured shortcut.
     const std::optional<DictationShortcut>& shortcut() const { return shortcut_; }
 
-    /// Arms it; when it is armed already, it starts anew.
+    /// Arms it; restarts when it is already armed.
     void begin();
-    /// False when nothing was being recorded.
+    /// False when it was not recording.
     bool cancel();
     Answer receive(const KeyEvent& event);
 

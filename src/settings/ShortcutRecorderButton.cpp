@@ -23,7 +23,7 @@ ShortcutRecorderButton::ShortcutRecorderButton(KeyEvents& keyEvents, Sound& soun
           {},
           {.style = ui::ButtonStyle::bordered, .size = ui::ControlSize::large, .font = titleFont}),
       keyEvents_(keyEvents), sound_(sound) {
-    // A click leaves the focus alone, unless it is needed for the keys.
+    // A click does not move the focus, unless the button needs it to receive keys.
     setFocusPolicy(Qt::TabFocus);
     connect(this, &QPushButton::clicked, this, &ShortcutRecorderButton::beginRecording);
     updateTitle();
@@ -62,7 +62,8 @@ void ShortcutRecorderButton::beginRecording() {
     }
 }
 
-/// Several keys may have been watched before the first of them is received, and some never are.
+/// Several keys may have been watched before the first of them is received, and some are never
+/// received.
 void ShortcutRecorderButton::receiveWatched(const QKeyEvent& received) {
     const bool isPress = received.type() == QEvent::KeyPress;
     const auto found = std::ranges::find_if(watched_, [&](const KeyEvent& event) {
@@ -80,7 +81,7 @@ bool ShortcutRecorderButton::event(QEvent* event) {
     if (isRecording()) {
         switch (event->type()) {
         case QEvent::ShortcutOverride:
-            event->accept(); // no shortcut of the window takes it
+            event->accept(); // keeps the window's shortcuts from taking it
             return true;
         case QEvent::KeyPress:
         case QEvent::KeyRelease:
@@ -93,8 +94,8 @@ bool ShortcutRecorderButton::event(QEvent* event) {
     return ui::Button::event(event);
 }
 
-/// Most of the page takes no focus when it is clicked. By the place, because a click that nobody
-/// takes is handed on to what lies around.
+/// Most of the page takes no focus when it is clicked. The position decides, because an unhandled
+/// click is passed on to the parents.
 bool ShortcutRecorderButton::eventFilter(QObject* receiver, QEvent* event) {
     if (event->type() == QEvent::MouseButtonPress && receiver->isWidgetType()) {
         const auto place = static_cast<QMouseEvent*>(event)->globalPosition();
@@ -129,7 +130,7 @@ void ShortcutRecorderButton::cancel() {
     }
 }
 
-/// The recorder has ended.
+/// Called when the recorder has ended.
 void ShortcutRecorderButton::finish(const std::optional<DictationShortcut>& shortcut) {
     monitor_.remove();
     qApp->removeEventFilter(this);
@@ -143,7 +144,7 @@ void ShortcutRecorderButton::finish(const std::optional<DictationShortcut>& shor
         }
     }
     updateTitle();
-    // Who came here with the keyboard goes on from here.
+    // A user who came here with the keyboard continues from here.
     if (hasFocus() && !hadFocus_) {
         window()->setFocus();
     }
@@ -161,7 +162,7 @@ void ShortcutRecorderButton::updateTitle() {
     }
     setToolTip(tips.join(u'\n'));
     setAccessibleDescription(tips.join(QStringLiteral(". ")));
-    // Many modifiers and a long key are written smaller, so that all of them can be read.
+    // The text is made smaller for many modifiers and a long key, so that all of it stays readable.
     constexpr double padding = 8;
     constexpr double smallest = 0.7;
     QFont font = titleFont.resolved();

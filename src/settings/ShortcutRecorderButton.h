@@ -1,7 +1,8 @@
-// Shows the dictation shortcut and records a new one: a click arms it, the next key with a modifier
-// or Fn by itself becomes the shortcut, Escape, a click elsewhere and the loss of the focus leave
-// everything as it was. Main thread. While it is armed a local monitor tells it which keys are
-// pressed; those that the desktop takes for itself, to switch windows perhaps, do not count.
+// Shows the dictation shortcut and records a new one: a click arms it, and the next key with a
+// modifier, or Fn by itself, becomes the shortcut. Escape, a click elsewhere and the loss of the
+// focus leave the shortcut unchanged. Main thread. While it is armed a local monitor reports the
+// pressed keys; those that the desktop takes for itself, for example to switch windows, do not
+// count.
 #pragma once
 
 #include "platform/KeyEvents.h"
@@ -20,12 +21,12 @@ class ShortcutRecorderButton final : public ui::Button {
     ShortcutRecorderButton(KeyEvents& keyEvents, Sound& sound);
     ~ShortcutRecorderButton() override;
 
-    /// Told true when a recording starts, and false once when it ends, however it ends.
+    /// Called with true when a recording starts, and with false once when it ends in any way.
     std::function<void(bool)> onCaptureStateChange;
     std::function<void(const DictationShortcut&)> onCapture;
 
     bool isRecording() const { return recorder_.isRecording(); }
-    /// What it shows while it does not record.
+    /// The shortcut that is shown while it does not record.
     void setShortcut(const DictationShortcut& shortcut);
 
     bool eventFilter(QObject* receiver, QEvent* event) override;
@@ -48,7 +49,7 @@ class ShortcutRecorderButton final : public ui::Button {
     Sound& sound_;
     ShortcutRecorder recorder_;
     DictationShortcut shortcut_;
-    /// What was pressed and may be on its way to this button, in the order of the keys.
+    /// Pressed keys that may be on their way to this button, in order.
     std::deque<KeyEvent> watched_;
     bool hadFocus_ = false; ///< before the recording
     KeyEventMonitor monitor_;

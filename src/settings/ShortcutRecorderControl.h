@@ -1,5 +1,5 @@
-// The shortcut recorder as a part of a page: its size, the shortcut that it shows, and who is told
-// about it. Main thread.
+// The shortcut recorder as a part of a page: its size, the displayed shortcut, and the callbacks.
+// Main thread.
 #pragma once
 
 #include "core/DictationShortcut.h"
