@@ -1,5 +1,6 @@
-// Where the key of the speech service is entered during the set-up, and whether one is stored. Main
-// thread. A refusal of the secret store is shown and keeps what was entered.
+// The field for the speech service's key during the set-up, which also shows whether a key is
+// stored. Main thread. When the secret store refuses the key, the error is shown and the entered
+// text is kept.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -26,7 +27,7 @@ class DeepgramKeyEntry final : public QWidget {
     DeepgramKeyEntry(std::shared_ptr<AppState> state, UrlOpener& urlOpener,
                      std::function<void()> saved);
 
-    /// Forgets what was entered and not saved.
+    /// Clears an entry that was not saved.
     void discardEntry();
 
   private:
@@ -41,7 +42,7 @@ class DeepgramKeyEntry final : public QWidget {
     ui::Button* save_;
     ui::Symbol* icon_;
     ui::Text* status_;
-    std::optional<QString> keyMessage_; ///< what became of the last key, if there was one
+    std::optional<QString> keyMessage_; ///< the result of the last save; none before the first
     ui::Observation observation_;
 };
 

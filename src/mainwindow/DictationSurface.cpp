@@ -26,11 +26,11 @@ using Case = AppState::Phase::Case;
 constexpr int lowest = 112;
 constexpr int highest = 126;
 constexpr int editorPadding = 10;
-/// From the surface's edge to the first letter, of the placeholder and of what is typed.
+/// The distance from the surface's edge to the first letter, of the placeholder and of typed text.
 constexpr QPoint textOrigin(15, 17);
 constexpr int motionHeight = 46;
 constexpr ui::Spring phaseSpring(/*response=*/0.25, /*dampingFraction=*/1.0);
-/// The voice comes from below and goes back there.
+/// The meter moves in from below and out again.
 constexpr QPoint motionTravel(0, 10);
 
 bool showsMotion(Case phase) {
@@ -45,14 +45,14 @@ class Editor final : public QPlainTextEdit {
         viewport()->setAutoFillBackground(false);
         const QPoint inset = textOrigin - QPoint(editorPadding, editorPadding);
         document()->setDocumentMargin(inset.x());
-        document()->clearUndoRedoStacks(); // the margin is not the user's to undo
+        document()->clearUndoRedoStacks(); // the user must not be able to undo the margin
         setViewportMargins(0, inset.y() - inset.x(), 0, 0);
         setVerticalScrollBar(new ui::ScrollBar);
         setTabChangesFocus(true);
         setAccessibleName(QStringLiteral("Test area"));
     }
 
-    /// The surface decides how high it is.
+    /// The surface controls the height.
     QSize sizeHint() const override { return {200, 0}; }
     QSize minimumSizeHint() const override { return {80, 0}; }
 

@@ -1,5 +1,5 @@
-// An ordinary text editor to try dictation in, which shows the voice while somebody dictates. Text
-// reaches it as it reaches any program: pasted, while it has the keyboard. Main thread.
+// An ordinary text editor to try dictation in, which shows the meter while somebody dictates. It
+// receives text like any program: by a paste, while it has the focus. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -29,7 +29,7 @@ class DictationSurface final : public QWidget {
 
     QSize sizeHint() const override;
 
-    /// The edge in a phase; tells where the voice is heard.
+    /// The edge in a phase, which shows that the program listens.
     static ui::SurfaceStyle style(const AppState::Phase& phase);
 
   protected:
@@ -46,7 +46,7 @@ class DictationSurface final : public QWidget {
     DictationMotion* motion_;
     ui::CrossFade* motionLayer_;
     ui::SurfaceStyle style_;
-    /// What is shown at present.
+    /// The phase that is shown now.
     std::optional<AppState::Phase::Case> shownPhase_;
     ui::Animation animation_;
     ui::Observation observation_;

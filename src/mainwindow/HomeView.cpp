@@ -181,7 +181,7 @@ QWidget* HomeView::engineRow() {
     return engine;
 }
 
-/// As somebody at the keyboard would, so that it can be undone.
+/// Cleared like an edit of the user, so that it can be undone.
 void HomeView::clear() {
     QTextCursor everything(surface_->editor().document());
     everything.select(QTextCursor::Document);

@@ -1,5 +1,5 @@
-// The main window's page after the set-up: what the program is doing, a place to try it, and
-// whether all it needs is ready. Main thread.
+// The main window's page after the set-up: the current state, a field to try a dictation, and
+// whether everything it needs is ready. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -23,9 +23,9 @@ class DictationSurface;
 class KeyCap;
 class StatusTile;
 
-/// What is happening, in a few words.
+/// The current state in a few words.
 std::string phaseTitle(const AppState& state);
-/// What the user can do about it, or why it failed.
+/// What the user can do now, or why the dictation failed.
 std::string phaseSubtitle(const AppState& state);
 
 class HomeView final : public QWidget {

@@ -1,5 +1,5 @@
-// The name of a key, or of several pressed together, on a key cap. On hover and to assistive
-// technology it adds where the key is. Main thread.
+// The name of a key, or of several pressed together, on a key cap. The tool tip and assistive
+// technology add where the key is. Main thread.
 #pragma once
 
 #include <QWidget>
@@ -14,7 +14,7 @@ class KeyCap final : public QWidget {
   public:
     explicit KeyCap(const QString& text);
 
-    /// An empty hint is none.
+    /// No hint when it is empty.
     void setText(const QString& text, const QString& hint = {});
 
   private:

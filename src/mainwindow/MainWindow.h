@@ -1,5 +1,5 @@
-// The main window. It is made once and kept: closing it hides it and ends nothing. It remembers
-// neither its size nor its place. Main thread; the facilities outlive it.
+// The main window. It is created once and kept: closing it only hides it. It remembers neither its
+// size nor its place. Main thread; the facilities must outlive it.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -19,7 +19,7 @@ class MainWindow final : public QWidget {
 
     MainWindow(std::shared_ptr<AppState> state, const Platform& platform, Callbacks callbacks);
 
-    /// Shows it in front of all others, with the keyboard.
+    /// Shows it in front of all others, with the keyboard focus.
     void present();
 
   private:

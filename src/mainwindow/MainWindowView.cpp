@@ -49,7 +49,7 @@ QWidget* MainWindowView::makeHome() {
 void MainWindowView::completeOnboarding() {
     platform_.userDefaults.set(completionKey, true);
     content_->change(completionSpring, [this] {
-        // It is in the middle of telling that it has finished.
+        // Only hidden now, because it is still reporting that it has finished.
         page_->hide();
         page_->deleteLater();
         page_ = makeHome();

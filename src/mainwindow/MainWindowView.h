@@ -1,5 +1,5 @@
-// The content of the main window: the set-up until it is finished once, from then on the home page,
-// before a backdrop that glows while a dictation runs. Main thread.
+// The content of the main window: the set-up until it has been finished once, then the home page,
+// on a backdrop that glows during a dictation. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"

@@ -1,4 +1,4 @@
-// One of the program's merits in a symbol and a few words. One element to assistive technology.
+// One of the program's benefits as a symbol and a few words. One element for assistive technology.
 #pragma once
 
 #include <QWidget>

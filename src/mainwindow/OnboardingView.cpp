@@ -29,7 +29,7 @@ namespace orlune {
 namespace {
 
 constexpr ui::Spring stepSpring(/*response=*/0.32, /*dampingFraction=*/0.85);
-/// The page has come to rest by then.
+/// The page has stopped moving by then.
 constexpr auto focusDelay = std::chrono::milliseconds(350);
 
 bool holdsToSpeak(const AppState& state) {
@@ -43,7 +43,7 @@ QString testSubtitle(const AppState& state) {
                      "Click below, press Fn, and speak. Press Fn again when you're done.");
 }
 
-/// As high as given, its content in the middle.
+/// A bar of the given height with its content centred.
 QWidget* bar(QWidget* content, int height) {
     auto* result = ui::padded(content, {.horizontal = 24});
     result->setFixedHeight(height);
@@ -64,7 +64,7 @@ OnboardingView::OnboardingView(std::shared_ptr<AppState> state, const Platform& 
     for (auto* page : {static_cast<QWidget*>(new WelcomePage), keyPage(platform.urlOpener),
                        permissionsPage(), testPage(platform)}) {
         auto* view = ui::scrollView(page);
-        pageLayout->addWidget(view); // first: shown by itself it would be a window
+        pageLayout->addWidget(view); // first: without a parent it would be a window
         view->setVisible(steps_.empty());
         steps_.push_back(view);
     }
@@ -166,8 +166,8 @@ void OnboardingView::showEvent(QShowEvent* event) {
 
 void OnboardingView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
-    // A closed window keeps no key that was entered and not saved; a minimised one does.
-    // In a later turn: a window that is shown until its end is hidden while it falls apart.
+    // A closed window keeps no key that was entered and not saved; a minimised one does. Deferred,
+    // because a window is also hidden while it is being destroyed.
     if (!event->spontaneous()) {
         QMetaObject::invokeMethod(
             keyEntry_, [this] { keyEntry_->discardEntry(); }, Qt::QueuedConnection);
@@ -184,7 +184,7 @@ void OnboardingView::advance() {
 
 void OnboardingView::setStep(int step) {
     const int previous = std::exchange(step_, step);
-    // Before a button that has the focus goes: it would pass it on to whatever comes next.
+    // Before the focused button is hidden, which would pass the focus to the next control.
     focusStep();
     refresh();
     indicator_->setStep(step);
@@ -203,8 +203,8 @@ void OnboardingView::setStep(int step) {
     }
 }
 
-/// So that the keyboard leads on at each step: to the key where one is missing, else to the button
-/// that goes on.
+/// Gives the focus to what comes next in each step: the key field while a key is missing, else the
+/// button that continues.
 void OnboardingView::focusStep() {
     const bool needsKey = step_ == key && !state_->hasDeepgramAPIKey().get();
     const bool goesBack = step_ != welcome && back_->hasFocus();
@@ -221,7 +221,7 @@ void OnboardingView::focusTestEditorLater() {
                             [&editor, &clock = clock_](Task self) -> Awaitable<void> {
                                 auto sleeping = clock.sleep(focusDelay);
                                 co_await std::move(sleeping);
-                                // Cancelled before the editor ends.
+                                // Cancelled before the editor is destroyed.
                                 if (!self.isCancelled()) {
                                     editor.setFocus();
                                 }
@@ -231,8 +231,8 @@ void OnboardingView::focusTestEditorLater() {
 void OnboardingView::showPermissions() {
     const bool hasMicrophone = permissionStatus_.microphoneGranted();
     const bool hasAccessibility = permissionStatus_.accessibilityGranted();
-    // A button that hides would hand the focus to whatever comes next in the window. The window may
-    // not be the active one at present: permissions are granted elsewhere.
+    // A button that is hidden would pass the focus to the next control. The window may be inactive
+    // now, because permissions are granted elsewhere.
     const auto* focused = window()->focusWidget();
     if (focused
         && ((hasMicrophone && microphone_->isAncestorOf(focused))

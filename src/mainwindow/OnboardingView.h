@@ -1,5 +1,5 @@
-// The first set-up in four steps: welcome, key, permissions, a first dictation. Stores nothing of
-// its own and always begins with the welcome. Main thread.
+// The initial set-up in four steps: welcome, key, permissions, a first dictation. Stores nothing
+// itself and always begins with the welcome. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"

@@ -1,5 +1,5 @@
-// One page of the first set-up: a title, what it is about, and its content, in the middle of all
-// the room there is. Main thread.
+// One page of the initial set-up: a title, a subtitle, and its content, centred in the available
+// room. Main thread.
 #pragma once
 
 #include <QWidget>

@@ -1,5 +1,5 @@
-// One permission of the first set-up: what it is for, and whether it is granted, or else a button
-// that asks for it. Main thread.
+// One permission of the initial set-up: its purpose, and either that it is granted or a button that
+// requests it. Main thread.
 #pragma once
 
 #include <QWidget>

@@ -1,5 +1,5 @@
-// Whether one thing that the program needs is ready. One element to assistive technology, such as
-// "Microphone, Ready". Main thread.
+// Shows whether one requirement of the program is met. One element for assistive technology, such
+// as "Microphone, Ready". Main thread.
 #pragma once
 
 #include <QWidget>
@@ -23,7 +23,7 @@ class StatusTile final : public QWidget {
     ui::Text* readiness_;
 };
 
-/// "Ready" or "Setup" in small letters, as tiles and rows end.
+/// "Ready" or "Setup" in small letters, for the end of tiles and rows.
 ui::Text* readinessText();
 void showReadiness(ui::Text& text, bool ready);
 

@@ -1,4 +1,4 @@
-// How far the first set-up has come: one capsule for each step, the present one wider. To assistive
+// The progress of the initial set-up: one capsule per step, the current one wider. For assistive
 // technology one element such as "Step 2 of 4". Main thread.
 #pragma once
 
@@ -16,14 +16,15 @@ class StepIndicator final : public QWidget {
 
     StepIndicator();
 
-    /// From 0. The change moves, except before the indicator is shown.
+    /// Counted from 0. The change is animated, except before the indicator is shown.
     void setStep(int step);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    /// For each step, how much of it is the present one and how much of it is reached, 0 to 1.
+    /// For each step, to what degree it is the current one and to what degree it is reached, 0 to
+    /// 1.
     struct Look {
         double presence = 0;
         double reach = 0;

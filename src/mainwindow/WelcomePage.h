@@ -1,4 +1,4 @@
-// The first page of the set-up: what the program is for. Main thread.
+// The first page of the set-up, which says what the program is for. Main thread.
 #pragma once
 
 #include "ui/Shadow.h"
