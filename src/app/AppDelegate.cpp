@@ -12,7 +12,7 @@ namespace orlune {
 
 namespace {
 
-/// From the end of the launch until its window comes to the front.
+/// The delay between the end of the launch and bringing the window to the front.
 constexpr auto activationDelay = std::chrono::milliseconds(200);
 
 void callIfSet(const std::function<void()>& action) {
@@ -42,8 +42,9 @@ void AppDelegate::applicationDidFinishLaunching(bool opensWindow) {
     }
 }
 
-/// What the desktop has to know where it shows programs only the keys that they ask for, and lets
-/// them post keys only while the user can see that they may.
+/// Some desktops show programs only the keys that they request, and let them post keys only while
+/// the user sees an indicator. This passes the shortcut and the start and end of dictations to
+/// them.
 void AppDelegate::tellDesktop() {
     using Case = AppState::Phase::Case;
     platform_.keyEventMonitors.watch(state_->shortcut().get().keyCombination());

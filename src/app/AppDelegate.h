@@ -1,6 +1,6 @@
 // What the program does once it has been launched: the overlay, the shortcut, and bringing its
-// window to the front. Owned by OrluneApp; main thread. Windows are known here by how they are
-// opened alone.
+// window to the front. Owned by OrluneApp; main thread. It knows each window only by the function
+// that opens it.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -16,24 +16,24 @@ class OverlayWindowController;
 
 class AppDelegate {
   public:
-    /// How windows are opened and come to the front; an empty one does nothing.
+    /// Functions that open windows and bring them to the front; an empty one does nothing.
     struct Windows {
-        /// Lets the main window appear, as any new window does.
+        /// Shows the main window like any new window.
         std::function<void()> showMain;
-        /// Brings forward what is open; false when nothing is.
+        /// Brings open windows to the front; false when none is open.
         std::function<bool()> activate;
         std::function<void()> openMain;
         std::function<void()> openSettings;
     };
 
-    /// The facilities outlive the delegate.
+    /// The facilities must outlive the delegate.
     AppDelegate(std::shared_ptr<AppState> state, const Platform& platform, Windows windows);
     ~AppDelegate();
 
     /// Called once, with the loop running.
     void applicationDidFinishLaunching(bool opensWindow);
-    /// The program was launched once more while it runs: what is open comes forward, else the main
-    /// window opens.
+    /// Called when the program is launched again while it runs: brings open windows to the front,
+    /// or else opens the main window.
     void applicationShouldHandleReopen();
 
     void openMainWindow() const;

@@ -56,7 +56,7 @@ MainWindow& AppWindows::mainWindow() {
     return *main_;
 }
 
-/// What the menu offers with these keys works in the windows too.
+/// The menu's shortcuts also work in the windows.
 void AppWindows::addShortcuts(QWidget& window) {
     const auto add = [&window](const char* keys, std::function<void()> action) {
         auto* shortcut = new QShortcut(QKeySequence(QString::fromLatin1(keys)), &window);

@@ -1,5 +1,5 @@
-// The program's windows, made when they are first opened and kept from then on: a program that
-// waits in the background holds none. Main thread; the facilities outlive it.
+// The program's windows. Each is created when it is first opened and then kept, so that a program
+// in the background holds none. Main thread; the facilities must outlive it.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -20,11 +20,10 @@ class AppWindows {
                std::function<void()> quit);
     ~AppWindows();
 
-    /// As any new window appears; the desktop decides where it lies and whether it has the
-    /// keyboard.
+    /// Shows the main window like any new window; the desktop decides about its place and focus.
     void showMain();
-    /// Brings forward what is open and not minimised, the settings last, which are opened over the
-    /// main window. False when nothing is.
+    /// Brings open windows that are not minimised to the front, the settings last, because they
+    /// open over the main window. False when there are none.
     bool activate();
     void presentMain();
     void presentSettings();

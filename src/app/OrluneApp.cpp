@@ -22,10 +22,10 @@ namespace orlune {
 
 namespace {
 
-/// Read by the toolkit when it connects to an X server.
+/// The toolkit reads it when it connects to an X server.
 constexpr auto noSharedPictures = "QT_XCB_NO_MITSHM";
 
-/// The shared state stands on the platform, so it goes first.
+/// Owns the shared state, which uses the platform and must be destroyed first.
 class SharedState {
   public:
     explicit SharedState(const Platform& platform) { AppState::install(platform); }
@@ -34,7 +34,7 @@ class SharedState {
     SharedState& operator=(const SharedState&) = delete;
 };
 
-/// Painted, so that the windows have it also where the program is not installed.
+/// Painted, so that windows have an icon even when the program is not installed.
 QIcon applicationIcon() {
     QIcon icon;
     for (const int side : {16, 32, 48, 128}) {
@@ -47,7 +47,7 @@ QIcon applicationIcon() {
 
 void nameApplication() {
     const auto identifier = QString::fromLatin1(bundleIdentifier);
-    QCoreApplication::setApplicationName(identifier); // and so the class of its windows
+    QCoreApplication::setApplicationName(identifier); // also sets the class of its windows
     QCoreApplication::setApplicationVersion(QStringLiteral(ORLUNE_VERSION));
     QGuiApplication::setDesktopFileName(identifier);
 }
@@ -84,7 +84,7 @@ int OrluneApp::run() {
     });
     const TakeDown takesDown(*this);
     launch(platform);
-    // Not after the state has been taken down.
+    // Disconnects before the state is taken down.
     const QObject whileRunning;
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &whileRunning,
                      [this](const QWindow* window) {
@@ -96,7 +96,7 @@ int OrluneApp::run() {
     return QCoreApplication::exec();
 }
 
-/// Also when the launch fails half way: all of it stands on the desktop, which is left next.
+/// Also runs when the launch fails half way: all parts use the desktop, which is destroyed next.
 OrluneApp::TakeDown::~TakeDown() {
     app_.remote_.release();
     app_.statusItem_.reset();
@@ -179,7 +179,7 @@ std::optional<std::string> OrluneApp::perform(RemoteRequest request) {
 int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments) {
     try {
         const TerminationSignals signals;
-        // The cheap way first; two launches at the same moment meet again at the name.
+        // The cheap check comes first; of two launches at the same moment, the name decides.
         if (const auto exitCode = options.isInBackground ? std::nullopt : reopenRunningInstance()) {
             return *exitCode;
         }
@@ -192,15 +192,16 @@ int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** argume
                 return exitFailed;
             }
         }
-        // The meter's frames are a few kilobytes. Writing them to the X server costs less than
-        // waiting, before each, until it has read the last one from shared memory.
+        // The meter's frames have a few kilobytes. Writing them to the X server costs less than
+        // waiting, before each frame, until the server has read the last one from shared memory.
         qputenv(noSharedPictures, "1");
         QApplication application(argumentCount, arguments);
-        qunsetenv(noSharedPictures); // other programs choose for themselves
+        qunsetenv(noSharedPictures); // must not be inherited by other programs
         nameApplication();
         QApplication::setWindowIcon(applicationIcon());
         QApplication::setQuitOnLastWindowClosed(false);
-        // It is started at login, or not, as the user set it, not because it ran at logout.
+        // The user decides whether it starts at login; the session manager must not restart it
+        // because it ran at logout.
         QObject::connect(&application, &QGuiApplication::saveStateRequest,
                          [](QSessionManager& session) {
                              session.setRestartHint(QSessionManager::RestartNever);

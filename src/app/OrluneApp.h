@@ -1,6 +1,6 @@
-// The program as its user knows it: `orlune` without a command. Puts the desktop, the shared state,
-// the delegate and the remote control together, runs Qt's loop, and takes everything down in the
-// right order however it ends: asked to, by a signal, or with the session. Main thread.
+// The program itself: `orlune` without a command. Puts the desktop, the shared state, the delegate
+// and the remote control together, runs Qt's loop, and takes everything down in the right order,
+// whether it ends on request, by a signal, or with the session. Main thread.
 #pragma once
 
 #include "app/AppDelegate.h"
@@ -16,20 +16,20 @@
 
 namespace orlune {
 
-/// Creates the application object, so it is called once, first thing on the main thread. Returns
-/// the exit code; what went wrong is on standard error. Where an instance runs already, that one
-/// comes to the front instead.
+/// Creates the application object, so it must be called once, before anything else on the main
+/// thread. Returns the exit code; errors are on standard error. If an instance is already running,
+/// brings it to the front instead.
 int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments);
 
 class OrluneApp {
   public:
-    /// After the application object.
+    /// Must be created after the application object.
     OrluneApp(const LaunchOptions& options, const TerminationSignals& signals);
 
     /// Returns the exit code.
     int run();
 
-    /// Abandons a dictation that runs, and ends the loop. Returns at once.
+    /// Abandons a running dictation, and ends the loop. Returns at once.
     void terminate();
 
   private:
@@ -44,7 +44,7 @@ class OrluneApp {
         OrluneApp& app_;
     };
 
-    /// Why the request was turned down; none when it was carried out.
+    /// Why the request was refused; none when it was carried out.
     std::optional<std::string> perform(RemoteRequest request);
     void launch(const Platform& platform);
 

@@ -18,7 +18,7 @@
 namespace orlune {
 namespace {
 
-/// Runs what was asked for and returns the exit code.
+/// Runs the parsed command and returns the exit code.
 class CommandRunner {
   public:
     CommandRunner(int& argumentCount, char** arguments)
@@ -64,11 +64,11 @@ class CommandRunner {
 
 int main(int argumentCount, char** arguments) {
     std::setlocale(LC_ALL, "");
-    // A reader that goes away is an error of the write, not the end of the program.
+    // A reader that goes away becomes a write error instead of ending the program.
     std::signal(SIGPIPE, SIG_IGN);
-    // The key and the user's words pass through memory; they do not belong into a core dump. A
-    // limit of 0 would not do: Linux still hands the dump to a program that collects them. With 1
-    // it makes none, and no file, which would need more.
+    // The key and the user's words are in memory and must not get into a core dump. A limit of 0 is
+    // not enough: Linux still passes the dump to a program that collects them. With 1 it does not,
+    // and writes no file either, which would need more.
     const rlimit noCoreDump{1, 1};
     setrlimit(RLIMIT_CORE, &noCoreDump);
     const auto command = orlune::parseCommandLine({arguments + 1, arguments + argumentCount});

@@ -5,7 +5,7 @@
 
 namespace orlune {
 
-/// Returns the exit code; `status` answers with it too: 0 when it starts at login.
+/// Returns the exit code; for `status`, 0 means that it starts at login.
 int runAutostartCommand(const AutostartOptions& options);
 
 } // namespace orlune

@@ -58,7 +58,7 @@ UsageError usageError(const QString& text, const char* command) {
     return {"orlune: " + text.toStdString() + "\nTry \"orlune " + command + " --help\".\n"};
 }
 
-/// One command's options and its words, parsed the usual Unix way.
+/// Parses one command's options and words in the usual Unix way.
 class Parser {
   public:
     Parser(const char* command, const char* description) : command_(command) {
@@ -76,7 +76,7 @@ class Parser {
         return *this;
     }
 
-    /// The answer when nothing is left to do: help, or what was wrong.
+    /// Returns help or an error; none when the command should run.
     std::optional<Command> parse(const std::vector<std::string>& arguments) {
         const auto help = parser_.addHelpOption();
         if (!parser_.parse(listOf(arguments, command_))) {

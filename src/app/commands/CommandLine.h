@@ -1,4 +1,4 @@
-// What the user asked for on the command line, as values. Nothing is started or printed here.
+// The command line as values. Nothing is started or printed here.
 #pragma once
 
 #include "app/remote/RemoteRequest.h"
@@ -16,28 +16,28 @@ inline constexpr int exitFailed = 1;
 inline constexpr int exitUsage = 2;
 inline constexpr int exitCancelled = 130; ///< what a shell reports after Ctrl-C
 
-/// `orlune` alone: the program itself, in the background of everything else.
+/// `orlune` without a command: starts the program.
 struct LaunchOptions {
     bool isInBackground = false; ///< without a window, as at login
 
     bool operator==(const LaunchOptions&) const = default;
 };
 
-/// `orlune toggle` and its like: something the running program is to do.
+/// `orlune toggle` and similar: a request to the running program.
 struct RemoteOptions {
     RemoteRequest request = RemoteRequest::toggle;
 
     bool operator==(const RemoteOptions&) const = default;
 };
 
-/// `orlune status`: what the running program is doing.
+/// `orlune status`: reports what the running program is doing.
 struct StatusOptions {
     bool isJson = false;
 
     bool operator==(const StatusOptions&) const = default;
 };
 
-/// `orlune doctor`: whether everything a dictation needs is there.
+/// `orlune doctor`: checks everything a dictation needs.
 struct DoctorOptions {
     bool isJson = false;
 
@@ -46,7 +46,7 @@ struct DoctorOptions {
 
 /// `orlune dictate`: one dictation in the terminal.
 struct DictateOptions {
-    std::optional<std::string> input; ///< an audio file in the microphone's place
+    std::optional<std::string> input; ///< an audio file instead of the microphone
     bool isFast = false;              ///< feeds the file without waiting
     bool isLocal = false;             ///< starts the local service and uses it
     bool insertsText = false;         ///< pastes into the focused window
@@ -79,14 +79,14 @@ struct AutostartOptions {
     bool operator==(const AutostartOptions&) const = default;
 };
 
-/// Text for standard output, and done.
+/// Text for standard output, without further work.
 struct Answer {
     std::string text;
 
     bool operator==(const Answer&) const = default;
 };
 
-/// A command that was not understood: text for standard error, exit code 2.
+/// An invalid command line: text for standard error, exit code 2.
 struct UsageError {
     std::string text;
 

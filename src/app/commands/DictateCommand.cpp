@@ -32,10 +32,10 @@ namespace orlune {
 
 namespace {
 
-/// Longer than a recogniser that keeps up needs from one result to the next.
+/// Longer than a recogniser that keeps up takes between two results.
 constexpr std::chrono::milliseconds fastFeedQuiet{1500};
 
-/// The log below the redrawn line instead of through it.
+/// Prints log messages above the redrawn line.
 class LogAboveView final : public Log {
   public:
     LogAboveView(Log& log, TerminalView& view) : log_(log), view_(view) {}
@@ -58,8 +58,8 @@ sigset_t cancellingSignals() {
     return signals;
 }
 
-/// The signals that cancel, as a descriptor. Called before any other thread starts, so that none
-/// of them takes the signals.
+/// The cancelling signals, as a descriptor. Must be called before any other thread starts, so that
+/// no thread receives the signals.
 int interruptDescriptor() {
     const auto signals = cancellingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
@@ -85,7 +85,7 @@ std::unique_ptr<QCoreApplication> makeApplication(bool needsDisplay, int& argume
     return std::make_unique<QGuiApplication>(argumentCount, arguments);
 }
 
-/// The stored settings, of which this one dictation may differ without changing them.
+/// Copies the stored settings, so that this dictation can change its copy.
 void copySettings(MemoryUserDefaults& copy, const DictateOptions& options, Log& log) {
     const FileUserDefaults stored(configurationFolder(processEnvironment()), log);
     for (const auto* key : {"activationMode", "dictationShortcut"}) {
@@ -96,13 +96,13 @@ void copySettings(MemoryUserDefaults& copy, const DictateOptions& options, Log& 
     copy.set("intentCheckEnabled", options.checksIntent);
 }
 
-/// The local service takes any key; the user's own stays where it is.
+/// The local service accepts any key; the user's own is not used.
 void addLocalKey(MemorySecretItems& secrets) {
     static_cast<void>(secrets.add(KeychainStore::query(SecretKey::deepgramAPIKey), "local",
                                   SecretAccessibility::afterFirstUnlockThisDeviceOnly));
 }
 
-/// Lets the signals end the program at once, while nothing reads their descriptor.
+/// Lets the signals end the process at once, while their descriptor is not read.
 class SignalsEndTheProgram {
   public:
     SignalsEndTheProgram() { pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr); }
@@ -114,8 +114,8 @@ class SignalsEndTheProgram {
     const sigset_t signals_ = cancellingSignals();
 };
 
-/// A locked keyring is opened first, however long the person at its prompt takes. Throws when it
-/// was dismissed, or it would come again; that there is no key, the dictation itself says.
+/// Opens a locked keyring first and waits for its prompt without limit. Throws when the prompt was
+/// dismissed, because it would appear again. A missing key is reported by the dictation itself.
 void openKeyring(SecretItems& keyring, TerminalView& view) {
     const SignalsEndTheProgram whileWaiting;
     auto match = keyring.copyMatching(KeychainStore::query(SecretKey::deepgramAPIKey));
@@ -161,7 +161,7 @@ int dictate(const DictateOptions& options, int interrupts) {
         replacements.secretItems = &*keyring;
     }
 
-    std::function<void()> onInputEnd; // set below, before anything is played
+    std::function<void()> onInputEnd; // set below, before playback starts
     if (options.input) {
         const auto pace = options.isFast ? WaveFileAudioEngine::Pace::fast
                                          : WaveFileAudioEngine::Pace::microphone;
@@ -184,8 +184,8 @@ int dictate(const DictateOptions& options, int interrupts) {
     TerminalDictation::Options terminal;
     terminal.interrupts = interrupts;
     terminal.inputIsTerminal = isatty(STDIN_FILENO) != 0;
-    // The end of a file is the end of the recording; its reader's input then says nothing, unless
-    // a person sits there.
+    // With a file, its end is the end of the recording. The end of standard input then means
+    // nothing, unless it is a terminal.
     terminal.input = options.input && !terminal.inputIsTerminal ? -1 : STDIN_FILENO;
     terminal.confirmsAtOnce = options.confirmsAtOnce;
     terminal.staysUntilIdle = options.insertsText;

@@ -76,7 +76,7 @@ int runDoctorCommand(const DoctorOptions& options) {
     std::string name = "orlune";
     std::array arguments{name.data()};
     int count = 1;
-    const QCoreApplication application(count, arguments.data()); // for the loop of its thread
+    const QCoreApplication application(count, arguments.data()); // for the loop of this thread
     const auto findings = examine();
     const auto report = options.isJson ? reportJson(findings) : reportText(findings);
     std::fputs(report.c_str(), stdout);

@@ -1,4 +1,4 @@
-// `orlune intent`: a text on standard input, its intent check on standard output.
+// `orlune intent`: reads a text from standard input and prints its intent check.
 #pragma once
 
 #include "app/commands/CommandLine.h"

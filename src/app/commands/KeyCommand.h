@@ -10,7 +10,7 @@ namespace orlune {
 /// standard output. Returns the exit code; `status` without a key is exit code 1.
 int runKeyCommand(const KeyOptions& options, SecretItems& secrets, int input);
 
-/// For commands at whose prompt a person sits: they wait there as long as it takes, and say so.
+/// For commands that a user waits for: they wait for an open prompt without limit, and say so.
 SecretServiceItems::Options patientKeyring();
 
 } // namespace orlune

@@ -20,7 +20,7 @@ int milliseconds(std::chrono::milliseconds duration) {
     return static_cast<int>(duration.count());
 }
 
-/// Beside this program, as installed and in a build folder, else wherever the shell would find it.
+/// Next to this program, as when installed and in a build folder, or else on the PATH.
 QString programPath() {
     const auto name = QStringLiteral("orlune-local-service");
     const QString folder = QCoreApplication::applicationDirPath();

@@ -1,5 +1,5 @@
-// The speech service of this machine as a child process, for a dictation without key and network.
-// Ends with its owner, also when the owner is killed: the child watches its standard input.
+// The speech service on this machine as a child process, for a dictation without key and network.
+// Ends with its owner, even when the owner is killed: the child watches its standard input.
 #pragma once
 
 #include <QProcess>
@@ -15,9 +15,9 @@ class LocalServiceProcess {
     LocalServiceProcess(const LocalServiceProcess&) = delete;
     LocalServiceProcess& operator=(const LocalServiceProcess&) = delete;
 
-    /// Starts the service and waits until it listens: its model takes about a second to load, and
-    /// 30 s are allowed on a machine that is busy. Returns its address ("ws://127.0.0.1:port").
-    /// Throws std::runtime_error with a text for a person.
+    /// Starts the service and waits until it listens. Its model takes about a second to load; on a
+    /// loaded machine it may take up to 30 s. Returns its address ("ws://127.0.0.1:port"). Throws
+    /// std::runtime_error with a text for the user.
     std::string start();
 
   private:

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A text as the value of a key.
+/// Escapes a text for use as the value of a key.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char letter : text) {
@@ -22,7 +22,7 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-/// As a desktop file's Exec wants an argument: quoted, with its own signs escaped.
+/// Quotes an argument for a desktop file's Exec key.
 std::string quoted(const std::string& argument) {
     std::string result = "\"";
     for (const char letter : argument) {

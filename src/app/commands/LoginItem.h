@@ -1,5 +1,5 @@
-// Whether the program starts at login: an entry in the user's autostart folder, as every desktop
-// reads it. Main thread.
+// Whether the program starts at login: an entry in the user's autostart folder, which every desktop
+// reads. Main thread.
 #pragma once
 
 #include <filesystem>
@@ -11,10 +11,10 @@ class LoginItem {
     /// The folder of the user's configuration ($XDG_CONFIG_HOME).
     explicit LoginItem(const std::filesystem::path& configurationHome);
 
-    /// False where the user's own desktop has switched the entry off.
+    /// False where the user's desktop has disabled the entry.
     bool isEnabled() const;
-    /// Throws std::system_error when the entry cannot be written or removed. `program`: the
-    /// absolute path of what is to be started.
+    /// Throws std::system_error when the entry cannot be written or removed. `program` is the
+    /// absolute path of the program to start.
     void enable(const std::filesystem::path& program) const;
     void disable() const;
 

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t longestSecret = 4096; // bytes
 
-/// Echo off for as long as it lives. Signals that would end the program wait meanwhile, so that no
-/// shell is left behind without echo; the terminal's own interrupt key is read as a character.
+/// Disables echo while it exists. Signals that would end the program are deferred, so that the
+/// shell never stays without echo; the terminal's interrupt key is read as a character.
 class WithoutEcho {
   public:
     explicit WithoutEcho(int terminal) : terminal_(terminal) {
@@ -54,7 +54,7 @@ void say(std::string_view text) {
 } // namespace
 
 std::optional<std::string> readSecret(int fileDescriptor, std::string_view prompt) {
-    constexpr char interruptKey = 3; // Control-C, which is an ordinary character here
+    constexpr char interruptKey = 3; // Control-C, an ordinary character here
     const WithoutEcho quiet(fileDescriptor);
     if (quiet.isTerminal()) {
         say(prompt);

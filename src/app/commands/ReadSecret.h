@@ -1,4 +1,5 @@
-// A secret from standard input: without echo on a terminal, up to the first line break elsewhere.
+// Reads a secret from standard input: without echo on a terminal, up to the first line break
+// elsewhere.
 #pragma once
 
 #include <optional>
@@ -7,9 +8,9 @@
 
 namespace orlune {
 
-/// Asks with `prompt` on standard error when standard input is a terminal. The terminal's echo is
-/// back whatever happens, an interrupt included. None at the end of input without any text, or when
-/// the line is longer than any key (4096 bytes).
+/// Prints `prompt` on standard error when standard input is a terminal. The terminal's echo is
+/// restored in every case, including an interrupt. None at the end of input without any text, or
+/// when the line is longer than any key (4096 bytes).
 std::optional<std::string> readSecret(int fileDescriptor, std::string_view prompt);
 
 } // namespace orlune

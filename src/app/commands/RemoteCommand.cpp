@@ -19,7 +19,7 @@ int failed(const std::string& reason) {
     return exitFailed;
 }
 
-/// The text that was answered; none once the failure has been told.
+/// The text of the answer; none after a failure, which has been printed.
 std::optional<std::string> ask(const char* method) {
     const auto bus = SessionBus::open();
     if (!bus) {

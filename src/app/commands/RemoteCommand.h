@@ -1,5 +1,5 @@
 // The commands for a running Orlune: `toggle`, `start`, … and `status`. They start nothing, need no
-// display, and load no toolkit. Blocking, within the bound of `SessionBus`.
+// display, and load no toolkit. Blocking, within the time limit of `SessionBus`.
 #pragma once
 
 #include "app/commands/CommandLine.h"
@@ -8,16 +8,16 @@
 
 namespace orlune {
 
-/// The exit code; what went wrong is on standard error.
+/// Returns the exit code; errors are on standard error.
 int runRemoteCommand(const RemoteOptions& options);
 /// The same; the status is on standard output.
 int runStatusCommand(const StatusOptions& options);
 
-/// Tells an instance that runs, if any, that the key in the keyring has changed.
+/// Tells a running instance that the key in the keyring has changed.
 void announceKeyChange();
 
-/// Tells an instance that runs already that the program was launched once more. The exit code; none
-/// when no instance runs, or there is no bus on which to find one.
+/// Tells a running instance that the program was launched again. Returns the exit code; none when
+/// no instance runs, or when there is no session bus.
 std::optional<int> reopenRunningInstance();
 
 } // namespace orlune

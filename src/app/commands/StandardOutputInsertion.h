@@ -1,5 +1,5 @@
-// Standard output in the place of the focused window: a paste writes the pasteboard's text and a
-// line break. Always trusted. Main actor.
+// Standard output in place of the focused window: a paste writes the pasteboard's text and a line
+// break. Always trusted. Main actor.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -44,7 +44,7 @@ class StandardOutputInsertion final : public Pasteboard,
     bool isProcessTrustedWithOptions(bool /*prompt*/) override { return true; }
     std::string reasonForDistrust() override { return {}; }
 
-    /// False when standard output did not take the text (a full disk, a closed pipe).
+    /// False when writing to standard output failed (a full disk, a closed pipe).
     bool wroteAll() const { return wroteAll_; }
 
   private:

@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using Case = AppState::Phase::Case;
 
-/// A meter in a terminal reads smooth from about ten steps a second; each step costs a redraw.
+/// About ten steps a second make a meter look smooth in a terminal; each step costs a redraw.
 constexpr auto meterInterval = 80ms;
 
 } // namespace
@@ -70,7 +70,7 @@ int TerminalDictation::run() {
 
 void TerminalDictation::requestEnd() {
     endRequested_ = true;
-    endWhenQuiet(); // does nothing before the recording runs; `enter` does it then
+    endWhenQuiet(); // no effect before the recording runs; `enter` repeats it then
 }
 
 void TerminalDictation::endWhenQuiet() {
@@ -81,7 +81,7 @@ void TerminalDictation::endWhenQuiet() {
     }
 }
 
-/// Any number of changes in one turn cost one refresh in the next, when they have been stored.
+/// Any number of changes in one turn cause one refresh in the next, when they have been stored.
 void TerminalDictation::scheduleRefresh() {
     if (std::exchange(refreshScheduled_, true)) {
         return;
@@ -101,7 +101,7 @@ void TerminalDictation::refresh() {
     frame.status = state_->statusMessage().get();
     frame.level = state_->waveform().frame().get().level;
     frame.transcript = state_->interimTranscript().get();
-    // An outcome is a line of its own or the text itself, never a status that is wiped away.
+    // The final status is a line of its own, or the text itself, and is never erased.
     const bool isUnderWay = phase == Case::listening || phase == Case::processing;
     if (isUnderWay) {
         view_.show(frame);
@@ -160,7 +160,7 @@ void TerminalDictation::readInput() {
     std::array<char, 256> bytes{};
     const auto count = ::read(options_.input, bytes.data(), bytes.size());
     if (count <= 0) {
-        inputNotifier_->setEnabled(false); // the end stays readable for ever
+        inputNotifier_->setEnabled(false); // the end of input stays readable for ever
     }
     const bool hasLine =
         count > 0

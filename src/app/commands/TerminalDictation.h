@@ -1,6 +1,6 @@
-// Drives one dictation of the shared state from a terminal: shows what it publishes and turns lines
-// of input and interrupts into its operations. Main actor; `run` turns Qt's loop until the
-// dictation is over.
+// Runs one dictation of the shared state from a terminal: displays what the state publishes, and
+// turns lines of input and interrupts into its operations. Main actor; `run` runs Qt's loop until
+// the dictation is over.
 #pragma once
 
 #include "app/commands/TerminalView.h"
@@ -24,10 +24,10 @@ class TerminalDictation {
         int interrupts = -1;
         bool inputIsTerminal = false;
         bool confirmsAtOnce = false;
-        /// How long the transcript must have stood still before a requested end takes effect. A
+        /// How long the transcript must be unchanged before a requested end takes effect. A
         /// recording that is fed faster than it was spoken is still being recognised when it ends.
         std::chrono::milliseconds quietBeforeEnd{0};
-        /// Stays until the state is idle again, so that the program that pastes can fetch the text.
+        /// Waits until the state is idle again, so that the program that pastes can fetch the text.
         bool staysUntilIdle = false;
     };
 
@@ -37,7 +37,7 @@ class TerminalDictation {
     /// Returns the exit code.
     int run();
 
-    /// Ends the recording as soon as it runs. From the main actor alone.
+    /// Ends the recording as soon as it runs. Only on the main actor.
     void requestEnd();
 
   private:

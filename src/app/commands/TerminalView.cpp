@@ -16,7 +16,7 @@ using Case = AppState::Phase::Case;
 constexpr int meterWidth = 10; // columns
 constexpr std::string_view eraseLine = "\r\x1b[2K";
 
-/// Eight heights a column, so that ten columns show 80 steps of loudness.
+/// Eight heights per column, so that ten columns show 80 levels.
 std::string meter(double level) {
     constexpr std::array<std::string_view, 8> parts{"▏", "▎", "▍", "▌", "▋", "▊", "▉", "█"};
     const auto steps = static_cast<int>(std::lround(std::clamp(level, 0.0, 1.0) * meterWidth * 8));
@@ -36,7 +36,7 @@ int characterCount(std::string_view text) {
     return static_cast<int>(std::ranges::count_if(text, std::not_fn(continuesCharacter)));
 }
 
-/// The end of the text, at most `characters` long, with a sign in front where something is missing.
+/// The end of the text, at most `characters` long, with a mark in front when it was shortened.
 std::string lastCharacters(std::string_view text, int characters) {
     if (characterCount(text) <= characters) {
         return std::string(text);
@@ -50,7 +50,7 @@ std::string lastCharacters(std::string_view text, int characters) {
     return "…" + std::string(text.substr(start));
 }
 
-/// Recognised text is foreign text: what would move the cursor becomes a blank.
+/// Recognised text is not trusted: characters that would move the cursor become blanks.
 std::string withoutControls(std::string text) {
     std::ranges::replace_if(
         text, [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; },
@@ -135,7 +135,7 @@ void TerminalView::write(std::string_view text) const {
             continue;
         }
         if (written <= 0) {
-            return; // nobody reads any more; the dictation itself goes on
+            return; // the reader has gone; the dictation itself continues
         }
         text.remove_prefix(static_cast<std::size_t>(written));
     }

@@ -1,5 +1,5 @@
-// A dictation as lines of text on standard error: one line redrawn in place on a terminal, plain
-// lines elsewhere. Safe from any thread. What it says is a plain function of the state.
+// Displays a dictation as lines of text on standard error: one line redrawn in place on a terminal,
+// plain lines elsewhere. Safe from any thread. Its text is a pure function of the state.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -10,7 +10,7 @@
 
 namespace orlune {
 
-/// What the view shows of the state at one moment.
+/// The part of the state that the view displays.
 struct TerminalFrame {
     AppState::Phase::Case phase = AppState::Phase::Case::idle;
     std::string status;
@@ -18,11 +18,11 @@ struct TerminalFrame {
     std::string transcript;
 };
 
-/// The one line for a terminal of `columns` columns. A transcript too long for it keeps its end,
-/// where the speaker is.
+/// The one line for a terminal of `columns` columns. A transcript that is too long is shortened to
+/// its end, which was spoken last.
 std::string terminalLine(const TerminalFrame& frame, int columns);
 
-/// The check as a person reads it, ending in a line break.
+/// The check as readable text, ending in a line break.
 std::string readable(const IntentCheck& check);
 
 class TerminalView {
@@ -33,7 +33,7 @@ class TerminalView {
     void show(const TerminalFrame& frame);
     /// Prints whole lines above the redrawn one.
     void print(std::string_view lines);
-    /// Ends the redrawn line, so that what follows starts on its own.
+    /// Ends the redrawn line, so that later output starts on its own line.
     void finish();
 
   private:

@@ -1,5 +1,5 @@
-// The X display that windows and keys need, looked at before the toolkit starts: it would end the
-// program over one that is missing. Main thread.
+// Checks the X display that windows and keys need before the toolkit starts, which would end the
+// program if it is missing. Main thread.
 #pragma once
 
 #include <optional>
@@ -7,11 +7,11 @@
 
 namespace orlune {
 
-/// What keeps the display from being used, to go on after "a display, and "; none when it answers.
+/// Why the display cannot be used, to follow "a display, and "; none when it answers.
 std::optional<std::string> displayProblem();
 
-/// Lets the toolkit use X, in a Wayland session through Xwayland, unless the user has chosen
-/// something else. True when X it is.
+/// Makes the toolkit use X, in a Wayland session through Xwayland, unless the user has chosen
+/// another platform. True when X is used.
 bool chooseX();
 
 } // namespace orlune

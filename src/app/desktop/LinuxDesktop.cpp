@@ -27,10 +27,10 @@ namespace orlune {
 namespace {
 
 /// How long the program's end waits for a service to answer a close: a few round trips around the
-/// world, and no more than a person bears after Ctrl-C.
+/// world, and short enough after Ctrl-C.
 constexpr std::chrono::seconds closingLimit{1};
 
-/// The replacement, or what stands in its place for as long as the desktop does.
+/// The replacement if there is one, or else the real facility, which lives as long as the desktop.
 template <typename Real, typename Interface, typename Make>
 Interface& replacedOr(Interface* replacement, std::unique_ptr<Real>& real, Make make) {
     if (replacement) {
@@ -42,7 +42,7 @@ Interface& replacedOr(Interface* replacement, std::unique_ptr<Real>& real, Make 
 
 } // namespace
 
-/// In the order of their making; the last made ends first.
+/// In the order of creation; destroyed in reverse order.
 struct LinuxDesktop::Facilities {
     Facilities(Replacements replacements, TrustPrompt trustPrompt);
     ~Facilities();
@@ -112,7 +112,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
         endpoint.empty() ? configuration.endpoint : endpoint});
 }
 
-/// No work may run, on either thread, once the first facility is gone.
+/// No work may run on either thread once the first facility is destroyed.
 LinuxDesktop::Facilities::~Facilities() {
     webSockets->closeAll(closingLimit);
     background.stop();

@@ -1,6 +1,6 @@
 // Builds every real facility of a Linux desktop, bundles them, and takes them down in the right
-// order. Created on the main thread after the application object; whatever received the bundle ends
-// before it.
+// order. Created on the main thread after the application object; whatever received the bundle must
+// end before it.
 #pragma once
 
 #include "platform/Platform.h"
@@ -15,8 +15,8 @@ namespace orlune {
 
 class LinuxDesktop {
   public:
-    /// What a command that dictates once puts in the place of a real facility; a null or empty
-    /// member means the real one. The pointed-to objects outlive the desktop.
+    /// Facilities that a command for a single dictation replaces; a null or empty member means the
+    /// real one. The objects must outlive the desktop.
     struct Replacements {
         Accessibility* accessibility = nullptr;
         Pasteboard* pasteboard = nullptr;
@@ -38,9 +38,9 @@ class LinuxDesktop {
 
     const Platform& platform() const;
 
-    /// From now on no key is seen while the screen is locked. `onLock` is called on the main thread
-    /// at each lock, before the keys that are down then are told to have come up: what was begun
-    /// with them can be cancelled instead of finished.
+    /// From now on no key is reported while the screen is locked. `onLock` is called on the main
+    /// thread at each lock, before the release of held keys is reported, so that a dictation that
+    /// they started can be cancelled instead of finished.
     void watchScreenLock(std::function<void()> onLock);
 
   private:

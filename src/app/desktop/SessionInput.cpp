@@ -23,19 +23,19 @@
 
 namespace orlune {
 
-/// In the order of their making; the last made ends first.
+/// In the order of creation; destroyed in reverse order.
 struct SessionInput::Parts {
     std::unique_ptr<WaylandConnection> wayland;
     std::unique_ptr<Portal> portal;
     std::unique_ptr<TokenStore> tokens;
     std::unique_ptr<ShortcutSource> source;
     std::unique_ptr<KeyInjector> injector;
-    /// Whether what the injector presses joins the modifiers that the user holds.
+    /// Whether the injected keys combine with the modifiers that the user holds.
     bool sharesModifiers = false;
     std::unique_ptr<DataControlPasteboard> dataControl;
     std::unique_ptr<QtPasteboard> clipboard;
     std::unique_ptr<Accessibility> accessibility;
-    std::unique_ptr<XInputKeyEvents> keys; // before what posts, which asks it and reports to it
+    std::unique_ptr<XInputKeyEvents> keys; // outlives `posting`, which queries and informs it
     std::unique_ptr<KeyEventPosting> posting;
 
     void findWayland(const PlatformConfiguration& configuration);
@@ -45,8 +45,7 @@ struct SessionInput::Parts {
     void log(const Logger& logger) const;
 };
 
-/// What a Wayland session offers: only its offers count, not its name. What needs no consent comes
-/// first.
+/// Selects by what the session offers, not by its name. Facilities that need no consent come first.
 void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration) {
     if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
         return;
@@ -63,8 +62,8 @@ void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration
         sharesModifiers = true;
     }
     source = SwayBindings::open(swaySocket(), configuration.fnKey);
-    // From version 6 on, Plasma shows X clients these keys, both edges of a modifier too, of which
-    // its service then reports only the second.
+    // From version 6 on, Plasma also shows X clients these keys, with press and release of
+    // modifiers, for which its service then reports only the release.
     if (!source && qgetenv("KDE_SESSION_VERSION") == "5") {
         source = KGlobalAccel::open(QDBusConnection::sessionBus(), configuration.fnKey);
     }
@@ -95,7 +94,7 @@ void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration
         *injector, InjectedPaste::Surroundings{
                        .chord = chord,
                        .ownPrimarySelection = [this] { return ownPrimarySelection(); },
-                       // A virtual keyboard has modifiers of its own; the user's do not join them.
+                       // A virtual keyboard has its own modifiers, separate from the user's.
                        .isShortcutHeld = [] { return false; }});
 }
 

@@ -1,6 +1,6 @@
-// How the program sees its shortcut, pastes and copies in this session, and what the user has to
-// allow for it: chosen once, by asking the desktop what it offers. Main thread, after the
-// application object.
+// How the program sees its shortcut, pastes and copies in this session, and what the user must
+// allow for it. Selected once, from what the desktop offers. Main thread, after the application
+// object.
 #pragma once
 
 #include "platform/Accessibility.h"
@@ -29,7 +29,7 @@ class SessionInput {
     Pasteboard& pasteboard();
     Accessibility& accessibility();
 
-    /// While the screen is locked no key is reported; locking releases all that is down.
+    /// While the screen is locked no key is reported; locking releases all held keys.
     void setLocked(bool isLocked);
 
   private:

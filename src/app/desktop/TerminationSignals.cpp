@@ -13,7 +13,7 @@ namespace {
 
 constexpr int terminationSignals[] = {SIGTERM, SIGINT, SIGHUP};
 
-// A handler knows nothing but what is global.
+// A signal handler can only use globals.
 volatile sig_atomic_t wakeUpDescriptor = -1;
 
 void onSignal(int) {

@@ -1,6 +1,6 @@
-// SIGTERM, SIGINT and SIGHUP as something to wait for in a loop. Installed on the main thread
-// before others start; one exists at a time. The signals are caught, not blocked: programs that
-// this one starts receive theirs as ever.
+// SIGTERM, SIGINT and SIGHUP as a descriptor for a loop. Installed on the main thread before other
+// threads start; only one may exist at a time. The signals are caught, not blocked, so that
+// programs started by this one receive theirs as usual.
 #pragma once
 
 #include "platform/linux/runtime/FileDescriptor.h"
@@ -11,14 +11,14 @@ class TerminationSignals {
   public:
     /// Throws std::system_error.
     TerminationSignals();
-    /// From here on the signals end the process again.
+    /// Restores the default: the signals end the process again.
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-    /// Readable once a signal has come.
+    /// Becomes readable when a signal arrives.
     int descriptor() const { return wakeUp_.get(); }
-    /// Until the next one comes.
+    /// Makes it unreadable until the next signal.
     void take() const;
 
   private:

@@ -1,5 +1,4 @@
-// Tells the user, in one dialog, what keeps text from being pasted and how to allow it. Main
-// thread.
+// A dialog that tells the user what keeps text from being pasted and how to allow it. Main thread.
 #pragma once
 
 #include <QPointer>
@@ -17,7 +16,7 @@ class TrustDialog {
     TrustDialog(const TrustDialog&) = delete;
     TrustDialog& operator=(const TrustDialog&) = delete;
 
-    /// Returns at once. While the dialog is open it takes the new reason instead of a second one.
+    /// Returns at once. An open dialog shows the new reason; no second one opens.
     void show(const std::string& reason);
 
   private:

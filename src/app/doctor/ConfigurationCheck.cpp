@@ -13,7 +13,7 @@ using Kind = SettingsFile::Contents::Kind;
 
 constexpr auto name = "configuration";
 
-/// Nothing when the file is sound or not there.
+/// No findings when the file is valid or missing.
 Findings checkDefaults(const std::filesystem::path& folder) {
     const SettingsFile file(folder / FileUserDefaults::fileName);
     const auto contents = file.read(largestDefaultsFileBytes);

@@ -1,4 +1,4 @@
-// The two configuration files. Reads them and changes nothing.
+// Checks the two configuration files, without changing them.
 #pragma once
 
 #include "app/doctor/Finding.h"

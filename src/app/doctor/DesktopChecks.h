@@ -1,4 +1,5 @@
-// Session, keys, clipboard and tray, judged from what the display and the session bus tell. Pure.
+// Checks session, keys, clipboard and tray from the answers of the display and the session bus.
+// Pure.
 #pragma once
 
 #include "app/doctor/Finding.h"
@@ -16,10 +17,10 @@ struct DesktopFacts {
     std::optional<DisplayFacts> display; ///< none when no X server answers
     std::optional<WaylandFacts> wayland; ///< none when no compositor answers
     bool hasSway = false;                ///< its socket answers
-    bool hasGlobalAccel = false;         ///< KGlobalAccel, where Plasma reports both edges by it
-    bool hasPortal = false;              ///< the desktop portal runs
-    bool isPastingAllowed = false;       ///< the user consented to it in the portal's dialog
-    bool hasTrayHost = false;            ///< of the kind that is found over D-Bus
+    bool hasGlobalAccel = false;   ///< KGlobalAccel, with which Plasma reports press and release
+    bool hasPortal = false;        ///< the desktop portal runs
+    bool isPastingAllowed = false; ///< the user consented in the portal's dialog
+    bool hasTrayHost = false;      ///< of the kind that is found over D-Bus
 };
 
 Findings checkDesktop(const DesktopFacts& facts);

@@ -1,5 +1,5 @@
-// What one check of `orlune doctor` found. A plain value: how it is found and how it is shown do
-// not know each other.
+// The result of one check of `orlune doctor`. A plain value, independent of how it is found and
+// displayed.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@ namespace orlune {
 struct Finding {
     enum class State {
         ok,
-        warning, ///< dictation works, with a limit that the user should know
-        fail,    ///< dictation does not work as long as this holds
+        warning, ///< dictation works, with a limitation that the user should know
+        fail,    ///< dictation does not work while this lasts
     };
 
     std::string name;

@@ -1,4 +1,4 @@
-// Whether Orlune is running, and can be reached.
+// Checks whether Orlune is running and can be reached.
 #pragma once
 
 #include "app/doctor/Finding.h"

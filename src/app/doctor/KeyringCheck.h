@@ -1,4 +1,4 @@
-// The keyring and whether it holds the API key, which itself is shown nowhere.
+// Checks the keyring and whether it holds the API key, which is never shown.
 #pragma once
 
 #include "app/doctor/Finding.h"
@@ -6,7 +6,7 @@
 
 namespace orlune {
 
-/// Reads the key once, within the bound of `secrets`.
+/// Reads the key once, within the time limit of `secrets`.
 Findings checkKeyring(SecretItems& secrets);
 
 } // namespace orlune

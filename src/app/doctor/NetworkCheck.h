@@ -1,4 +1,4 @@
-// Whether the speech service can be reached, judged from one attempt. Pure.
+// Checks whether the speech service can be reached, from the result of one attempt. Pure.
 #pragma once
 
 #include "app/doctor/Finding.h"

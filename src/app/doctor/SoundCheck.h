@@ -1,4 +1,4 @@
-// The microphone, judged from what the sound server tells and half a second of listening. Pure.
+// Checks the microphone, from the sound server's answers and half a second of recording. Pure.
 #pragma once
 
 #include "app/doctor/Finding.h"

@@ -24,7 +24,7 @@ constexpr auto introspection = R"(<interface name="org.freedesktop.Application">
 )";
 
 bool isCall(const QDBusMessage& message, const char* interface) {
-    // D-Bus lets a caller leave the interface out.
+    // On D-Bus the interface of a call is optional.
     return message.interface().isEmpty() || message.interface() == QLatin1String(interface);
 }
 
@@ -46,7 +46,8 @@ class RemoteControl::Door final : public QDBusVirtualObject {
     }
 
     Claim claim() {
-        // The object first: whoever sees the name may call at once.
+        // The object is registered first, since another program may call as soon as it sees the
+        // name.
         if (!bus_.isConnected() || !bus_.registerVirtualObject(QLatin1String(busPath), this)) {
             return Claim::noBus;
         }
@@ -81,7 +82,7 @@ class RemoteControl::Door final : public QDBusVirtualObject {
         if (isCall(message, applicationInterface, "Activate", "a{sv}")) {
             handlers_.reopen();
         } else if (isCall(message, applicationInterface, "Open", "asa{sv}")) {
-            // There are no documents to open.
+            // The program has no documents to open.
         } else if (isCall(message, busInterface, keyChangedMethod, "")) {
             handlers_.keyChanged();
         } else if (const auto request = requestIn(message)) {
@@ -94,7 +95,7 @@ class RemoteControl::Door final : public QDBusVirtualObject {
                 return true;
             }
         } else {
-            return false; // the bus library answers that there is no such method
+            return false; // the bus library answers with an unknown method error
         }
         answer(message, connection, {});
         return true;

@@ -1,7 +1,7 @@
-// The running program's door for the other programs of the session: one name on D-Bus, which only
-// one instance can have, and what may be asked there. Main thread, with Qt's loop running; the
-// handlers are called there. Without a session bus it stands closed, and nothing else changes.
-// Nothing that was said ever passes through it.
+// The D-Bus interface of the running program: one name, which only one instance can own, and the
+// methods that other programs of the session may call. Main thread, with Qt's loop running; the
+// handlers are called there. Does nothing without a session bus. What was said never passes through
+// it.
 #pragma once
 
 #include "app/remote/RemoteRequest.h"
@@ -16,13 +16,13 @@ namespace orlune {
 class RemoteControl {
   public:
     struct Handlers {
-        /// The program was launched once more.
+        /// The program was launched again.
         std::function<void()> reopen;
-        /// Returns why a request was turned down; none when it was carried out.
+        /// Returns why a request was refused; none when it was carried out.
         std::function<std::optional<std::string>(RemoteRequest)> perform;
-        /// A JSON object about the present state.
+        /// A JSON object about the current state.
         std::function<std::string()> status;
-        /// The key in the keyring was changed from outside.
+        /// Another program has changed the key in the keyring.
         std::function<void()> keyChanged;
     };
     enum class Claim { granted, anotherRuns, noBus };
@@ -32,10 +32,10 @@ class RemoteControl {
     RemoteControl(const RemoteControl&) = delete;
     RemoteControl& operator=(const RemoteControl&) = delete;
 
-    /// Takes the name. Calls are answered once the loop runs.
+    /// Acquires the name. Calls are answered once the loop runs.
     Claim claim();
-    /// Gives the name up, so that the next launch starts anew; done when it returns. A `quit` does
-    /// this before it is answered.
+    /// Releases the name before it returns, so that the next launch starts a new instance. A `quit`
+    /// does this before it is answered.
     void release();
 
   private:

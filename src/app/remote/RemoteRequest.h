@@ -1,5 +1,5 @@
-// What can be asked of a running Orlune, under the same names on the command line, as actions of
-// the desktop file and, with a capital letter, as methods on D-Bus. Plain values.
+// The requests to a running Orlune. They have the same names on the command line, as actions of the
+// desktop file and, capitalised, as methods on D-Bus. Plain values.
 #pragma once
 
 #include <array>
@@ -34,18 +34,18 @@ inline constexpr std::array remoteRequests{
 std::optional<RemoteRequest> remoteRequestNamed(std::string_view name);
 /// "Toggle" for `toggle`.
 std::string busMethod(RemoteRequest request);
-/// The request behind a method's name.
+/// The request with this method name.
 std::optional<RemoteRequest> remoteRequestOfMethod(std::string_view method);
 
-// Where a running instance is found on the session bus.
+// The address of a running instance on the session bus.
 inline constexpr auto busName = "app.orlune.Orlune";
 inline constexpr auto busPath = "/app/orlune/Orlune";
 inline constexpr auto busInterface = "app.orlune.Orlune1";
-/// The name of the error with which a request is turned down, with a text for a person.
+/// The name of the error for refused requests, which has a text for the user.
 inline constexpr auto refusalError = "app.orlune.Orlune1.Error.Refused";
-/// Not a request of a person: the key in the keyring was set or removed. The key is not passed.
+/// Not a user's request: the key in the keyring was set or removed. The key is not passed.
 inline constexpr auto keyChangedMethod = "KeyChanged";
-/// How desktops start and reach programs.
+/// The interface by which desktops start and reach programs.
 inline constexpr auto applicationInterface = "org.freedesktop.Application";
 
 } // namespace orlune

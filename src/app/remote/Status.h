@@ -1,5 +1,5 @@
-// What a running Orlune tells about itself to the programs of the session. Never what was said: no
-// transcript, no goal, nothing that was pasted. Pure functions.
+// What a running Orlune reports about itself to the programs of the session. It never contains what
+// was said: no transcript, no goal, no pasted text. Pure functions.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -10,11 +10,11 @@
 
 namespace orlune {
 
-/// One JSON object. `message` is why a dictation failed, and null in any other phase.
+/// One JSON object. `message` says why a dictation failed; it is null in any other phase.
 std::string statusJson(const AppState& state);
 
-/// The same as one line for a person, from the JSON that came over the bus; none when it is not
-/// what `statusJson` makes.
+/// The same as one readable line, from the JSON that came over the bus; none when `statusJson`
+/// would not write it.
 std::optional<std::string> statusLine(std::string_view json);
 
 } // namespace orlune

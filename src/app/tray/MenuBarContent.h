@@ -1,5 +1,5 @@
-// The menu of the program's tray icon. What its items say follows the state at all times, because
-// panels keep a copy of it. Main thread.
+// The menu of the program's tray icon. Its items follow the state at all times, because panels keep
+// a copy of the menu. Main thread.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -14,7 +14,7 @@ namespace orlune {
 
 class MenuBarContent {
   public:
-    /// What the items do that is not the state's.
+    /// The actions of items that do not belong to the state.
     struct Actions {
         std::function<void()> openMainWindow;
         std::function<void()> openSettings;
@@ -25,7 +25,7 @@ class MenuBarContent {
 
     QMenu& menu() { return menu_; }
 
-    /// "Stop Dictation" while one listens, else "Start Dictation".
+    /// "Stop Dictation" while a dictation listens, else "Start Dictation".
     static QString dictationTitle(const AppState& state);
 
   private:

@@ -1,5 +1,5 @@
-// The program's icon in the desktop's tray: tells the phase, opens the menu. It appears when the
-// desktop has a tray, which may be long after the program started, or never. Main thread.
+// The program's icon in the desktop's tray: shows the phase, opens the menu. It appears when the
+// desktop has a tray, which may be long after the program's start, or never. Main thread.
 #pragma once
 
 #include "app/tray/MenuBarContent.h"
@@ -16,7 +16,7 @@ namespace orlune {
 
 /// The name of the symbol for a phase.
 QString menuBarSymbol(const AppState::Phase& phase);
-/// The symbol in white with a dark edge, so that it is seen on light and on dark panels.
+/// The symbol in white with a dark edge, visible on light and dark panels.
 QIcon menuBarIcon(const QString& symbol);
 
 class StatusItem {
@@ -36,7 +36,7 @@ class StatusItem {
     KeyEvents& keyEvents_;
     const std::function<void()> openMainWindow_;
     MenuBarContent content_;
-    std::optional<QSystemTrayIcon> icon_; ///< from the moment there is a tray
+    std::optional<QSystemTrayIcon> icon_; ///< created once there is a tray
     QString shownSymbol_;
     ui::Observation observation_;
     TrayHost host_;
