@@ -16,7 +16,7 @@ std::uint16_t portOf(const std::string& text) {
     return port;
 }
 
-/// The first line of a file; never part of any message.
+/// The first line of a file, which no message may contain.
 std::string readKey(const std::string& path) {
     std::ifstream file(path);
     std::string key;

@@ -1,7 +1,7 @@
 #pragma once
 
 // The arguments of orlune-local-service. A value, read once at start.
-// Arguments that make no sense are a UsageError with a text for people; files that cannot be read a
+// Invalid arguments throw UsageError with a text for the user; unreadable files throw
 // std::runtime_error.
 
 #include "localservice/LocalService.h"
@@ -26,7 +26,7 @@ class CommandLine {
 
     bool wantsHelp() const { return wantsHelp_; }
     bool exitsWithParent() const { return exitsWithParent_; }
-    /// What the service is to do. Reads the files that were named.
+    /// The service's options. Reads the files that were named.
     LocalService::Options options() const;
 
   private:

@@ -12,8 +12,7 @@ namespace {
 void append(std::string& text, const boost::json::value& value);
 
 void appendNumber(std::string& text, double number) {
-    // The shortest digits that read back as the same number, without an exponent where people
-    // expect none.
+    // The shortest digits that read back as the same number, without an exponent.
     std::array<char, 400> digits{};
     const auto format =
         std::abs(number) < 1e15 ? std::chars_format::fixed : std::chars_format::general;

@@ -1,7 +1,7 @@
 #pragma once
 
-// JSON text as the service writes it: no spaces, numbers in plain decimals ("1.08", never
-// "1.08E0"). A free function, safe on any thread, which cannot fail.
+// JSON text in the service's format: no spaces, numbers in plain decimals ("1.08", never "1.08E0").
+// A free function, safe on any thread, which cannot fail.
 
 #include <boost/json/value.hpp>
 

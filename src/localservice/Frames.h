@@ -1,7 +1,7 @@
 #pragma once
 
-// WebSocket frames written by hand, byte by byte, so that a script can also send what no correct
-// server would. Free functions on values, safe on any thread; they cannot fail.
+// Builds WebSocket frames byte by byte, so that a script can also send what no correct server
+// would. Free functions on values, safe on any thread; they cannot fail.
 
 #include <cstdint>
 #include <string>
@@ -20,13 +20,13 @@ enum class FrameKind : std::uint8_t {
 
 struct FrameStyle {
     bool finished = true; ///< the last frame of its message
-    bool masked = false;  ///< which only a client may do
+    bool masked = false;  ///< only clients may mask
 };
 
 std::string frame(FrameKind kind, std::string_view payload, FrameStyle style);
 
 struct MessageStyle {
-    std::size_t fragments = 1; ///< frames the message is cut into, of about equal size
+    std::size_t fragments = 1; ///< the message is split into this many frames of about equal size
     bool pingBetween = false;  ///< a ping stands between any two fragments
     bool masked = false;
 };

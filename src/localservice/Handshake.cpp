@@ -20,8 +20,8 @@ struct QueryItem {
     std::string_view value;
 };
 
-/// What a stream asks for. Another value would ask for audio or answers that this service does not
-/// have.
+/// The required query. Other values would request audio or answers that this service does not
+/// support.
 constexpr std::array queryItems = {
     QueryItem{"model", "nova-3"},      QueryItem{"language", "en-US"},
     QueryItem{"encoding", "linear16"}, QueryItem{"sample_rate", "16000"},

@@ -1,8 +1,8 @@
 #pragma once
 
-// Whether a request opens a stream, and what is answered when it does not.
-// Free functions on values, safe on any thread. A refusal is a value with the exact text; the key
-// is never in it.
+// Decides whether a request opens a stream, and how it is refused otherwise.
+// Free functions on values, safe on any thread. A refusal is a value with the exact text, which
+// never contains the key.
 
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/message.hpp>
@@ -22,21 +22,21 @@ struct Refusal {
     std::string message; ///< as in "err_msg" and the header "dg-error"
 };
 
-/// How the request says who it is.
+/// The credentials of a request.
 struct Authorization {
     std::string scheme;
     bool accepted = false;
 };
 
-/// Only "Token" with a key is accepted: any key, unless one is required.
+/// Accepts only "Token" with a key: any key, unless one is required.
 Authorization checkAuthorization(const HandshakeRequest& request,
                                  const std::optional<std::string>& requiredKey);
 
-/// What is wrong with the request, first fault first; nothing when the stream may begin.
+/// The first fault of the request; none when the stream may begin.
 std::optional<Refusal> checkHandshake(const HandshakeRequest& request,
                                       const Authorization& authorization);
 
-/// The answer of the real service to a request that it refuses.
+/// The real service's answer to a request that it refuses.
 HandshakeRefusal refusalResponse(const Refusal& refusal, std::string_view requestID);
 
 } // namespace orlune

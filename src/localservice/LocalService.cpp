@@ -82,7 +82,7 @@ asio::awaitable<void> open(std::shared_ptr<Peer> peer, const HandshakeRequest& r
         observation.authorizationScheme = authorization.scheme;
         observation.authorized = authorization.accepted;
     });
-    // A script refuses for its own reason, but only a client whose request is right gets to it.
+    // A scripted refusal applies only to requests that are otherwise valid.
     const auto refusal = checkHandshake(request, authorization);
     if (refusal) {
         peer->log(refusal->message);
@@ -149,8 +149,8 @@ class LocalService::Server {
         return acceptor_.local_endpoint().port();
     }
 
-    /// Ends the thread. Connections are cut when this object goes, after the workers have nothing
-    /// left to hand it.
+    /// Ends the thread. Connections are cut when this object is destroyed, after the workers have
+    /// finished.
     void end() {
         io_.stop();
         if (thread_.joinable()) {
@@ -166,8 +166,8 @@ class LocalService::Server {
             auto token = asio::redirect_error(asio::use_awaitable, error);
             auto socket = co_await acceptor_.async_accept(token);
             if (error) {
-                // Out of descriptors, or the client is gone already: not a reason to give up, nor
-                // to spin.
+                // Descriptors are exhausted, or the client has already gone: neither a reason to
+                // stop nor to retry at once.
                 co_await pause(std::chrono::milliseconds(50));
                 continue;
             }

@@ -1,9 +1,9 @@
 #pragma once
 
-// A speech service on this machine that speaks the wire protocol of the live transcription service:
-// it recognises what it hears, or plays a script. Whoever makes it owns it; it serves 127.0.0.1 on
-// a thread of its own, on which it also calls `log`. start() throws std::runtime_error with a text
-// for people; faults of clients end their connection only.
+// A speech service on this machine that speaks the protocol of the live transcription service: it
+// recognises what it receives, or plays a script. Owned by its creator; serves 127.0.0.1 on its own
+// thread, on which it also calls `log`. start() throws std::runtime_error with a text for the user;
+// faults of clients only end their connection.
 
 #include "localservice/Observation.h"
 #include "localservice/PocketSphinxRecogniser.h"
@@ -32,15 +32,15 @@ class LocalService {
         std::uint16_t port = 0; ///< 0 lets the system choose
         std::optional<Script> script = std::nullopt;
         std::filesystem::path modelDirectory = PocketSphinxRecogniser::defaultModelDirectory;
-        /// Another recogniser than PocketSphinx. Called on any thread.
+        /// A recogniser other than PocketSphinx. Called on any thread.
         RecogniserFactory makeRecogniser = nullptr;
         std::optional<Encryption> encryption = std::nullopt;
-        /// Without one, every key is accepted that is not empty.
+        /// If not set, every non-empty key is accepted.
         std::optional<std::string> requiredKey = std::nullopt;
-        /// A stream without audio for so long is ended, as the real service does after 10 to 12 s.
+        /// A stream without audio for this long is ended; the real service takes 10 to 12 s.
         std::chrono::milliseconds audioTimeout{11000};
         bool observe = true;    ///< keep observations: for tests, they grow with every message
-        bool keepAudio = false; ///< keep the audio in them too
+        bool keepAudio = false; ///< also keep the audio in them
         std::function<void(const std::string&)> log =
             nullptr; ///< one line about a connection, never a key
     };
@@ -50,16 +50,16 @@ class LocalService {
     LocalService(const LocalService&) = delete;
     LocalService& operator=(const LocalService&) = delete;
 
-    /// Loads the model, listens and returns the port. Once only.
+    /// Loads the model, listens and returns the port. May be called only once.
     std::uint16_t start();
-    /// Ends all connections and waits for the threads. Harmless when repeated.
+    /// Ends all connections and waits for the threads. May be repeated.
     void stop();
 
     /// "ws://127.0.0.1:PORT", or "wss://...".
     std::string address() const;
-    /// A snapshot of what was seen, one element per connection, in order of arrival.
+    /// A snapshot of the observations, one element per connection, in order of arrival.
     std::vector<Observation> observations() const;
-    /// Waits until the condition holds of them, at most for `limit`; whether it came to hold. Any
+    /// Waits until the condition holds for them, at most for `limit`; returns whether it held. Any
     /// thread.
     bool waitUntil(const std::function<bool(const std::vector<Observation>&)>& condition,
                    std::chrono::milliseconds limit) const;

@@ -28,7 +28,7 @@ bool isFirstPerson(std::string_view word) {
     return word == "i" || word.starts_with("i'");
 }
 
-/// "now" as the service writes it: UTC with milliseconds.
+/// The current time in the service's format: UTC with milliseconds.
 std::string timestamp() {
     using namespace std::chrono;
     const auto now = floor<milliseconds>(system_clock::now());
@@ -95,7 +95,7 @@ std::string speechStartedMessage(double timestamp) {
 
 std::string metadataMessage(const StreamSummary& summary, std::string_view requestID) {
     const json::object models{{modelUUID, modelInfo()}};
-    // A list of one element: braces around a single string would make an array out of its copy.
+    // A named list of one element: braces around a single string would make an array of its copy.
     json::array modelList;
     modelList.emplace_back(modelUUID);
     const json::object message{{"type", "Metadata"},      {"transaction_key", "deprecated"},

@@ -1,8 +1,8 @@
 #pragma once
 
-// What the service saw of its clients, for tests to look at. `ObservationLog` is owned by the
-// service and shared with its connections; any thread may call it. The value of the Authorization
-// header is never kept.
+// What the service received from its clients, for tests. `ObservationLog` is owned by the service
+// and shared with its connections; any thread may call it. The value of the Authorization header is
+// never stored.
 
 #include <chrono>
 #include <condition_variable>
@@ -31,11 +31,11 @@ struct Observation {
     std::string target;
     std::vector<std::pair<std::string, std::string>> headers; ///< without Authorization
     std::string authorizationScheme;
-    bool authorized = false; ///< the key was there, and the required one where one is required
+    bool authorized = false; ///< a key was sent, and it was the required one where one is required
     unsigned status = 0;     ///< of the answer to the handshake; 0 while there is none
     std::vector<Received> received; ///< in order of arrival
     std::size_t audioBytes = 0;
-    std::vector<std::byte> audio;           ///< only when the service was told to keep it
+    std::vector<std::byte> audio;           ///< only with `keepAudio`
     std::optional<std::uint16_t> closeCode; ///< of the client's close; 1005 when it named none
     bool ended = false;                     ///< the connection is gone
     std::string end;                        ///< how it ended, in words
@@ -48,12 +48,12 @@ class ObservationLog {
   public:
     using Change = std::function<void(Observation&)>;
 
-    /// A new connection; the number names it from here on.
+    /// Adds a connection; its number identifies it from here on.
     std::size_t add();
     void change(std::size_t number, const Change& change);
     std::vector<Observation> all() const;
-    /// Waits until the condition holds of all connections, at most for `limit`; whether it came to
-    /// hold.
+    /// Waits until the condition holds for all connections, at most for `limit`; returns whether it
+    /// held.
     bool waitUntil(const std::function<bool(const std::vector<Observation>&)>& condition,
                    std::chrono::milliseconds limit) const;
 

@@ -19,13 +19,12 @@ namespace beast = boost::beast;
 namespace websocket = beast::websocket;
 using boost::system::error_code;
 
-// Longer than any real client takes; only so that a connection that says nothing does not stay for
-// ever.
+// Longer than any real client takes; limits the life of a connection that sends nothing.
 constexpr std::chrono::seconds handshakeLimit{30};
 constexpr std::chrono::seconds closeLimit{5};
 constexpr std::size_t longestMessage = std::size_t{16} << 20U;
 
-/// As opposed to a client that went away.
+/// True for an invalid message, false for a client that went away.
 bool isMalformed(const error_code& failure) {
     using beast::http::error;
     return failure.category() == make_error_code(error::bad_method).category()
@@ -45,7 +44,7 @@ Peer::Peer(ServiceContext& context, asio::ip::tcp::socket socket)
     if (context_.options.observe) {
         number_ = context_.observations.add();
     }
-    // Beast's own limits would answer for the scripted faults.
+    // Beast's own limits would interfere with the scripted faults.
     websocket::stream_base::timeout none{websocket::stream_base::none(),
                                          websocket::stream_base::none(), false};
     stream_.set_option(none);
@@ -121,7 +120,7 @@ asio::awaitable<void> Peer::refuse(HandshakeRefusal response) {
     error_code error;
     auto token = asio::redirect_error(asio::use_awaitable, error);
     co_await beast::http::async_write(transport_, response, token);
-    // The client may still be writing; closing at once could take the answer away from it.
+    // The client may still be writing; closing at once could discard the answer.
     drop(/*reset=*/false);
     co_await waitUntilGone();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-// One client: its connection, and what is remembered of it. Shared by the coroutines that read from
-// it and write to it, all on the I/O thread. Reading ends with nothing, writing with false, when
-// the connection is gone; nothing throws.
+// One client: its connection and its observation. Shared by the coroutines that read from it and
+// write to it, all on the I/O thread. When the connection is gone, reads return nothing and writes
+// return false; nothing throws.
 
 #include "localservice/Handshake.h"
 #include "localservice/ServiceContext.h"
@@ -25,22 +25,22 @@ class Peer : public std::enable_shared_from_this<Peer> {
     Peer(ServiceContext& context, boost::asio::ip::tcp::socket socket);
     ~Peer();
 
-    /// TLS, where the service has it.
+    /// Performs the TLS handshake, if the service has a certificate.
     boost::asio::awaitable<bool> encrypt();
-    /// The request that is to open a stream; a malformed one is answered with 400.
+    /// The request that should open a stream; a malformed one is answered with 400.
     boost::asio::awaitable<std::optional<HandshakeRequest>> readRequest();
     boost::asio::awaitable<void> refuse(HandshakeRefusal response);
-    /// Takes what comes, unread, until the client ends the connection.
+    /// Reads and discards data until the client ends the connection.
     boost::asio::awaitable<void> waitUntilGone();
     boost::asio::awaitable<bool> accept(const HandshakeRequest& request);
 
     boost::asio::awaitable<std::optional<Incoming>> read();
     boost::asio::awaitable<bool> send(const std::string& text);
-    /// Bytes beside the protocol. Nothing else may be written meanwhile.
+    /// Writes bytes outside the protocol. No other write may be in progress.
     boost::asio::awaitable<bool> writeRaw(std::string_view bytes);
-    /// The closing handshake, with a limit of its own.
+    /// The closing handshake, with its own time limit.
     boost::asio::awaitable<void> close(std::uint16_t code, std::string_view reason);
-    /// An end of stream, or a reset, without closing handshake.
+    /// Ends the connection without a closing handshake, by an end of stream or a reset.
     void drop(bool reset);
 
     ServiceContext& context() { return context_; }
@@ -48,7 +48,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
     const std::string& requestID() const { return requestID_; }
     void record(const ObservationLog::Change& change);
     void log(const std::string& text);
-    /// Cuts the connection after so long, unless `endLimit` comes first.
+    /// Cuts the connection after `limit`, unless `endLimit` is called first.
     void beginLimit(std::chrono::milliseconds limit);
     void endLimit() { limit_.cancel(); }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
-// 5.1 took in sphinxbase and hid most of it.
+// 5.1 includes sphinxbase and hides most of it.
 #if __has_include(<sphinxbase/cmd_ln.h>)
 #define ORLUNE_HAS_SPHINXBASE 1
 #include <sphinxbase/cmd_ln.h>

@@ -1,4 +1,4 @@
-// What of PocketSphinx differs between 5prealpha (Debian 12 and 13) and 5.1. Any thread.
+// The differences of PocketSphinx between 5prealpha (Debian 12 and 13) and 5.1. Any thread.
 #pragma once
 
 #include <pocketsphinx.h>
@@ -13,13 +13,13 @@ namespace orlune::pocketsphinx {
 
 using Decoder = std::unique_ptr<ps_decoder_t, void (*)(ps_decoder_t*)>;
 
-/// Names without the dash, and values as text. Null when the library refuses them.
+/// Names without the dash, and values as text. Null when the library rejects them.
 Decoder makeDecoder(const std::vector<std::pair<std::string, std::string>>& settings);
 
-/// The library writes a thousand lines at each start otherwise.
+/// Otherwise the library prints a thousand lines at each start.
 void silence();
 
-/// The mean of the cepstrum that the next utterance begins with.
+/// Sets the mean of the cepstrum with which the next utterance begins.
 void setCepstralMean(ps_decoder_t& decoder, std::span<const float> mean);
 
 } // namespace orlune::pocketsphinx

@@ -11,14 +11,14 @@ namespace {
 
 constexpr double secondsPerFrame = 0.01;
 
-/// What a voice is expected to sound like before any of it was heard: the mean of its cepstrum. The
-/// mean that comes with the model belongs to audio from the noise remover; this one was measured
-/// without it, over four synthetic voices, and saves every third mistake of a first utterance.
-/// Later utterances of a stream correct it.
+/// The expected mean of a voice's cepstrum before any of it was heard. The model's own mean belongs
+/// to audio from the noise remover; this one was measured without it, over four synthetic voices,
+/// and avoids a third of the mistakes in a first utterance. Later utterances of a stream correct
+/// it.
 constexpr std::array<float, 13> meanOfVoices = {57.2F, 8.2F,  6.8F,  23.2F, -1.8F, -0.7F, 5.0F,
                                                 -8.5F, -4.4F, -4.6F, 5.8F,  2.0F,  2.8F};
 
-/// The library ends the process over some unreadable models, so what it needs is looked for first.
+/// The library ends the process when some model files are unreadable, so they are checked first.
 void requireFile(const std::filesystem::path& path) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
@@ -29,8 +29,8 @@ void requireFile(const std::filesystem::path& path) {
 }
 
 /// Chosen by measuring sixteen sentences of two synthetic voices. The second search over the whole
-/// utterance ("fwdflat") gains one word in a hundred and makes every final 0.2 s later. Without the
-/// noise remover, which takes the beginning of clean speech for noise, four more words in a hundred
+/// utterance ("fwdflat") gains one word in a hundred and makes every final 0.2 s later. The noise
+/// remover takes the beginning of clean speech for noise; without it, four more words in a hundred
 /// are right. 4000 states are enough.
 pocketsphinx::Decoder makeDecoder(const std::filesystem::path& directory) {
     for (const auto* file :
@@ -55,7 +55,8 @@ pocketsphinx::Decoder makeDecoder(const std::filesystem::path& directory) {
     return decoder;
 }
 
-/// Words of the dictionary, not its marks for silence and noise ("<sil>", "[NOISE]", "++UH++").
+/// True for words of the dictionary, false for its marks for silence and noise ("<sil>", "[NOISE]",
+/// "++UH++").
 bool isSpoken(std::string_view word) {
     return !word.empty() && word.front() != '<' && word.front() != '[' && word.front() != '+';
 }
@@ -97,7 +98,7 @@ std::vector<RecognisedWord> PocketSphinxRecogniser::words() const {
         if (!isSpoken(text)) {
             continue;
         }
-        // "the(2)" is the second way of saying "the".
+        // "the(2)" is the second pronunciation of "the".
         text = text.substr(0, text.find('('));
         int first = 0;
         int last = 0;

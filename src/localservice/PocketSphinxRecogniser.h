@@ -1,9 +1,9 @@
 #pragma once
 
-// The recogniser of PocketSphinx with its US English model: about 0.4 s and 100 MB to make, then a
-// tenth of one core while somebody speaks. Owned by the pool that lends it out, used by one thread
-// at a time; instances share nothing. A model that is missing or cannot be read is a
-// std::runtime_error which names the file.
+// The recogniser of PocketSphinx with its US English model: creating it takes about 0.4 s and 100
+// MB, running it a tenth of one core during speech. Owned by the pool that lends it out, used by
+// one thread at a time; instances share nothing. A model that is missing or unreadable throws
+// std::runtime_error with the file's name.
 
 #include "localservice/Recogniser.h"
 
@@ -15,7 +15,7 @@ namespace orlune {
 
 class PocketSphinxRecogniser final : public Recogniser {
   public:
-    /// Where Debian's pocketsphinx-en-us puts the model.
+    /// Where Debian's pocketsphinx-en-us installs the model.
     static constexpr const char* defaultModelDirectory = "/usr/share/pocketsphinx/model/en-us";
 
     explicit PocketSphinxRecogniser(const std::filesystem::path& modelDirectory);

@@ -1,9 +1,9 @@
 #pragma once
 
-// Turns the audio of one utterance at a time into words. Owned by whoever decodes a stream; an
-// instance is used by one thread at a time. Decoding costs much: never call it on a thread that
-// serves sockets. Nothing here can fail except the making of an instance, which throws
-// std::runtime_error with a text for people.
+// Turns audio into words, one utterance at a time. Owned by the code that decodes a stream; an
+// instance is used by one thread at a time. Decoding is expensive: never call it on a thread that
+// serves sockets. Only the creation of an instance can fail; it throws std::runtime_error with a
+// text for the user.
 
 #include <cstdint>
 #include <functional>
@@ -23,7 +23,7 @@ struct RecognisedWord {
 
 class Recogniser {
   public:
-    /// The one sample rate of every recogniser, in hertz: the acoustic model is made for it.
+    /// The only sample rate of every recogniser, in hertz: the acoustic model requires it.
     static constexpr int sampleRate = 16000;
 
     virtual ~Recogniser() = default;
@@ -33,7 +33,7 @@ class Recogniser {
     virtual void feed(std::span<const std::int16_t> samples) = 0;
     /// The best guess so far. Word times count from the start of the utterance.
     virtual std::vector<RecognisedWord> partial() = 0;
-    /// The final words of the utterance, which is over after this.
+    /// The final words of the utterance, which then has ended.
     virtual std::vector<RecognisedWord> endUtterance() = 0;
 };
 

@@ -1,8 +1,7 @@
 #pragma once
 
-// Lends recognisers to streams and keeps a few of those that come back, because making one takes
-// long. Owned by the service; any thread may borrow or give back. Borrowing throws what the factory
-// throws.
+// Lends recognisers to streams and keeps a few that are returned, because creating one takes long.
+// Owned by the service; any thread may borrow or return. Borrowing throws what the factory throws.
 
 #include "localservice/Recogniser.h"
 
@@ -16,7 +15,7 @@ class RecogniserPool : public std::enable_shared_from_this<RecogniserPool> {
 
     explicit RecogniserPool(RecogniserFactory factory) : factory_(std::move(factory)) {}
 
-    /// Makes the first one now, so that the first stream finds it ready.
+    /// Creates the first one now, so that the first stream does not wait for it.
     void warmUp() { borrow(); }
 
     Loan borrow() {

@@ -20,11 +20,10 @@ constexpr std::string_view notAudioReason = "DATA-0000: the payload cannot be de
 constexpr std::string_view noRecogniserReason = "The recogniser could not be started.";
 
 constexpr std::size_t bytesPerJob =
-    32000; // a second of audio: what a client waits for another one at most
-constexpr std::size_t mostQueuedBytes =
-    4U << 20U; // two minutes; a faster client is slowed down by TCP
+    32000; // a second of audio: the longest wait of one client for another
+constexpr std::size_t mostQueuedBytes = 4U << 20U; // two minutes; TCP slows a faster client down
 
-/// The "type" of a text message, or nothing when it has none.
+/// The "type" of a text message, or an empty text when it has none.
 std::string typeOf(const std::string& text) {
     boost::system::error_code error;
     const auto value = boost::json::parse(text, error);
@@ -85,7 +84,7 @@ void RecognitionSession::sortText(std::string text) {
 
 void RecognitionSession::sortBinary(std::string payload) {
     if (payload.empty() || closing_) {
-        // An empty message, or audio behind CloseStream.
+        // An empty message, or audio after CloseStream.
         faulty_ = true;
         closing_ = true;
         audioLimit_.cancel();
@@ -143,7 +142,7 @@ asio::awaitable<void> RecognitionSession::answerClient() {
         closing_ = true;
         co_await peer_->close(serviceFault, noRecogniserReason);
     }
-    // Whoever still reads must not wait for a queue that nobody empties.
+    // The reader must not wait for a queue that is no longer emptied.
     queuedBytes_ = 0;
     queueShrank_.notify();
 }
@@ -177,7 +176,7 @@ asio::awaitable<void> RecognitionSession::finishWith(Queued queued, std::uint16_
     auto messages = co_await transcribe(std::move(queued));
     const bool sent = co_await sendAll(std::move(messages));
     if (sent) {
-        // Audio may have come behind CloseStream while the last words were being found.
+        // Audio may have arrived after CloseStream while the last words were decoded.
         co_await peer_->close(faulty_ ? policyViolation : code, faulty_ ? notAudioReason : reason);
     }
 }

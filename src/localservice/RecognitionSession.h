@@ -1,9 +1,9 @@
 #pragma once
 
-// One stream that is really recognised. Kept alive by its two coroutines on the I/O thread: one
-// reads the client, the other takes what was read from a queue, has it decoded on a worker thread,
-// and sends everything in one order. Faults of the client end the stream with a close code, as the
-// real service does.
+// One stream with real recognition. Kept alive by its two coroutines on the I/O thread: one reads
+// from the client, the other takes the data from a queue, has it decoded on a worker thread, and
+// sends all answers in order. Faults of the client end the stream with a close code, as in the real
+// service.
 
 #include "localservice/Peer.h"
 #include "localservice/Signal.h"
@@ -47,8 +47,8 @@ class RecognitionSession : public std::enable_shared_from_this<RecognitionSessio
     boost::asio::steady_timer audioLimit_;
     std::deque<Queued> queue_;
     std::size_t queuedBytes_ = 0;
-    bool closing_ = false; // after CloseStream or a fault, nothing is expected any more
-    bool faulty_ = false;  // the client sent what it must not
+    bool closing_ = false; // after CloseStream or a fault, further messages are not processed
+    bool faulty_ = false;  // the client has violated the protocol
     bool gone_ = false;
     RecogniserPool::Loan recogniser_;        // used on the worker threads, by one job at a time
     std::optional<Transcriber> transcriber_; // likewise

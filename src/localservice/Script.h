@@ -1,8 +1,8 @@
 #pragma once
 
-// A play for the service: what it answers and which faults it commits, read from JSON
-// (docs/local-service.md). A value; reading one is safe on any thread. A script that cannot be
-// understood is a ScriptError for people to read.
+// A script for the service: its answers and the faults it simulates, read from JSON
+// (docs/local-service.md). A value; reading one is safe on any thread. An invalid script throws
+// ScriptError with a text for the user.
 
 #include "localservice/Handshake.h"
 
@@ -27,7 +27,7 @@ class ScriptError : public std::runtime_error {
 struct Script {
     using Duration = std::chrono::milliseconds;
 
-    /// The answer instead of a stream.
+    /// A refusal in place of a stream.
     struct Refuse {
         Refusal refusal;
         std::optional<std::string> body; ///< instead of the service's own JSON
@@ -36,18 +36,18 @@ struct Script {
     };
     enum class Opening {
         accept,
-        silent, ///< the connection stands, the request is never answered
-        drop,   ///< the connection ends when the request has come
+        silent, ///< the connection stays open, the request is never answered
+        drop,   ///< the connection ends when the request has arrived
         reset,  ///< the same with a TCP reset
     };
 
-    /// Bytes for the wire, already framed.
+    /// Bytes to send, already framed.
     struct Write {
         std::string bytes;
-        std::size_t pieceSize = 0; ///< bytes in each TCP write; 0 is everything in one
+        std::size_t pieceSize = 0; ///< bytes in each TCP write; 0: all in one
     };
     struct WaitForAudio {
-        double seconds = 0; ///< of audio, counted from the beginning of the stream
+        double seconds = 0; ///< of audio, from the beginning of the stream
     };
     struct WaitForText {
         std::string type; ///< of a text message, or "*"

@@ -33,7 +33,7 @@ ScriptSession::ScriptSession(std::shared_ptr<Peer> peer)
 asio::awaitable<void> ScriptSession::run(std::shared_ptr<Peer> peer) {
     const auto session = std::make_shared<ScriptSession>(std::move(peer));
     const auto playing = [session]() -> asio::awaitable<void> { co_await session->play(); };
-    // The play begins first, so that a script can stall before anything is read.
+    // The script begins first, so that it can stall before anything is read.
     asio::co_spawn(co_await asio::this_coro::executor, playing, asio::detached);
     co_await session->readClient();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-// One stream that plays a script. Kept alive by its two coroutines on the I/O thread: one reads the
-// client (unless the script stalls it), the other takes step after step. The play ends early when
-// the client is gone.
+// One stream that plays a script. Kept alive by its two coroutines on the I/O thread: one reads
+// from the client (unless the script stalls it), the other executes the steps in order. The script
+// ends early when the client is gone.
 
 #include "localservice/Peer.h"
 #include "localservice/Signal.h"
@@ -15,7 +15,7 @@ class ScriptSession : public std::enable_shared_from_this<ScriptSession> {
   public:
     explicit ScriptSession(std::shared_ptr<Peer> peer);
 
-    /// Plays the steps of the service's script; returns when the client is gone.
+    /// Executes the steps of the service's script; returns when the client is gone.
     static boost::asio::awaitable<void> run(std::shared_ptr<Peer> peer);
 
   private:
@@ -36,7 +36,7 @@ class ScriptSession : public std::enable_shared_from_this<ScriptSession> {
     boost::asio::steady_timer pause_;
     std::size_t audioBytes_ = 0;
     std::set<std::string, std::less<>>
-        textTypes_; // of what the client said, "*" once it said anything
+        textTypes_; // of the client's messages; "*" after any message
     bool stalled_ = false;
     bool gone_ = false;
 };

@@ -16,7 +16,7 @@ namespace json = boost::json;
 
 constexpr std::string_view scriptRequestID = "00000000-0000-4000-8000-000000000000";
 constexpr double mostAudioSeconds = 36000;
-constexpr std::size_t longestCloseReason = 123; // what fits into a control frame beside the code
+constexpr std::size_t longestCloseReason = 123; // what fits into a control frame with the code
 constexpr std::size_t mostMessageBytes = std::size_t{16} << 20U;
 constexpr std::size_t longestControlPayload = 125;
 
@@ -28,7 +28,7 @@ int digitOf(char letter) {
     return found == std::string_view::npos ? -1 : static_cast<int>(found);
 }
 
-/// "81 05 68" and "810568" alike.
+/// Accepts "81 05 68" and "810568".
 std::string bytesOf(std::string_view hexadecimal, const ScriptMembers& members) {
     std::string bytes;
     int high = -1;
@@ -71,7 +71,7 @@ std::vector<RecognisedWord> spread(std::string_view text, double start, double d
     return words;
 }
 
-/// "interim" and "final": the text stands in the message exactly as in the script.
+/// "interim" and "final": the message contains the text exactly as in the script.
 std::string takeResults(ScriptMembers& members, bool isFinal) {
     const auto text = *members.takeString(isFinal ? "final" : "interim");
     Results results{.start = members.takeNumber("start", 0, mostAudioSeconds).value_or(0),
@@ -120,7 +120,7 @@ std::optional<std::string> takePayload(ScriptMembers& members) {
     return std::nullopt;
 }
 
-/// Grows a message with a member that nobody knows, or with spaces where it is no object.
+/// Pads a message with an unknown member, or with spaces when it is not an object.
 void pad(std::string& payload, std::size_t size) {
     if (payload.size() >= size) {
         return;
@@ -169,7 +169,7 @@ std::string closePayload(std::uint16_t code, std::string_view reason) {
     return payload.append(reason);
 }
 
-/// Everything that ends as bytes on the wire.
+/// The steps that send bytes.
 std::optional<Script::Write> takeWrite(ScriptMembers& members) {
     Script::Write write;
     if (members.has("together")) {

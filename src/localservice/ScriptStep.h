@@ -1,8 +1,7 @@
 #pragma once
 
-// Reads the steps of a script. Used by Script::parse alone; free functions on values, safe on any
-// thread. What cannot be understood is a ScriptError whose text begins with where it stands ("step
-// 3: ...").
+// Reads the steps of a script. Only used by Script::parse; free functions on values, safe on any
+// thread. An invalid step throws ScriptError, whose text begins with its place ("step 3: ...").
 
 #include "localservice/Script.h"
 
@@ -10,13 +9,13 @@
 
 namespace orlune {
 
-/// More would only fill the memory of whoever plays it.
+/// More would only fill the service's memory.
 constexpr std::size_t mostScriptBytes = std::size_t{64} << 20U;
 
-/// The members of one JSON object, taken one by one, so that a name that nobody knows is found.
+/// The members of one JSON object, taken one by one, so that unknown names are detected.
 class ScriptMembers {
   public:
-    /// `place` begins every complaint, for example "step 3".
+    /// Every error begins with `place`, for example "step 3".
     ScriptMembers(const boost::json::value& value, std::string place);
 
     bool has(std::string_view name) const { return object_.contains(name); }
@@ -28,7 +27,7 @@ class ScriptMembers {
     std::optional<std::size_t> takeCount(std::string_view name, std::size_t least,
                                          std::size_t most);
     std::optional<Script::Duration> takeSeconds(std::string_view name);
-    /// Complains about the first member that was not taken.
+    /// Throws for the first member that was not taken.
     void requireEmpty() const;
     [[noreturn]] void fail(const std::string& complaint) const;
     const std::string& place() const { return place_; }

@@ -1,7 +1,7 @@
 #pragma once
 
-// What every connection of one service shares. Owned by the service, which outlives its
-// connections; read on its I/O thread only, save for the recognisers and the observations, which
+// The state that all connections of one service share. Owned by the service, which outlives its
+// connections; only read on its I/O thread, except for the recognisers and the observations, which
 // any thread may use.
 
 #include "localservice/LocalService.h"
@@ -16,9 +16,9 @@ namespace orlune {
 struct ServiceContext {
     LocalService::Options options;
     std::optional<boost::asio::ssl::context> encryption;
-    std::shared_ptr<RecogniserPool> recognisers; ///< none when a script is played
+    std::shared_ptr<RecogniserPool> recognisers; ///< null when a script is played
     ObservationLog observations;
-    /// Where audio is decoded. Two threads: a stream that is ending must not hold up the next one.
+    /// Decode audio. Two threads, so that a stream that is ending does not delay the next one.
     boost::asio::thread_pool workers{2};
 
     void log(const std::string& line) const {

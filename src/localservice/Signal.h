@@ -1,8 +1,7 @@
 #pragma once
 
-// Lets coroutines of one thread wait until something has changed. Owned by whoever owns what
-// changes. A waiter looks at its condition again after each wake-up; nothing is remembered between
-// waits.
+// Lets coroutines of one thread wait for a change. Owned by the owner of the state that changes. A
+// waiter must check its condition again after each wake-up; nothing is remembered between waits.
 
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/redirect_error.hpp>

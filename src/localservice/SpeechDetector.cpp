@@ -7,13 +7,14 @@
 namespace orlune {
 namespace {
 
-// Decibels relative to full scale, of the differentiated signal (so without offset and mains hum).
+// Decibels relative to full scale, of the differentiated signal (which removes offset and mains
+// hum).
 constexpr double silenceLevel = -90;
 constexpr double lowestFloor = -72;
-constexpr double highestFirstFloor = -45; // someone who speaks at once must not pass for noise
+constexpr double highestFirstFloor = -45; // speech from the first frame on must not pass for noise
 constexpr double speechAboveFloor = 11;
 
-// The floor falls at once with a pause and rises slowly, more slowly still while someone speaks.
+// The floor falls at once in a pause and rises slowly, even more slowly during speech.
 constexpr double fallPerFrame = 0.3; // share of the distance
 constexpr double riseInNoise = 0.03; // decibels per frame
 constexpr double riseInSpeech = 0.005;

@@ -1,8 +1,7 @@
 #pragma once
 
-// Says of each 10 ms of audio whether it is speech, by its loudness above a noise floor that it
-// follows. A value used by one thread; it cannot fail. The same samples always give the same
-// answers.
+// Decides for each 10 ms of audio whether it is speech, by its loudness above an adaptive noise
+// floor. A value used by one thread; it cannot fail. The same samples always give the same answers.
 
 #include <cstddef>
 #include <cstdint>
@@ -15,9 +14,9 @@ class SpeechDetector {
     /// 10 ms at 16 kHz.
     static constexpr std::size_t frameSamples = 160;
 
-    /// Takes the next frame. True while someone speaks: at least half of the last 60 ms are loud.
+    /// Takes the next frame. True during speech: at least half of the last 60 ms are loud.
     bool isSpeech(std::span<const std::int16_t, frameSamples> frame);
-    /// While it is speech: how many frames ago the last loud one was.
+    /// During speech: how many frames ago the last loud one was.
     std::size_t framesSinceLoud() const;
 
   private:

@@ -10,12 +10,12 @@ namespace {
 
 // All in samples.
 constexpr std::size_t oneSecond = Recogniser::sampleRate;
-// The first answer comes at 1.08 s of audio, and one each second after it, as the real service
-// does.
+// The first answer comes at 1.08 s of audio, the next ones each second after it, as in the real
+// service.
 constexpr std::size_t firstInterim = oneSecond * 108 / 100;
 constexpr std::size_t endpointing = oneSecond * 300 / 1000; // silence that ends an utterance
 constexpr std::size_t lead = oneSecond * 300 / 1000;
-// Somebody who never pauses still gets finals: at a short dip after 12 s, at the latest after 20 s.
+// Speech without pauses still gets finals: at a short dip after 12 s, at the latest after 20 s.
 constexpr std::size_t longUtterance = oneSecond * 12;
 constexpr std::size_t longestUtterance = oneSecond * 20;
 constexpr std::size_t shortDip = oneSecond * 80 / 1000;

@@ -1,9 +1,9 @@
 #pragma once
 
-// One stream of audio in, the service's text messages out, in the order in which they are to be
+// Turns one stream of audio into the service's text messages, in the order in which they must be
 // sent. Owned by one connection and used by one thread at a time, never the one that serves
-// sockets: a call may decode for a while. What comes out depends on the audio alone, not on the
-// clock nor on how the audio was cut into messages.
+// sockets: a call may decode for a while. The messages depend only on the audio, not on the clock
+// nor on how the audio was split into messages.
 
 #include "localservice/Messages.h"
 #include "localservice/Recogniser.h"
@@ -30,9 +30,10 @@ class Transcriber {
     Transcriber(const Transcriber&) = delete;
     Transcriber& operator=(const Transcriber&) = delete;
 
-    /// Takes the next bytes of 16-bit little-endian samples; a sample may be cut in two.
+    /// Takes the next bytes of 16-bit little-endian samples; a sample may be split between two
+    /// calls.
     Messages feed(std::span<const std::byte> audio);
-    /// The end of the stream: what is left as a final, then Metadata.
+    /// The end of the stream: the rest as a final, then Metadata.
     Messages finish();
     /// An end before CloseStream: Metadata whose checksum reads "incomplete".
     Messages abandon();
@@ -54,7 +55,7 @@ class Transcriber {
     Frame frame_{};
     std::size_t frameFill_ = 0;
     std::size_t samples_ = 0; // received in whole frames
-    std::deque<Frame> lead_;  // audio just before speech, which the recogniser needs too
+    std::deque<Frame> lead_;  // audio just before speech, which the recogniser also needs
     std::byte halfSample_{};
     bool hasHalfSample_ = false;
     bool inUtterance_ = false;

@@ -1,7 +1,7 @@
 #pragma once
 
 // The bytes of one accepted connection, plain or through TLS, as one stream type for Beast. Owned
-// by its connection and used on the service's I/O thread only. Operations fail with the error codes
+// by its connection and only used on the service's I/O thread. Operations fail with the error codes
 // of the socket; closing twice is harmless.
 
 #include <boost/asio/ip/tcp.hpp>
@@ -76,7 +76,7 @@ class Transport {
         socket_.close(ignored);
     }
 
-    /// Found by Beast when the closing handshake is through.
+    /// Called by Beast when the closing handshake is complete.
     template <class Handler>
     friend void async_teardown(boost::beast::role_type role, Transport& transport,
                                Handler&& handler) {
@@ -88,7 +88,7 @@ class Transport {
         }
     }
 
-    /// Found by Beast when one of its own limits runs out.
+    /// Called by Beast when one of its own time limits expires.
     friend void beast_close_socket(Transport& transport) { transport.close(); }
 
   private:

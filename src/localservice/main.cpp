@@ -14,7 +14,7 @@ namespace {
 
 namespace asio = boost::asio;
 
-/// Reads standard input until its end, which comes when the process that started this one is gone.
+/// Reads standard input until its end, which arrives when the parent process is gone.
 class ParentWatch {
   public:
     explicit ParentWatch(asio::io_context& io) : io_(io), input_(io, ::dup(STDIN_FILENO)) {
@@ -40,7 +40,7 @@ class ParentWatch {
 
 int serve(const orlune::CommandLine& commandLine) {
     asio::io_context io;
-    // Before any thread is made, so that the signals reach this one.
+    // Before any thread is created, so that this one receives the signals.
     asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&io](boost::system::error_code, int) { io.stop(); });
 
