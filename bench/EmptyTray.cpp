@@ -1,4 +1,4 @@
-// The least that a program with an icon in the tray can be: what the toolkit costs by itself, for
+// The smallest possible program with a tray icon, which shows what the toolkit itself costs. For
 // bench/idle-beside-tray-utilities.
 #include <QApplication>
 #include <QMenu>

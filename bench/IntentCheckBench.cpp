@@ -1,4 +1,4 @@
-// What the whole intent check costs beside one bare pass of ICU with its clause pattern over the
+// The cost of the whole intent check compared with one pass of ICU with its clause pattern over the
 // same text: compare `build` with `icuPass` at the same length. Both have compiled the pattern
 // before.
 #include "core/IntentCheck.h"

@@ -1,7 +1,7 @@
-// The user's hands and another program's window, for bench/push-to-talk-beside-xdotool: holds the
-// shortcut, sees when the panel is on the screen, lets go, and sees when the text has arrived in
-// its own window; then has xdotool type the same text into the same window. Prints one line per
-// round: three times in milliseconds.
+// Plays the user and another program's window, for bench/push-to-talk-beside-xdotool. Holds the
+// shortcut, detects when the panel is on the screen, releases the shortcut, and detects when the
+// text has arrived in its own window; then has xdotool type the same text into the same window.
+// Prints one line per round: three times in milliseconds.
 //
 // usage: push_to_talk_probe ROUNDS TEXT
 
@@ -27,7 +27,7 @@ using Time = std::chrono::steady_clock::time_point;
 using namespace std::chrono_literals;
 
 constexpr auto patience = 20s;
-/// As long as the shortest thing somebody says; it has to include the opening of the microphone.
+/// As long as the shortest utterance; it must cover the opening of the microphone.
 constexpr auto speechLength = 250ms;
 
 Time now() {
@@ -58,7 +58,7 @@ class Probe {
         send(/*isDown=*/true);
         await("the panel", [this] { return colorUnderPanel() != background_; });
         const Time shown = now();
-        // What a person says takes time; the measurement is over, or has not begun.
+        // Simulates speech; nothing is measured meanwhile.
         std::this_thread::sleep_for(speechLength);
         received_.clear();
         const Time released = now();
@@ -105,7 +105,7 @@ class Probe {
         XSync(display_, False);
     }
 
-    /// Of one pixel in the middle of where the panel comes to rest.
+    /// The colour of one pixel at the centre of the panel's resting place.
     unsigned long colorUnderPanel() {
         constexpr int aboveTheEdge = 28 + 82 / 2;
         const int screen = DefaultScreen(display_);

@@ -1,6 +1,6 @@
-// What one tap of 12 ms costs on the audio thread: level, conversion and packet together, beside
-// the bare conversion of the same buffers by libsamplerate's medium sinc filter. Compare `tap` with
-// `samplerate` at the same number of channels; `tap` does more and should still cost a third.
+// The cost of one tap of 12 ms on the audio thread, with level, conversion and packet, compared
+// with the conversion alone by libsamplerate's medium sinc filter. Compare `tap` with `samplerate`
+// at the same number of channels; `tap` does more and should still cost a third.
 #include "platform/audio/SpeexAudioConverter.h"
 #include "platform/memory/MemoryAudioEngine.h"
 #include "services/AudioCaptureService.h"
@@ -20,7 +20,7 @@ namespace {
 constexpr std::uint32_t tapFrames = 576;
 constexpr double inputRate = 48000;
 
-/// Half a second of noise and tones as a microphone would deliver it.
+/// Half a second of noise and tones in the form of microphone data.
 std::vector<orlune::AudioPCMBuffer> microphoneBuffers(std::uint32_t channels) {
     const orlune::AudioFormat format{orlune::AudioFormat::Sample::float32, inputRate, channels,
                                      false};

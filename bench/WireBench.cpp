@@ -1,7 +1,7 @@
-// How long a packet takes from the audio thread to the service: yielded into the packet stream as
-// the microphone's tap does, through the send task and the client, to the moment when a peer on
-// this machine has read it. Beside it the least that could be done: a bare blocking WebSocket that
-// writes from the thread that has the packet.
+// The time of a packet from the audio thread to the service: yielded into the packet stream as by
+// the microphone's tap, through the send task and the client, until a peer on this machine has read
+// it. The lower bound for comparison is a bare blocking WebSocket that writes from the thread that
+// has the packet.
 
 #include "core/AudioPacketStream.h"
 #include "platform/concurrency/Task.h"
@@ -30,11 +30,11 @@ namespace websocket = boost::beast::websocket;
 using asio::ip::tcp;
 using Instant = std::chrono::steady_clock::time_point;
 
-constexpr std::size_t packetSize = 384; // 12 ms of sound
+constexpr std::size_t packetSize = 384; // 12 ms of audio
 constexpr int packets = 3000;
 constexpr auto pace = std::chrono::milliseconds(4);
 
-/// Reads packets that begin with the instant in which they were made.
+/// Reads packets that start with the time of their creation.
 class Listener {
   public:
     Listener() : thread_([this] { listen(); }) {}
@@ -68,7 +68,7 @@ class Listener {
     std::thread thread_;
 };
 
-/// Makes the packets at the pace of a microphone.
+/// Creates packets at the pace of a microphone.
 void speak(const std::function<void(std::string)>& yield) {
     auto next = std::chrono::steady_clock::now();
     for (int count = 0; count < packets; ++count) {

@@ -1,4 +1,4 @@
-"""What bench/soak and bench/kill put around the running program, inside scripts/session: a client of its
+"""The environment of the running program in bench/soak and bench/kill, inside scripts/session: a client of its
 D-Bus name, the X server, two windows of another program, a relay before the speech service, a sound
 server and a keyring that can be taken away. Standard library only.
 """
@@ -17,12 +17,12 @@ import subprocess
 import threading
 import time
 
-PATIENCE = 30.0  # seconds until a part counts as broken: a loaded machine is slow
-NUMBER = b"b00000000"  # stands in the service's script; the relay puts the dictation's own there
+PATIENCE = 30.0  # seconds until a part counts as broken on a loaded machine
+NUMBER = b"b00000000"  # in the service's script; the relay puts the dictation's own number there
 
 
 def wait_for(condition, seconds=PATIENCE, pause=0.002):
-    """The first true value of the condition; its last one when the time is over."""
+    """The first true value of the condition, or its last one on timeout."""
     end = time.monotonic() + seconds
     while True:
         value = condition()
@@ -80,7 +80,7 @@ class Bus:
 
     def send(self, member, name="app.orlune.Orlune", path="/app/orlune/Orlune",
              interface="app.orlune.Orlune1"):
-        """Without waiting for the answer, which the next call passes over."""
+        """Sends without waiting for the answer, which the next call skips."""
         self.serial += 1
         fields = b""
         for code, kind, text in ((1, b"o", path), (2, b"s", interface), (3, b"s", member),
@@ -133,7 +133,7 @@ class Bus:
 
 
 class XServer:
-    """Keys as another program would send them, and which keys are down."""
+    """Sends keys like another program, and reports which keys are down."""
 
     FN = 105  # right Control stands in for it
     ESCAPE = 9
@@ -162,7 +162,7 @@ class XServer:
 
 
 class Window:
-    """A terminal that keeps what is typed into it, and what it should hold."""
+    """A terminal that records what is typed into it, with the expected text."""
 
     def __init__(self, folder, name):
         self.file = folder / name
@@ -189,9 +189,9 @@ class Window:
 
 
 class Service:
-    """`orlune-local-service` once for each way it can answer, behind one address. The relay leads
-    each connection to the one that `mode` names and may break it off. Recognised is what has been
-    handed to the system for the program."""
+    """One `orlune-local-service` per way to answer, behind one address. The relay connects each client to
+    the one that `mode` names and may break the connection. Words count as recognised once they have been
+    passed to the system for the program."""
 
     WORDS = "Rename the button to " + NUMBER.decode() + "."
 
@@ -220,7 +220,7 @@ class Service:
         threading.Thread(target=self.accept, daemon=True).start()
 
     def prepare(self, mode, number, reset_after=None):
-        """For the next connection. `reset_after`: seconds from its beginning."""
+        """Sets up the next connection. `reset_after`: seconds from its beginning."""
         self.next = {"mode": mode, "words": b"b%08d" % number, "reset_after": reset_after}
         self.interim_at = self.recognised_at = self.connected_at = self.reset_at = None
 
@@ -257,8 +257,8 @@ class Service:
                     self.reset_at = time.monotonic()
                     break
         except OSError:
-            pass  # either end has gone
-        # What the program has not read yet is lost with a reset, as on a real line.
+            pass  # one end has gone
+        # A reset discards what the program has not read yet, as on a real line.
         linger = struct.pack("ii", 1, 0)
         if self.reset_at:
             client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, linger)
@@ -272,7 +272,7 @@ class Service:
 
 
 class Sound:
-    """A sound server whose microphone takes sound as fast as it is fed."""
+    """A sound server whose microphone takes audio as fast as it is fed."""
 
     RATE = 48000
 
@@ -304,7 +304,7 @@ class Sound:
         os.close(self.feed_end)
 
     def feed(self):
-        """A tenth of a second, or what there is room for."""
+        """Feeds a tenth of a second, or as much as there is room for."""
         try:
             os.write(self.feed_end, self.tenth)
         except (BlockingIOError, BrokenPipeError):
@@ -312,7 +312,7 @@ class Sound:
 
 
 class Keyring:
-    """The session's keyring; a locked one is one that was started anew without its password."""
+    """The session's keyring. To lock it, it is restarted without its password."""
 
     def __init__(self):
         self.process = None
@@ -335,7 +335,7 @@ class Keyring:
 
     @staticmethod
     def is_locked():
-        """None while there is none: asking it then would make the bus start another one."""
+        """None while no keyring runs: a call would make the bus start another one."""
         owned = quiet(["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus",
                        "/org/freedesktop/DBus", "org.freedesktop.DBus.NameHasOwner",
                        "string:org.freedesktop.secrets"]).stdout
@@ -378,7 +378,7 @@ class Orlune:
         return self.bus.status()["phase"]
 
     def reaches(self, *phases, seconds=PATIENCE):
-        """The phase, when it is one of these within the time."""
+        """The phase, if it becomes one of these in time."""
         def current():
             phase = self.phase()
             return phase if phase in phases else None
