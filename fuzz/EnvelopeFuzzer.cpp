@@ -1,5 +1,5 @@
 // Any bytes from the service are ignored or give a transcript that is trimmed UTF-8, through the
-// whole client: a message of the fuzzer's, then one that must still be understood.
+// whole client: a fuzzed message, then one that must still be understood.
 #include "core/Text.h"
 #include "platform/concurrency/Task.h"
 #include "platform/memory/ManualClock.h"

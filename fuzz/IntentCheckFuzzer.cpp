@@ -1,4 +1,4 @@
-// Any bytes give an intent check whose texts hold together.
+// Any bytes give an intent check whose texts are consistent.
 #include "core/IntentCheck.h"
 #include "core/Text.h"
 
@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expect(normalised.find_first_of("\t\n\f\r") == std::string::npos);
     expect(normalised.find("  ") == std::string::npos);
     expect(orlune::trimmedWhitespaceAndNewlines(transcript).empty() == normalised.empty());
-    // The normalised transcript is a fixed point: all else follows from it alone.
+    // The normalised transcript is a fixed point, on which everything else depends.
     expect(orlune::IntentCheckBuilder::build(normalised) == check);
 
     expect(isUtf8(check.goal));

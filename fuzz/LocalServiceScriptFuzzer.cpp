@@ -1,4 +1,4 @@
-// A script either becomes frames or a complaint; what it names in bytes is never exceeded.
+// A script becomes frames or an error; sizes that it names are never exceeded.
 
 #include "localservice/Script.h"
 

@@ -1,4 +1,5 @@
-// What a text for a person from outside must be: one line of UTF-8 without control characters.
+// The form of every text from outside that the user sees: one line of UTF-8 without control
+// characters.
 #pragma once
 
 #include <unicode/uchar.h>

@@ -1,5 +1,5 @@
-// Any file and environment give an endpoint, a key and terminals that can be used. The input is the
-// file, the endpoint, the key and the terminals, separated by NUL.
+// Any file and environment give a usable endpoint, key and terminals. The input is the file, the
+// endpoint, the key and the terminals, separated by NUL.
 #include "platform/linux/storage/PlatformConfiguration.h"
 
 #include <algorithm>

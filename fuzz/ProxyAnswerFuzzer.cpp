@@ -1,5 +1,5 @@
-// Any answer of a proxy to CONNECT ends the attempt with a text for a person, through the client's
-// own transport: the peer has no certificate, so that no input is a success.
+// Any answer of a proxy to CONNECT ends the attempt with a readable text, through the client's own
+// transport: the peer has no certificate, so no input succeeds.
 #include "fuzz/PlainText.h"
 #include "fuzz/ServicePeer.h"
 

@@ -21,7 +21,7 @@ void expect(bool condition) {
     }
 }
 
-/// A key is letters and digits; the text's own words are no leak of it.
+/// A key is letters and digits; the text's own words do not leak it.
 bool isKey(std::string_view text) {
     const auto plain = orlune::refusalText(401, {}, {}, {}, {});
     return text.size() >= shortestSecret && plain.find(text) == std::string::npos

@@ -1,5 +1,5 @@
-// Any text from the session bus names a request by its one name or none, and a status of any shape
-// is a line for a person or refused.
+// Any text from the session bus matches at most one request name, and any status becomes a readable
+// line or is refused.
 #include "app/remote/RemoteRequest.h"
 #include "app/remote/Status.h"
 

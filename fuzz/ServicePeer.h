@@ -1,5 +1,5 @@
-// A peer on this machine's loopback that answers each connection with the bytes of one input, and
-// the client's own transport that reads them. One thread; nothing is kept between two inputs.
+// A peer on the loopback interface that answers each connection with the bytes of one input, and
+// the client's own transport that reads them. One thread; no state is kept between inputs.
 #pragma once
 
 #include "platform/WebSocket.h"
@@ -39,7 +39,7 @@ class ServicePeer {
 
     /// Runs `talk` with a transport to `address` while the peer answers its request with `bytes`
     /// and ends its side of the connection. Returns the text of the client's failure; none when
-    /// `talk` succeeded. Aborts when the client waits on after the peer's end.
+    /// `talk` succeeded. Aborts when the client still waits after the peer's end.
     std::optional<std::string>
     failure(const WebSocketAddress& address, std::string_view bytes,
             const std::function<Awaitable<void>(BeastTransport&)>& talk) {
@@ -83,8 +83,8 @@ class ServicePeer {
             boost::asio::redirect_error(boost::asio::use_awaitable, error));
         co_await std::move(writing);
         socket->shutdown(tcp::socket::shutdown_send, error);
-        // What the client sends on, until it is gone: closing with unread bytes would destroy those
-        // that it has not read yet.
+        // Reads what else the client sends until it is gone: closing with unread bytes would
+        // destroy answers that it has not read yet.
         std::string rest(4096, '\0');
         while (!error) {
             auto draining = socket->async_read_some(

@@ -1,5 +1,5 @@
-// Any answer of the service to the opening handshake, and whatever follows it, ends with a text for
-// a person that does not repeat the key.
+// Any answer of the service to the opening handshake, with any data after it, ends with a readable
+// text that does not repeat the key.
 #include "fuzz/PlainText.h"
 #include "fuzz/ServicePeer.h"
 
@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const BeastTransport::Headers headers{{"Authorization", "Token hidden-word"}};
 
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    // The answer to a nonce that nobody knows in advance cannot be right.
+    // The answer to an unpredictable nonce cannot be right.
     const auto failure = peer.failure(
         service, bytes, [](BeastTransport& transport) { return transport.connect({}, headers); });
     fuzz::expect(failure && !failure->empty() && fuzz::isOneCleanLine(*failure));

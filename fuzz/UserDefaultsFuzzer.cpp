@@ -22,7 +22,7 @@ void expect(bool condition) {
     }
 }
 
-/// The parser reads numbers of many digits to the last bit but one.
+/// The parser may misread the last bit of numbers with many digits.
 bool isNear(double left, double right) {
     return std::abs(left - right) <= std::abs(left) * 1e-15;
 }
