@@ -8,7 +8,7 @@
 
 namespace orlune {
 
-// Readable failures for the variant.
+// Readable failure messages for the variant.
 void PrintTo(const UsageError& error, std::ostream* stream) {
     *stream << error.text;
 }

@@ -34,7 +34,7 @@ TEST(DoctorReportTest, isATableForPeopleAndAnObjectForPrograms) {
     EXPECT_TRUE(allWork({findings[0], findings[1]})) << "a warning is no failure";
 }
 
-/// "name: state" of each finding that is not ok; each of them says what to do.
+/// "name: state" of each finding that is not ok; each of them must say what to do.
 std::string troubles(const Findings& findings) {
     std::string text;
     for (const auto& finding : findings) {

@@ -1,4 +1,4 @@
-// The tray's menu and icon, over a dictation that is played by hand.
+// The tray's menu and icon, with a simulated dictation.
 
 #include "app/tray/MenuBarContent.h"
 
@@ -14,7 +14,7 @@ namespace {
 class MenuBarContentTest : public testing::Test {
   protected:
     QAction* item(int index) const {
-        QCoreApplication::sendPostedEvents(); // the menu follows in the next turn
+        QCoreApplication::sendPostedEvents(); // the menu is updated in the next turn
         return content->menu().actions().at(index);
     }
     std::string title(int index) const { return item(index)->text().toStdString(); }

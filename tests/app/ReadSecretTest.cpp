@@ -46,7 +46,7 @@ class SecretTerminal : public testing::Test {
         return (settings.c_lflag & ECHO) != 0;
     }
 
-    /// Types once the echo is off, and returns what was read.
+    /// Types once the echo is off, and returns what the program read.
     std::optional<std::string> readTyped(std::string_view typed) {
         std::jthread typist([&] {
             while (echoes()) {

@@ -106,7 +106,7 @@ TEST(IncludeFloorsTest, everyAllowedIncludeIsUsed) {
     }
 }
 
-/// Each floor stands on those that are named before it.
+/// The folders can be built in some order, so no folder includes itself through others.
 TEST(IncludeFloorsTest, noFloorStandsOnItself) {
     const auto floors = readFloors();
     std::set<std::string> built;

@@ -172,7 +172,7 @@ UnicodeString replaced(const UnicodeString& text, const UnicodeString& pattern,
     return matcher.replaceAll(UnicodeString(by), status);
 }
 
-// The clauses by a search over the whole transcript, with white space spelled out.
+// The clauses by a search over the whole transcript, with whitespace spelled out.
 Texts clausesByDefinition(const std::string& transcript) {
     const UnicodeString space(uR"([\t\n\f\r\p{Z}])");
     UnicodeString pattern(
@@ -226,7 +226,7 @@ TEST(IntentCheckBuilder, TakesTimeInProportionToTheLength) {
     const Texts pieces = {" ",    ",",        ", ",      "\v",           ". ", "and ",
                           "but ", "x use it", "e\u0301", "\u0301\u0316", "🇫🇷", "somehow\u0301",
                           "字"};
-    // The processor time of this thread: what else the machine does plays no part.
+    // The processor time of this thread, which does not depend on the machine's load.
     const auto processorTime = [] {
         timespec time{};
         ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);

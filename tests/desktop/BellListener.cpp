@@ -25,7 +25,7 @@ int BellListener::count() {
     while (XPending(display_) > 0) {
         XEvent event{};
         XNextEvent(display_, &event);
-        // Also told of what nobody asked for: that the layout has changed.
+        // Other events arrive unrequested, such as a change of the layout.
         count_ += event.type == event_ ? 1 : 0;
     }
     return count_;

@@ -1,4 +1,4 @@
-// Hears the bell of the X server, whoever rings it. Main thread.
+// Counts the bells of the X server, whoever rings them. Main thread.
 #pragma once
 
 struct _XDisplay;
@@ -12,12 +12,12 @@ class BellListener {
     BellListener(const BellListener&) = delete;
     BellListener& operator=(const BellListener&) = delete;
 
-    /// How often it has rung so far.
+    /// The number of bells so far.
     int count();
 
   private:
     _XDisplay* display_;
-    int event_ = 0; ///< the number of XKB's events, of which it asked for one kind
+    int event_ = 0; ///< the number of XKB's events, of which one kind was selected
     int count_ = 0;
 };
 

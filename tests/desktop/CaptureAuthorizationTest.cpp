@@ -22,13 +22,13 @@ class CaptureAuthorizationTest : public testing::Test {
         authorization.requestAccess([answer](bool isGranted) { answer->set_value(isGranted); });
         return answer->get_future();
     }
-    /// None when nobody answers.
+    /// None without an answer.
     std::optional<bool> isGranted() {
         auto answer = request();
         return answer.wait_for(20s) == std::future_status::ready ? std::optional(answer.get())
                                                                  : std::nullopt;
     }
-    /// Whether the status comes to be this, without anybody requesting anything.
+    /// Whether the status becomes this one without a request.
     bool becomes(Status status) {
         const auto end = std::chrono::steady_clock::now() + 20s;
         while (authorization.authorizationStatus() != status) {
@@ -80,7 +80,7 @@ TEST_F(CaptureAuthorizationTest, AServerThatHangsHoldsNobodyUp) {
     EXPECT_EQ(isGranted(), true);
     server.freeze();
     auto dropped = request();
-    // The end does not wait for the server either.
+    // The destructor does not wait for the server either.
 }
 
 } // namespace

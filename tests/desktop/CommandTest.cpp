@@ -27,7 +27,7 @@ void expectOutcome(const Outcome& seen, const Outcome& expected) {
     EXPECT_EQ(seen.error, expected.error);
 }
 
-/// The key as another program sees it in the keyring.
+/// The key that another program finds in the keyring.
 std::string keyInKeyring() {
     return desktop::run(
         {"secret-tool", "lookup", "service", "app.orlune.Orlune", "account", "deepgramAPIKey"});
@@ -91,7 +91,7 @@ TEST(DictateCommandOnADesktop, SaysWhyItCannotBegin) {
     }
 }
 
-/// A terminal of 40 columns: what it was sent, and what stands on its screen.
+/// A terminal of 40 columns: what was written to it, and the resulting screen.
 class Terminal {
   public:
     static constexpr std::size_t columns = 40;
@@ -126,7 +126,7 @@ class Terminal {
         }
     }
 
-    /// The lines that a person reads in the end.
+    /// The lines that are finally on the screen.
     std::vector<std::string> screen() {
         std::vector<std::string> lines(1);
         const std::string eraseLine = "\x1b[2K";
@@ -146,7 +146,8 @@ class Terminal {
         }
         return lines;
     }
-    /// The widest line that `screen` saw being erased, in characters: one erases no more.
+    /// The widest line that `screen` saw being erased, in characters: only one line is erased at a
+    /// time.
     std::size_t widest() const { return widest_; }
 
   private:
@@ -177,7 +178,7 @@ TEST(DictateCommandOnADesktop, RedrawsOneLineOfATerminalAndLeavesItClean) {
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_THAT(program.standardOutput(), HasSubstr("The weather is nice today"));
 
-    // Drawn anew while the level and the text changed, and always on one line.
+    // The line was redrawn as the level and the text changed, and never wrapped.
     const auto& received = terminal.received();
     for (const auto* drawn : {"\r\x1b[2KConnecting securely", "\r\x1b[2KListening ", "█",
                               "  The weather", "\r\x1b[2KFinishing"}) {

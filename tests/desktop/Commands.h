@@ -1,5 +1,5 @@
-// What a person does in a terminal beside the running program: the commands of `orlune`, and a
-// window that keeps what is typed into it. Main thread; waiting turns Qt's loop.
+// The user in a terminal next to the running program: the commands of `orlune`, and a window that
+// records what is typed into it. Main thread; waiting runs Qt's loop.
 #pragma once
 
 #include "tests/desktop/Desktop.h"
@@ -20,19 +20,19 @@ struct Outcome {
     std::string error;
 };
 
-/// `orlune` with these arguments, once it has ended.
+/// Runs `orlune` with these arguments to its end.
 Outcome outcome(std::vector<std::string> arguments, const OwnProgram::Environment& changes = {},
                 std::string_view input = {});
 
-/// What `orlune status` tells; with `--json` one member of it, as text, or "none" while no program
-/// runs.
+/// The output of `orlune status`; with `--json` one member of it, as text, or "none" while no
+/// program runs.
 std::string status(const std::string& option = "--json");
 std::string statusMember(const std::string& name);
 std::string phase();
-/// Whether the phase is this one within the deadline of `waitUntil`.
+/// Whether the phase becomes this one within the deadline of `waitUntil`.
 [[nodiscard]] bool reaches(const std::string& phase);
 
-/// A terminal that has the keyboard and keeps what is typed.
+/// A terminal that has the keyboard focus and records what is typed.
 class Terminal {
   public:
     explicit Terminal(const std::vector<std::string>& options = {});

@@ -135,7 +135,7 @@ Keyboard::~Keyboard() {
         XTestFakeKeyEvent(devices_->display, key, False, CurrentTime);
     }
     lock(/*caps=*/false, /*num=*/false);
-    useLayout({"us", "-option", ""}); // options add up otherwise
+    useLayout({"us", "-option", ""}); // options would accumulate otherwise
 }
 
 void Keyboard::press(Keycode key) {

@@ -1,5 +1,5 @@
 // The desktop around a test: other programs, the keyboard as hardware, and waiting. Main thread;
-// waiting turns Qt's loop.
+// waiting runs Qt's loop.
 #pragma once
 
 #include <QAbstractNativeEventFilter>
@@ -15,11 +15,11 @@ struct _XDisplay;
 
 namespace orlune::desktop {
 
-/// Turns the loop until the condition holds. False when it does not within 30 s, which is generous
-/// so that a loaded machine fails nothing.
+/// Runs the loop until the condition holds. False when it does not within 30 s, which is enough for
+/// a loaded machine.
 [[nodiscard]] bool waitUntil(const std::function<bool()>& condition);
 
-/// Another program, ended with the handle.
+/// Another program, which ends with this handle.
 class Program {
   public:
     explicit Program(const std::vector<std::string>& command);
@@ -38,19 +38,19 @@ class Program {
 /// Runs a program to its end.
 std::string run(const std::vector<std::string>& command);
 
-/// The keyboard of the X server as the user's hands would use it, and the state it leads to.
+/// The keyboard of the X server as the user presses it, and its state.
 class Keyboard {
   public:
     using Keycode = std::uint8_t;
 
     Keyboard();
-    /// Lets go of everything and puts the locks and the layout back.
+    /// Releases all keys and restores the locks and the layout.
     ~Keyboard();
 
-    /// Through the server's own keyboard device, not through the one synthetic keys come from.
+    /// Through the server's keyboard device, not the one that synthetic keys come from.
     void press(Keycode key);
     void release(Keycode key);
-    /// One after the other, and up again in the opposite order.
+    /// Presses the keys in order and releases them in reverse order.
     void tap(const std::vector<Keycode>& keys);
 
     /// Arguments of setxkbmap, and which of the layouts is active.
@@ -58,7 +58,7 @@ class Keyboard {
     /// Caps Lock and Num Lock.
     void lock(bool caps, bool num);
 
-    /// The keys that are down as programs see it, on whatever device.
+    /// The keys that are down for programs, on any device.
     std::vector<Keycode> down();
 
   private:
@@ -67,7 +67,7 @@ class Keyboard {
     std::vector<Keycode> pressed_;
 };
 
-/// Where keys are on a keyboard, with the names of the US layout.
+/// The positions of keys, with the names of the US layout.
 namespace keycode {
 inline constexpr Keyboard::Keycode escape = 9;
 inline constexpr Keyboard::Keycode tab = 23;
@@ -81,21 +81,21 @@ inline constexpr Keyboard::Keycode shift = 50;
 inline constexpr Keyboard::Keycode alt = 64;
 inline constexpr Keyboard::Keycode space = 65;
 inline constexpr Keyboard::Keycode f4 = 70;
-inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for it
+inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for Fn
 inline constexpr Keyboard::Keycode left = 113;
 inline constexpr Keyboard::Keycode right = 114;
 inline constexpr Keyboard::Keycode super = 133;
 } // namespace keycode
 
-/// The class of the window that receives the keys; empty when none does.
+/// The class of the window that has the keyboard focus; empty when there is none.
 std::string focusedClass();
-/// GTK 3 and 4 spell the class of its windows differently.
+/// GTK 3 and 4 differ in the spelling of their windows' class.
 bool zenityHasKeyboard();
-/// Claims, as a confused window manager might, that a window that does not exist is active.
+/// Claims that a window that does not exist is active, as a faulty window manager might.
 void claimThatAVanishedWindowIsActive();
 
-/// Counts how often other programs fetched text from a selection that is ours. A program that is
-/// handed the text has it before any key that is posted afterwards.
+/// Counts how often other programs fetch text from a selection that we own. A program that has
+/// received the text has it before any key that is posted later.
 class FetchCounter final : public QAbstractNativeEventFilter {
   public:
     FetchCounter();
@@ -108,7 +108,7 @@ class FetchCounter final : public QAbstractNativeEventFilter {
     int count_ = 0;
 };
 
-/// A window with the keyboard that writes down which keys come.
+/// A window with the keyboard focus that records the keys it receives.
 class KeyRecorder {
   public:
     explicit KeyRecorder(const std::string& className);
@@ -119,7 +119,7 @@ class KeyRecorder {
         Keyboard::Keycode key;
         std::uint64_t milliseconds; ///< the server's time
     };
-    /// All that the server has carried out so far.
+    /// All keys that the server has processed so far.
     const std::vector<Key>& keys();
 
   private:

@@ -1,6 +1,6 @@
-// Runs desktop tests with Qt's loop at hand. They press keys into whatever window has the keyboard,
-// so outside a session in a box the program starts itself again in one. Arguments that are not
-// gtest's are options of `scripts/session`.
+// Runs desktop tests with Qt's loop. They press keys in the window that has the focus, so outside a
+// boxed session the program restarts itself in one. Arguments that are not gtest's are options of
+// `scripts/session`.
 #include <QGuiApplication>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// A stranger's first minutes: from nothing to the home page, over a real keyring, by the keyboard
-// alone and by the pointer alone.
+// A new user's first minutes: from an empty system to the home page, with a real keyring, using
+// only the keyboard and only the pointer.
 #include "tests/desktop/SpeechService.h"
 #include "tests/desktop/WindowUser.h"
 

@@ -56,7 +56,7 @@ class KeyEventsDesktopTest : public testing::Test {
         keyboard.press(key);
         keyboard.release(key);
     }
-    /// All that was seen once the server has carried out everything sent so far.
+    /// All events so far; waits until the server has processed everything sent.
     const std::vector<std::string>& seenSoFar() {
         keyEvents.willPost();
         keyEvents.didPost();
@@ -150,7 +150,7 @@ TEST_F(KeyEventsDesktopTest, AReleaseThatIsNeverToldIsFound) {
     client.type(keycode::rightControl, /*isDown=*/true);
     EXPECT_THAT(seenSoFar(), ElementsAre("flags 63 fn"));
     keyEvents.willPost();
-    client.type(keycode::rightControl, /*isDown=*/false); // no longer looked at
+    client.type(keycode::rightControl, /*isDown=*/false); // no longer observed
     keyEvents.didPost();
     EXPECT_THAT(seen, ElementsAre("flags 63 fn"));
     EXPECT_TRUE(waitFor("flags 63"));
@@ -232,7 +232,7 @@ TEST_F(KeyEventsDesktopTest, EndWithTheirHandle) {
     EXPECT_THAT(seenSoFar(), IsEmpty());
 }
 
-/// One of our own windows, with the keyboard.
+/// One of our own windows, with the keyboard focus.
 class OwnWindow final : public QWindow {
   public:
     OwnWindow() {

@@ -1,6 +1,6 @@
-// The shortcut monitor under random orders of keys of a real X server, against a model of what they
-// mean for a dictation. An order is a function of its seed; a failure prints both and the last
-// steps. Longer runs: ORLUNE_KEY_STEPS=100000 ORLUNE_KEY_SEED=7.
+// The shortcut monitor under random sequences of keys on a real X server, compared with a model of
+// their meaning for a dictation. A sequence is a function of its seed; a failure prints both and
+// the last steps. Longer runs: ORLUNE_KEY_STEPS=100000 ORLUNE_KEY_SEED=7.
 #include "dictation/FnPushToTalkMonitor.h"
 #include "platform/linux/keys/XInputKeyEvents.h"
 #include "tests/desktop/Desktop.h"
@@ -39,7 +39,7 @@ const std::map<Keyboard::Keycode, std::uint16_t> otherKeys{
 const std::vector<Keyboard::Keycode> allKeys{keycode::fn,    keycode::fn,     keycode::control,
                                              keycode::shift, keycode::alt,    keycode::super,
                                              keycode::space, keycode::escape, keycode::a};
-/// Touched only while a shortcut is recorded.
+/// Only pressed while a shortcut is recorded.
 constexpr auto recordedKey = keycode::k;
 
 const std::vector<DictationShortcut> shortcuts{
@@ -48,7 +48,7 @@ const std::vector<DictationShortcut> shortcuts{
     {49, {Modifiers::control}},
     {0, {}}};
 
-/// The dictation and the shortcut as a person would describe them.
+/// A plain description of the dictation and the shortcut.
 class Model {
   public:
     std::string phase = "idle";
@@ -82,7 +82,7 @@ class Model {
         if (modifierKeys.contains(key)) {
             modifiersChanged();
         } else if (shortcut.keyCode == otherKeys.at(key)) {
-            hold(false); // whatever became of its modifiers
+            hold(false); // whatever happened to its modifiers
         }
     }
 
@@ -157,7 +157,7 @@ unsigned long setting(const char* name, unsigned long otherwise) {
     return text ? std::strtoul(text, nullptr, 10) : otherwise;
 }
 
-/// The real monitor on the real keyboard; what it starts and ends dictates in memory.
+/// The real monitor with the real keyboard; its dictations are in memory.
 class Walk {
   public:
     explicit Walk(unsigned long seed) : random_(seed) {
@@ -201,7 +201,7 @@ class Walk {
         settle();
     }
 
-    /// Lets go of every key.
+    /// Releases every key.
     void rest() {
         while (!pressed_.empty()) {
             release(*pressed_.begin());
@@ -220,7 +220,7 @@ class Walk {
             last_.pop_front();
         }
     }
-    /// All that the server has carried out has been handled.
+    /// Waits until everything that the server has processed is handled.
     void settle() {
         keyEvents_.willPost();
         keyEvents_.didPost();
@@ -239,7 +239,7 @@ class Walk {
         keyboard_.release(key);
         model_.release(key);
     }
-    /// Few keys stay down for long.
+    /// Only a few keys stay down for long.
     void moveKey() {
         const auto key = any(allKeys);
         if (pressed_.contains(key)) {
@@ -250,7 +250,7 @@ class Walk {
             release(any(pressed_));
         }
     }
-    /// Exactly the keys of the shortcut, in any order, as somebody would who dictates.
+    /// Presses exactly the keys of the shortcut, in any order, like a user who dictates.
     void pressShortcut() {
         rest();
         std::vector<Keyboard::Keycode> keys;
@@ -272,7 +272,8 @@ class Walk {
             settle();
         }
     }
-    /// A press by a program of a key that a keyboard holds is a repeat, and its release a release.
+    /// When a program presses a key that a keyboard already holds, this counts as a repeat, and its
+    /// release as a release.
     void typeAsAnotherProgram() {
         const auto key = pressed_.empty() || random_() % 3 == 0 ? any(allKeys) : any(pressed_);
         note("another program types " + std::to_string(key));
@@ -335,7 +336,7 @@ class Walk {
             grabbing_.reset();
         }
     }
-    /// In all of these the modifiers are where they were.
+    /// The modifiers have the same positions in all of these layouts.
     void switchLayout() {
         static const std::vector<std::vector<std::string>> layouts{
             {"us"}, {"de"}, {"fr"}, {"us,ru"}, {"gb", "dvorak"}};
@@ -343,7 +344,7 @@ class Walk {
         note("the layout is " + layout.front());
         keyboard_.useLayout(layout, layout.front() == "us,ru" ? 1 : 0);
     }
-    /// The looks at keys that are held, and at a changed layout, are due now and then.
+    /// From time to time, so that the timers look at held keys and at a changed layout.
     void turnLoop() {
         note("the loop turns");
         QCoreApplication::processEvents();

@@ -1,5 +1,5 @@
-// A key that cannot be stored: the windows say why, keep what was entered, and store it once the
-// keyring is back. On a bus of its own, where nothing starts a keyring or asks for its password.
+// A key that cannot be stored: the windows say why, keep the entry, and store it once the keyring
+// is back. Uses a separate bus, where nothing starts a keyring or asks for its password.
 #include "tests/desktop/WindowUser.h"
 #include "tests/support/KeyringSession.h"
 
@@ -14,7 +14,7 @@ namespace {
 namespace keycode = desktop::keycode;
 using desktop::waitUntil;
 
-/// Leads programs of another session bus to the accessibility bus of this one.
+/// Directs programs of another session bus to the accessibility bus of this one.
 class WayToScreenReader final : public QDBusVirtualObject {
   public:
     WayToScreenReader(const std::string& sessionBus, const std::string& accessibilityBus)
@@ -50,7 +50,7 @@ class KeyringTrouble : public desktop::WindowUser {
             EXPECT_FALSE(reader.await("Continue").isEnabled);
         }
     }
-    /// With the focus in the field.
+    /// The field must have the focus.
     void expectToGetOverIt(const char* saved, bool isContinueThere) {
         type("the-key");
         expectRefusal("No keyring answers on this desktop", isContinueThere);

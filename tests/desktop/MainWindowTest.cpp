@@ -1,5 +1,5 @@
-// The main window after the first run: dictating into its test area, the key, its end and its
-// return, and what a screen reader is told of each page.
+// The main window after the first run: dictating into its test area, removing and storing the key,
+// and what each page reports to a screen reader.
 #include "tests/desktop/SpeechService.h"
 #include "tests/desktop/WindowUser.h"
 
@@ -56,7 +56,7 @@ TEST_F(Home, TakesADictationAndTellsHowItGoes) {
     EXPECT_TRUE(hears(idle));
     EXPECT_EQ(testText(), "Goal\nAdd a dark mode to the settings.\n\nRequirements\n"
                           "- Make sure the choice is kept.");
-    moveTo("Settings"); // the focus is to come back
+    moveTo("Settings"); // the focus must come back
     click(reader, "Clear");
     EXPECT_TRUE(getsFocus("Test area"));
     EXPECT_EQ(testText(), "");
@@ -106,8 +106,8 @@ class MainWindow : public desktop::WindowUser {
         return waitUntil([] { return desktop::focusedClass() == "app.orlune.Orlune"; });
     }
 
-    /// The screen reader is told of each control that Tab leads to, and these are all. With
-    /// `others`, to which arrows lead.
+    /// The screen reader reports each control that Tab reaches, and these are all. `others` are
+    /// reached with arrow keys.
     void expectControls(const std::string& window, const std::vector<std::string>& stops,
                         const std::vector<std::string>& others = {}) {
         SCOPED_TRACE(stops.front());
@@ -165,7 +165,7 @@ TEST_F(MainWindow, IsClosedAndBroughtBackWhileTheProgramRuns) {
         EXPECT_TRUE(reader.shows(home));
         EXPECT_TRUE(hasKeyboard());
     }
-    // Up again only after the end: a key on its way past the screen reader would be left behind.
+    // Released only after the end: a key that is still passing the screen reader would stay down.
     keyboard.press(keycode::control);
     keyboard.press(keycode::q);
     expectEnd();

@@ -1,4 +1,4 @@
-// Another program of the display, doing what our own keyboard code must live with.
+// Another program of the display that interferes with our keyboard code.
 #pragma once
 
 #include "tests/desktop/Desktop.h"
@@ -8,15 +8,15 @@ namespace orlune::desktop {
 class OtherClient {
   public:
     OtherClient();
-    /// Gives everything back.
+    /// Undoes all changes.
     ~OtherClient();
     OtherClient(const OtherClient&) = delete;
     OtherClient& operator=(const OtherClient&) = delete;
 
-    /// True when every key now comes to it alone.
+    /// True when it receives every key exclusively from now on.
     bool grabKeyboard();
 
-    /// A key as programs send it, not as keyboards do.
+    /// Sends a key as programs do, not as keyboards do.
     void type(Keyboard::Keycode key, bool isDown);
 
     void unplugKeyboard();

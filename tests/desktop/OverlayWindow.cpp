@@ -26,7 +26,7 @@ DisplayHandle openDisplay() {
     return display;
 }
 
-/// The children of the root window, the lowest first.
+/// The children of the root window, lowest first.
 std::vector<Window> topLevelWindows(Display* display) {
     Window root = None;
     Window parent = None;
@@ -49,7 +49,7 @@ bool isOrlunes(Display* display, Window window) {
     return isOurs;
 }
 
-/// Windows come and go while they are asked about.
+/// Windows may vanish during the queries.
 int ignoreError(Display* /*display*/, XErrorEvent* /*error*/) {
     return 0;
 }
@@ -93,7 +93,7 @@ void click() {
 }
 
 ClickRecorder::ClickRecorder(const QRect& place) : display_(openDisplay().release()) {
-    // Without a window manager's help: it is to lie exactly there, below the panel.
+    // Bypasses the window manager: the window must be exactly there, below the panel.
     XSetWindowAttributes attributes{};
     attributes.override_redirect = True;
     attributes.event_mask = ButtonPressMask;

@@ -1,5 +1,5 @@
 // The overlay's panel as the X server and other programs see it, and a window of another program
-// that writes down the clicks it receives. Main thread.
+// that records its clicks. Main thread.
 #pragma once
 
 #include <QRect>
@@ -21,18 +21,18 @@ std::optional<OverlayWindow> overlayWindow();
 
 /// Moves the pointer, in pixels of the whole screen.
 void movePointer(QPoint place);
-/// Presses and releases its first button.
+/// Presses and releases the pointer's first button.
 void click();
 
 class ClickRecorder {
   public:
-    /// A window in the place given, below all others.
+    /// A window at this place, below all others.
     explicit ClickRecorder(const QRect& place);
     ~ClickRecorder();
     ClickRecorder(const ClickRecorder&) = delete;
     ClickRecorder& operator=(const ClickRecorder&) = delete;
 
-    /// Received so far.
+    /// The number of clicks so far.
     int clicks();
 
   private:

@@ -1,5 +1,5 @@
-// One of this project's own programs beside a test, with its standard input and what it writes in
-// the test's hands. Main thread; waiting turns Qt's loop. Killed with its owner.
+// One of this project's own programs, with access to its standard input and its output. Main
+// thread; waiting runs Qt's loop. Killed with its owner.
 #pragma once
 
 #include <QProcess>
@@ -16,14 +16,14 @@ class OwnProgram {
   public:
     using Environment = std::map<std::string, std::string>;
 
-    /// `changes` are made to this process's own environment.
+    /// `changes` modify a copy of this process's environment.
     explicit OwnProgram(const std::vector<std::string>& command, const Environment& changes = {});
     ~OwnProgram();
     OwnProgram(const OwnProgram&) = delete;
     OwnProgram& operator=(const OwnProgram&) = delete;
 
-    /// Standard input and standard error become this terminal instead, and the program its
-    /// foreground. Given by the descriptor of the terminal's own end.
+    /// This terminal replaces standard input and standard error, and the program becomes its
+    /// foreground process. Given by the descriptor of the terminal's slave side.
     struct OnTerminal {
         int descriptor;
     };
@@ -33,10 +33,10 @@ class OwnProgram {
     void closeInput() { process_.closeWriteChannel(); }
     void signal(int number) const;
 
-    /// False when the text has not been written within the deadline of `waitUntil`, or the program
-    /// has ended without it.
+    /// False when the text is not written within the deadline of `waitUntil`, or the program ends
+    /// without writing it.
     [[nodiscard]] bool says(std::string_view text);
-    /// Waits for the end. None when it does not come, or was a crash.
+    /// Waits for the end. None on timeout or after a crash.
     std::optional<int> exitCode();
 
     std::string standardOutput() {
@@ -45,8 +45,8 @@ class OwnProgram {
     std::string standardError() { return error_ += process_.readAllStandardError().toStdString(); }
     qint64 processID() const { return process_.processId(); }
 
-    /// The system's view of the running program that every user of the machine may have: its
-    /// command line, and its environment for its own user.
+    /// What other users of the machine can see of the running program: its command line, and its
+    /// environment for its own user.
     std::string visibleToOthers() const;
 
   private:

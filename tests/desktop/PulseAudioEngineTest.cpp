@@ -29,8 +29,8 @@ Instant now() {
     return std::chrono::steady_clock::now();
 }
 
-/// What a tap heard, channel by channel. The test waits for it to hold something. Made before the
-/// engine that it listens to, so that it outlives it.
+/// What a tap received, per channel. The test waits for its content. Declared before the engine
+/// that it listens to, so that it outlives it.
 class Recorder {
   public:
     AudioEngine::Tap tap() {
@@ -62,12 +62,12 @@ class Recorder {
         });
     }
 
-    /// True when a further buffer comes in time.
+    /// True when another buffer arrives in time.
     bool hearsMore() {
         return hears([count = bufferCount()](auto& self) { return self.lengths_.size() > count; });
     }
 
-    /// True when the last tenth of a second comes to be silent.
+    /// True when the last tenth of a second becomes silent.
     bool hearsSilence(double sampleRate) {
         return hears([&](auto& self) {
             const auto last =
@@ -76,8 +76,8 @@ class Recorder {
         });
     }
 
-    /// True when the last tenth of a second of each channel comes to be a tone: 400 Hz in channel 0
-    /// and 100 Hz more in each one further on, 0.25 loud.
+    /// True when the last tenth of a second of each channel becomes a tone with amplitude 0.25: 400
+    /// Hz in channel 0 and 100 Hz more in each further one.
     bool hearsTones(double sampleRate, std::uint32_t channels) {
         return hears([&](auto& self) {
             const auto window = static_cast<std::size_t>(sampleRate / 10);
@@ -131,7 +131,7 @@ std::vector<float> tones(int sampleRate, int channels) {
 
 class PulseAudioEngineTest : public testing::Test {
   protected:
-    /// Captures from whatever is the default now.
+    /// Captures from the current default source.
     void startCapture(AudioEngine& engine, Recorder& listener) {
         format = engine.inputFormat();
         engine.installTap(576, format, listener.tap());
@@ -190,7 +190,7 @@ TEST_F(PulseAudioEngineTest, HearsTheFirstSoundAtOnceAndKeepsUp) {
     while (recorder.bufferCount() < 50 && now() - begin < soundDeadline) {
         recorder.hearsMore();
     }
-    // A server that saved up would deliver in bursts of two seconds.
+    // A server with a large buffer would deliver in bursts of two seconds.
     EXPECT_LT(now() - begin, 1500ms) << "50 buffers are 600 ms of sound";
 }
 
@@ -302,7 +302,7 @@ TEST_F(PulseAudioEngineTest, NothingIsHeardAfterStopAndNextTimeAgain) {
         const auto count = recorder.bufferCount();
         EXPECT_FALSE(engine.isRunning());
         engine.removeTap();
-        // Several round trips to the server, in which further sound would have come.
+        // Several round trips to the server, during which more audio would have arrived.
         engine.inputFormat();
         server.control("info");
         EXPECT_EQ(recorder.bufferCount(), count);

@@ -1,5 +1,5 @@
-// The program as it runs all day: a key pressed while another program has the keyboard, the panel
-// above it, and the text in it. Run once with and once without a compositing manager.
+// The program in daily use: a key is pressed while another program has the focus, the panel appears
+// above it, and the text arrives in it. Runs with and without a compositing manager.
 
 #include "core/ActivationMode.h"
 #include "core/DictationShortcut.h"

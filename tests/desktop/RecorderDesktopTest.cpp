@@ -1,4 +1,4 @@
-// A new shortcut, recorded in the running program from keys as a keyboard sends them.
+// Records a new shortcut in the running program from real key presses.
 #include "tests/desktop/BellListener.h"
 #include "tests/desktop/SettingsUser.h"
 
@@ -18,7 +18,7 @@ class Recorder : public desktop::SettingsUser {
                    ? testing::AssertionSuccess()
                    : testing::AssertionFailure() << "the shortcut is " << orlune.status("shortcut");
     }
-    /// With the pointer.
+    /// Arms it with the pointer.
     void arm(const std::string& shortcut) {
         click(reader, "Shortcut, " + shortcut);
         ASSERT_TRUE(says("press shortcut"));
@@ -74,7 +74,7 @@ TEST_F(Recorder, RefusesAKeyWithoutAModifierWithOneBeep) {
     keyboard.press(keycode::a);
     EXPECT_TRUE(waitUntil([&] { return bell.count() > 0; }));
     EXPECT_TRUE(says("press shortcut"));
-    keyboard.press(keycode::shift); // the key has been repeating all the time
+    keyboard.press(keycode::shift); // the key has been repeating since its press
     EXPECT_TRUE(says("⇧a"));
     EXPECT_EQ(bell.count(), 1);
     desktop::run({"xset", "r", "rate"});

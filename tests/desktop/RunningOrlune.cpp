@@ -44,7 +44,7 @@ testing::AssertionResult RunningOrlune::reaches(const std::string& phase) {
 }
 
 std::string activeWindowTitle() {
-    // Windows come and go while they are asked about.
+    // Windows may vanish during the query.
     auto title = run({"sh", "-c", "xdotool getactivewindow getwindowname 2>/dev/null"});
     return title.substr(0, title.find('\n'));
 }

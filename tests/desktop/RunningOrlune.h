@@ -1,5 +1,5 @@
-// Orlune in the background, with a key and settings of its own, and a speech service that
-// understands the same words each time. Main thread; waiting turns Qt's loop.
+// Orlune in the background, with its own key and settings, and a speech service that recognises the
+// same words each time. Main thread; waiting runs Qt's loop.
 #pragma once
 
 #include "tests/desktop/Commands.h"
@@ -18,21 +18,21 @@ class RunningOrlune {
   public:
     static constexpr auto understoodWords = "Rename the button.";
 
-    /// The service takes `pause` seconds over the words.
+    /// The service takes `pause` seconds to recognise the words.
     explicit RunningOrlune(double pause = 0);
     /// Removes the key.
     ~RunningOrlune();
     RunningOrlune(const RunningOrlune&) = delete;
     RunningOrlune& operator=(const RunningOrlune&) = delete;
 
-    /// Returns when it is idle.
+    /// Returns when the program is idle.
     void start();
     void restart();
     OwnProgram& program() { return *program_; }
 
     /// Whether `orlune` with this argument succeeds.
     [[nodiscard]] bool does(const std::string& command);
-    /// A member of what `orlune status --json` tells, as text.
+    /// A member of the output of `orlune status --json`, as text.
     static std::string status(const std::string& member) { return statusMember(member); }
     static std::string phase() { return desktop::phase(); }
     /// The folder with its settings.
@@ -47,7 +47,7 @@ class RunningOrlune {
     std::optional<OwnProgram> program_;
 };
 
-/// The title of the window that is in front.
+/// The title of the front window.
 std::string activeWindowTitle();
 
 } // namespace orlune::desktop

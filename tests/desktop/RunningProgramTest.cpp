@@ -1,5 +1,5 @@
-// The program itself, started as a user starts it, in a session with everything real around it: the
-// shortcut, the commands to it over the bus, its end, and what the doctor says of it all.
+// The program itself, started as a user starts it, in a session with everything real: the shortcut,
+// the commands over the bus, its end, and the doctor's report.
 #include "tests/desktop/Commands.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/SpeechService.h"
@@ -32,7 +32,7 @@ bool succeeds(const std::string& command) {
     return outcome({command}).exitCode == 0;
 }
 
-/// As a click on an entry of the launcher's menu does.
+/// Activates an entry of the launcher's menu.
 bool isDoneAsAnAction(const char* name) {
     auto call = QDBusMessage::createMethodCall(
         QStringLiteral("app.orlune.Orlune"), QStringLiteral("/app/orlune/Orlune"),
@@ -41,7 +41,7 @@ bool isDoneAsAnAction(const char* name) {
     return QDBusConnection::sessionBus().call(call).type() == QDBusMessage::ReplyMessage;
 }
 
-/// A key in the keyring and the speech service that takes it, for as long as a test runs.
+/// A key in the keyring and a speech service that accepts it, for the duration of a test.
 class RunningProgram : public testing::Test {
   protected:
     RunningProgram() { EXPECT_EQ(outcome({"key", "set"}, {}, key + "\n").exitCode, 0); }
@@ -132,7 +132,7 @@ TEST_F(RunningProgram, KnowsWhetherThereIsAKeyWhoeverChangesIt) {
     EXPECT_EQ(outcome({"key", "set"}, {}, key + "\n").exitCode, 0);
     EXPECT_TRUE(hasKey(true));
 
-    // As the desktop's password manager does, which tells nobody.
+    // As the desktop's password manager does, which notifies nobody.
     desktop::run({"secret-tool", "clear", "service", "app.orlune.Orlune"});
     EXPECT_TRUE(succeeds("show"));
     EXPECT_TRUE(hasKey(false)) << "a window that becomes active looks again";

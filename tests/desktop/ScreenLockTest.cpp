@@ -24,14 +24,14 @@ const QString sessionPath = QStringLiteral("/org/freedesktop/login1/session/_37"
 const QString screenSaver = QStringLiteral("org.freedesktop.ScreenSaver");
 const QString sessionInterface = QStringLiteral("org.freedesktop.login1.Session");
 
-/// The bus library reads the addresses of all buses when the first of them is used, which the
-/// toolkit does as it starts: this has to be before that.
+/// The bus library reads the addresses of all buses when one of them is first used. The toolkit
+/// does so when it starts, so this must run before.
 [[maybe_unused]] const bool isBoxTheSystem = [] {
     const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
     return address && setenv("DBUS_SYSTEM_BUS_ADDRESS", address, /*overwrite=*/1) == 0;
 }();
 
-/// A session manager with one session; the bus of the box stands in for the system's.
+/// A session manager with one session; the session's bus stands in for the system bus.
 class SessionManager final : public QDBusVirtualObject {
   public:
     SessionManager(const QDBusConnection& bus, bool isLocked) : bus_(bus), isLocked_(isLocked) {
@@ -87,7 +87,7 @@ class ScreenLockTest : public testing::Test {
         signal << isBlank;
         others.send(signal);
     }
-    /// It listens once the bus has answered a later question.
+    /// The lock listens once the bus has answered a later call.
     static void waitUntilListening() {
         QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),

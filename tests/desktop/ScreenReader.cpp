@@ -19,7 +19,7 @@ struct Unreference {
 template <typename Object>
 using Reference = std::unique_ptr<Object, Unreference>;
 
-/// Elements come and go while they are read: one that has gone reads as empty.
+/// Elements may vanish while they are read; a vanished one reads as empty.
 template <typename Get>
 auto ask(const Get& get) {
     GError* error = nullptr;
@@ -64,7 +64,7 @@ ScreenReader::Element describe(AtspiAccessible* accessible, AtspiStateSet* state
                                   .isChecked = is(ATSPI_STATE_CHECKED) != 0,
                                   .isSelected = is(ATSPI_STATE_SELECTED) != 0,
                                   .isActive = is(ATSPI_STATE_ACTIVE) != 0};
-    if (element.role == "push button") { // its name before 2.56
+    if (element.role == "push button") { // the role's name before 2.56
         element.role = "button";
     }
     const Reference<AtspiComponent> component(atspi_accessible_get_component_iface(accessible));
@@ -78,8 +78,8 @@ ScreenReader::Element describe(AtspiAccessible* accessible, AtspiStateSet* state
     return element;
 }
 
-/// Reads the element and all in it that shows and has something to tell; with a name, until the
-/// first one of that name.
+/// Reads the element and all visible elements in it that have a name or text. With a name, stops at
+/// the first one of that name.
 void read(AtspiAccessible* accessible, const std::string& window,
           std::optional<std::string_view> wanted, std::vector<ScreenReader::Element>& elements) {
     const Reference<AtspiStateSet> states(atspi_accessible_get_state_set(accessible));
@@ -104,12 +104,12 @@ void read(AtspiAccessible* accessible, const std::string& window,
     }
 }
 
-/// Reads the program's windows, one after the other.
+/// Reads the program's windows, in order.
 std::vector<ScreenReader::Element> read(std::optional<std::string_view> wanted = {}) {
     std::vector<ScreenReader::Element> elements;
     const Reference<AtspiAccessible> desktop(atspi_get_desktop(0));
-    // What is remembered of elements would be brought up to date in a later turn of the loop, but
-    // what they are able to tell never changes.
+    // Cached values would only be updated in a later turn of the loop, but the interfaces of an
+    // element never change.
     atspi_accessible_set_cache_mask(desktop.get(), ATSPI_CACHE_INTERFACES);
     const int programs =
         ask([&](GError** error) { return atspi_accessible_get_child_count(desktop.get(), error); });
@@ -147,7 +147,7 @@ ScreenReader::ScreenReader() {
     if (!atspi_is_initialized() && atspi_init() != 0) {
         throw std::runtime_error("the accessibility bus cannot be reached");
     }
-    constexpr int generous = 30'000; // milliseconds; a program on a loaded machine answers late
+    constexpr int generous = 30'000; // milliseconds, enough for a program on a loaded machine
     atspi_set_timeout(generous, generous);
 }
 
@@ -169,7 +169,7 @@ std::optional<ScreenReader::Element> ScreenReader::find(std::string_view name) c
 
 std::optional<ScreenReader::Element> ScreenReader::focused() const {
     const auto all = elements();
-    // What is round it or in it is told to have the focus too.
+    // Its parents and children report the focus too.
     const auto found = std::ranges::find_if(
         all, [](const auto& element) { return element.isFocused && element.isFocusable; });
     return found == all.end() ? std::nullopt : std::optional(*found);

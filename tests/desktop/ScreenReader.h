@@ -1,6 +1,6 @@
-// Orlune's windows as a person meets them: what a screen reader is told, and a pointer to click
-// there. Speaks to the running program over the desktop's accessibility bus, as every assistive
-// program does. Main thread; waiting turns Qt's loop.
+// Orlune's windows as the user sees them: what a screen reader reads, and a pointer to click there.
+// Uses the desktop's accessibility bus, like every assistive program. Main thread; waiting runs
+// Qt's loop.
 #pragma once
 
 #include <memory>
@@ -13,55 +13,56 @@ namespace orlune::desktop {
 
 class ScreenReader {
   public:
-    /// Tells the session that a screen reader is there; before the program starts, which looks
-    /// then.
+    /// Announces a screen reader to the session. To be created before the program, which checks at
+    /// its start.
     ScreenReader();
 
-    /// The bus it listens on, for a program that does not find it on its session's bus.
+    /// The bus it listens on, for a program that cannot find it through its session's bus.
     std::string busAddress() const;
 
     struct Element {
-        std::string window; ///< the title of the window it is in
+        std::string window; ///< the title of its window
         std::string role;   ///< as newer versions of the bus name it: "button", "password text"
         std::string name;
         std::string description;
-        std::string text;                        ///< what is in an editor
+        std::string text;                        ///< the text of an editor
         int x = 0, y = 0, width = 0, height = 0; ///< on the screen, in pixels
         bool isEnabled, isFocusable, isFocused, isChecked, isSelected;
-        bool isActive; ///< the window in front
+        bool isActive; ///< the front window
     };
 
-    /// All that shows in the program's windows and has a name or can have the focus, in reading
-    /// order.
+    /// All visible elements of the program's windows that have a name or can have the focus, in
+    /// reading order.
     std::vector<Element> elements() const;
-    /// The first one of this name.
+    /// The first one with this name.
     std::optional<Element> find(std::string_view name) const;
-    /// The one that has the keyboard.
+    /// The one that has the focus.
     std::optional<Element> focused() const;
 
-    /// The title of the window in front, once the program knows where it lies; empty when none is.
+    /// The title of the front window, once the program knows its position; empty when there is
+    /// none.
     std::string activeWindow() const;
-    /// Whether anything that is read contains this.
+    /// Whether any text contains this.
     bool reads(std::string_view part) const;
 
-    /// Waits for an element of this name. Throws when it does not come.
+    /// Waits for an element with this name. Throws on timeout.
     Element await(std::string_view name) const;
-    /// Whether such an element is there, and is gone, within the deadline of `waitUntil`.
+    /// Whether such an element appears, or vanishes, within the deadline of `waitUntil`.
     [[nodiscard]] bool shows(std::string_view name) const;
     [[nodiscard]] bool hides(std::string_view name) const;
 };
 
-/// What the program tells of its own accord from now on, in order, as the loop turns.
+/// The events that the program reports from now on, in order, while the loop runs.
 class Announcements {
   public:
     Announcements();
     ~Announcements();
 
-    /// The names of what got the keyboard.
+    /// The names of the elements that received the focus.
     const std::vector<std::string>& focused() const { return focused_; }
-    /// The names of what changed its name, as every text does that changes.
+    /// The names of the elements whose name changed, as that of every changing text does.
     const std::vector<std::string>& names() const { return names_; }
-    /// All that was entered into editors, and all that was removed.
+    /// All text that was entered into editors or removed from them.
     const std::string& typed() const { return typed_; }
 
   private:
@@ -72,7 +73,7 @@ class Announcements {
     std::string typed_;
 };
 
-/// A click in the middle of what is there, once it rests and can be clicked.
+/// Clicks in the centre of the element, once it no longer moves and can be clicked.
 enum class MouseButton { left = 1, middle, right };
 void click(const ScreenReader& reader, std::string_view name,
            MouseButton button = MouseButton::left);

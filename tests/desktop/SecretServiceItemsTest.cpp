@@ -27,7 +27,7 @@ class SecretServiceItemsTest : public testing::Test {
         ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), /*replace=*/1);
     }
 
-    /// What a read says once everything that was asked before is settled.
+    /// The result of a read, once all earlier operations are finished.
     static SecretStatus settled(SecretServiceItems& items) {
         auto match = items.copyMatching(query);
         for (int tries = 0; tries < 50 && match.status.code == Code::timedOut; ++tries) {
@@ -152,7 +152,7 @@ TEST_F(SecretServiceItemsTest, AProviderThatHangsIsAnsweredForWithinTheBound) {
 
 class ScriptedSecretServiceTest : public SecretServiceItemsTest {
   protected:
-    // Connected before anything is timed.
+    // Connected before times are measured.
     ScriptedSecretServiceTest() { settled(hasty); }
 
     test::ScriptedSecretService service{session.busAddress()};
@@ -179,7 +179,7 @@ TEST_F(ScriptedSecretServiceTest, ThePatientWaitAtAPromptHoweverLongItStands) {
     std::promise<void> isTold;
     SecretServiceItems terminal{{/*hasDisplay=*/true, 200ms, 200ms, [&] { isTold.set_value(); }}};
     auto person = std::async(std::launch::async, [&] {
-        isTold.get_future().get(); // so the bound is over
+        isTold.get_future().get(); // so the time limit has passed
         service.answerPrompt(/*isUnlocked=*/true);
     });
     EXPECT_EQ(terminal.copyMatching(query).data, "abc");

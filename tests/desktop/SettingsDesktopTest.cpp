@@ -1,5 +1,5 @@
-// The settings in the running program: what is chosen in the window, with the pointer or with the
-// keyboard, is what the next press of the shortcut does, and what the next start finds.
+// The settings of the running program: a choice in the window, with the pointer or the keyboard,
+// applies to the next press of the shortcut and is still there after a restart.
 #include "tests/desktop/SettingsUser.h"
 
 #include <QClipboard>

@@ -1,4 +1,4 @@
-// Somebody at the settings of a running Orlune, with hands on the keyboard and on the pointer.
+// A user of the settings of a running Orlune, with keyboard and pointer.
 #pragma once
 
 #include "tests/desktop/Desktop.h"
@@ -31,7 +31,7 @@ class SettingsUser : public testing::Test {
         const auto element = reader.focused();
         return element ? element->name : "";
     }
-    /// Presses Tab, and waits until it has had its effect. Whatever was pressed before had its own.
+    /// Presses Tab, and waits for its effect. Earlier key presses must have had theirs.
     void moveOn() {
         const auto before = focusedName();
         keyboard.tap({keycode::tab});
@@ -44,7 +44,7 @@ class SettingsUser : public testing::Test {
         }
     }
 
-    /// Speaks, and ends.
+    /// Speaks, and ends the recording.
     void dictate(const Keys& shortcut = {keycode::fn}) {
         keyboard.tap(shortcut);
         ASSERT_TRUE(orlune.reaches("listening"));
@@ -60,7 +60,7 @@ class SettingsUser : public testing::Test {
         EXPECT_EQ(orlune.phase(), "idle");
     }
 
-    const ScreenReader reader; // before the program: it looks for one when it starts
+    const ScreenReader reader; // before the program, which checks for one when it starts
     Keyboard keyboard;
     RunningOrlune orlune;
 };

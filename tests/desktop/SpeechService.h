@@ -1,5 +1,5 @@
-// The other ends of a dictation as programs beside a test: the speaker, the speech service over
-// TLS, and a sound server that may be killed. The servers throw when they do not come up.
+// The environment of a dictation as separate programs: the speaker, the speech service over TLS,
+// and a sound server that can be killed. The servers throw when they do not start.
 #pragma once
 
 #include "tests/desktop/OwnProgram.h"
@@ -11,20 +11,20 @@
 
 namespace orlune::desktop {
 
-/// `orlune-local-service` with a certificate for localhost, which takes one key alone.
+/// `orlune-local-service` with a certificate for localhost; accepts only one key.
 class SpeechService {
   public:
-    /// With words it understands these whatever is said. It takes `pause` seconds over them, so
-    /// that "Finishing" is seen; the program does not wait longer than 1.8.
+    /// If `words` is not empty, it recognises these whatever is said. It takes `pause` seconds for
+    /// that, so that "Finishing" can be observed; the program waits at most 1.8 s.
     explicit SpeechService(const std::string& key, const std::string& words = {}, double pause = 0);
 
-    /// Where a client finds the service, and whom it trusts.
+    /// The address and the trusted authority for a client.
     OwnProgram::Environment clientEnvironment() const;
-    /// A file with an authority that has nothing to do with the service.
+    /// A file with an authority that did not sign the service's certificate.
     std::string strangersAuthority() const { return folder_.path() / "stranger.pem"; }
 
     std::string visibleToOthers() const { return program_->visibleToOthers(); }
-    /// All it has written so far.
+    /// All its output so far.
     std::string outputs() { return program_->standardOutput() + program_->standardError(); }
 
   private:
@@ -33,31 +33,31 @@ class SpeechService {
     std::string port_;
 };
 
-/// The recogniser understands this sentence of this voice in any room.
+/// A sentence that the recogniser understands with this voice in any room.
 inline constexpr auto spokenSentence = "The weather is nice today and we should go for a walk.";
 
-/// The synthetic voice as a file, and into the microphone.
+/// The synthetic voice, as a file and into the microphone.
 class Speaker {
   public:
     Speaker();
     std::string file() const { return folder_.path() / "speech.wav"; }
-    /// Returns when the sentence has been spoken. `server` leads to another sound server.
+    /// Returns when the sentence has been spoken. `server` selects another sound server.
     void speak(const OwnProgram::Environment& server = {}) const;
 
   private:
     test::TemporaryFolder folder_;
 };
 
-/// What the session's sound server says of everybody who listens; empty when nobody does.
+/// The session's sound server's list of recordings; empty when there are none.
 std::string recordings();
 
-/// A sound server beside the session's own, whose microphone is `vmic` too.
+/// A second sound server, whose microphone is also called `vmic`.
 class SoundServer {
   public:
     SoundServer();
 
     OwnProgram::Environment clientEnvironment() const;
-    /// As a crash would.
+    /// Simulates a crash.
     void kill() const;
 
   private:

@@ -46,11 +46,11 @@ constexpr std::uint16_t virtualEscape = 53;
 constexpr std::uint16_t virtualTab = 48;
 constexpr std::uint16_t virtualV = 9;
 
-/// A program that text is put into, and that tells what it got.
+/// A program that receives text and reports it.
 class Target {
   public:
     virtual ~Target() = default;
-    /// Finishes the input with keys of `poster` and returns all of it.
+    /// Finishes the input with keys of `poster` and returns the whole text.
     virtual std::string finish(XTestKeyPoster& poster) = 0;
 };
 
@@ -62,7 +62,7 @@ void tap(XTestKeyPoster& poster, std::uint16_t virtualKey,
     }
 }
 
-/// A terminal in which `cat` writes what arrives into a file, byte for byte.
+/// A terminal in which `cat` writes its input into a file, byte for byte.
 class Terminal final : public Target {
   public:
     explicit Terminal(const std::string& className = "XTerm")
@@ -75,7 +75,7 @@ class Terminal final : public Target {
     }
 
     std::string finish(XTestKeyPoster& poster) override {
-        // The terminal asks for a pasted text, and keys would overtake the answer.
+        // The terminal requests a pasted text, and keys would overtake the answer.
         EXPECT_TRUE(!isPastedInto || waitUntil([this] { return !arrived().empty(); }));
         tap(poster, virtualReturn);
         tap(poster, virtualEscape);
@@ -120,7 +120,7 @@ class TextArea final : public Target {
         EXPECT_TRUE(waitUntil(desktop::zenityHasKeyboard)) << "the text area did not come up";
     }
     std::string finish(XTestKeyPoster& poster) override {
-        // Out of the text, past the first button, onto the second.
+        // Moves the focus out of the text, past the first button, to the second.
         tap(poster, virtualTab, ModifierFlags::control);
         tap(poster, virtualTab);
         tap(poster, virtualReturn);
@@ -155,7 +155,7 @@ class TextInsertionDesktopTest : public testing::Test {
     bool waitUntilPosted() {
         return waitUntil([this] { return !events.empty() && events.back() == "did post"; });
     }
-    /// Keys that are posted now come after the text.
+    /// Keys that are posted now arrive after the text.
     bool waitUntilFetched(int times = 1) {
         const bool isFetched = waitUntil([&] { return fetches.count() >= times; });
         QGuiApplication::sync();
@@ -187,7 +187,7 @@ class PasteTest : public TextInsertionDesktopTest, public testing::WithParamInte
         keyboard.lock(situation.capsLock, situation.numLock);
     }
 
-    /// The user lets go while the chord is still on its way.
+    /// The user releases the keys while the chord is still on its way.
     void insertWithKeysHeld() {
         for (const auto key : GetParam().held) {
             keyboard.press(key);
@@ -271,8 +271,8 @@ TEST_F(TextInsertionDesktopTest, TheTextStaysOnTheClipboardAsPlainText) {
 
 TEST_F(TextInsertionDesktopTest, AClipboardThatWasTakenThisVeryMomentIsNotPastedAsOurs) {
     Entry entry;
-    // Without a turn of our loop the toolkit does not know yet, and asks for it in vain. The other
-    // program may be in the background before the clipboard is its own.
+    // Without a turn of our loop the toolkit does not know yet, and requests it in vain. The other
+    // program may run in the background before it owns the clipboard.
     ASSERT_EQ(std::system("printf theirs | xclip -selection clipboard; until [ \"$(timeout 1 "
                           "xclip -selection clipboard -o)\" = theirs ]; do :; done"),
               0);
@@ -375,7 +375,7 @@ TEST_F(TextInsertionDesktopTest, APosterThatGoesRightAfterThePasteLeavesNoKeyDow
 
 class ChordTest : public TextInsertionDesktopTest {
   protected:
-    /// The keys as the focused window sees them, from the paste on.
+    /// The keys that the focused window receives, from the paste on.
     std::vector<std::string> chordWith(std::vector<Keyboard::Keycode> held,
                                        const std::string& className = "Editor") {
         KeyRecorder recorder(className);
@@ -435,7 +435,7 @@ TEST_F(ChordTest, NeverLetsAltBeTappedAlone) {
                 ElementsAre("down 37", "up 64", "up 37", "down 50", "down 118", "up 118", "up 50"));
 }
 
-/// A second X server, which can be taken away.
+/// A second X server that can be killed.
 class OtherServer {
   public:
     explicit OtherServer(const std::vector<std::string>& options = {})

@@ -17,7 +17,7 @@ const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString menuInterface = QStringLiteral("com.canonical.dbusmenu");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-/// The last of an a(iiay), which come smallest first.
+/// The last entry of an a(iiay), which is sorted by size.
 QByteArray largestPicture(const QVariant& pictures) {
     const auto argument = pictures.value<QDBusArgument>();
     QByteArray pixels;
@@ -104,7 +104,7 @@ QString TrayPanel::introspect(const QString& /*path*/) const {
 
 bool TrayPanel::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
     if (message.member() == QStringLiteral("Introspect")) {
-        return false; // answered by the library
+        return false; // the library answers
     }
     if (message.member() == QStringLiteral("Get")) {
         return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
@@ -138,7 +138,7 @@ QVariantList TrayPanel::ask(const QString& path, const QString& interface, const
 }
 
 void TrayPanel::lookAtIcon() {
-    // All at once: what belongs together was shown together.
+    // Queried together, so that the parts belong to the same moment.
     const auto answer =
         ask(itemPath, propertiesInterface, QStringLiteral("GetAll"), {itemInterface});
     const auto properties = qdbus_cast<QVariantMap>(answer.value(0));

@@ -1,6 +1,6 @@
-// A desktop's panel, as programs with a tray icon meet it on the session bus. It keeps a copy of
-// the icon and its menu, as panels do, and looks again only when the program says that something
-// has changed. Main thread, with Qt's loop running; crashes with its owner.
+// A desktop's panel, as programs with a tray icon see it on the session bus. Like real panels it
+// keeps a copy of the icon and its menu, and reads them again only when the program announces a
+// change. Main thread, with Qt's loop running; crashes with its owner.
 #pragma once
 
 #include <QDBusConnection>
@@ -24,20 +24,20 @@ class TrayPanel final : public QDBusVirtualObject {
 
     struct Icon {
         std::string tip;
-        QByteArray picture; ///< the pixels of its largest size
+        QByteArray picture; ///< the pixels of the largest size
 
         bool operator==(const Icon&) const = default;
     };
-    /// All that has been shown, the present one last.
+    /// All icons that were shown, the current one last.
     const std::vector<Icon>& shown() const { return shown_; }
     bool tells(const std::string& tip) const { return hasIcon() && shown_.back().tip == tip; }
 
-    /// The items as a person reads them: "Quit Orlune  Control+Q", "Orlune Enabled [x]",
-    /// "(not to be chosen)", and "-" for a line.
+    /// The items as text: "Quit Orlune  Control+Q", "Orlune Enabled [x]", "(not to be chosen)", and
+    /// "-" for a separator.
     std::vector<std::string> menu() const;
     bool offers(const std::string& item) const;
 
-    /// Clicks on the icon, and on the item whose text begins like this.
+    /// Clicks the icon, or the item whose text begins like this.
     void activate();
     void choose(const std::string& title);
 

@@ -1,4 +1,4 @@
-// The icon and its menu in a panel, as the panel sees them, and what a click there does.
+// The icon and its menu as a panel sees them, and the effect of clicks there.
 
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/RunningOrlune.h"
@@ -24,7 +24,7 @@ using testing::ElementsAre;
 
 constexpr auto idleTip = "Press fn to speak (Right Control on this keyboard)";
 
-/// The panel comes up long after the program.
+/// The panel starts long after the program.
 class Tray : public testing::Test {
   protected:
     Tray() {
@@ -100,7 +100,7 @@ TEST_F(Tray, ShowsEachPhaseOfADictationThatItStartsStopsAndConfirms) {
     std::vector<std::string> tips;
     std::map<std::string, std::set<QByteArray>> pictures;
     for (const auto& icon : panel->shown()) {
-        if (icon.tip != "Orlune: Connecting securely") { // over before every panel has looked
+        if (icon.tip != "Orlune: Connecting securely") { // too short for every panel to read it
             tips.push_back(icon.tip.substr(std::string("Orlune: ").size()));
             pictures[tips.back()].insert(icon.picture);
         }

@@ -1,4 +1,4 @@
-// Whole dictations with everything real but the speaker: the program as a process of its own,
+// Whole dictations with everything real except the speaker: the program as a separate process,
 // speech in the session's microphone, the keyring, TLS, the clipboard, other programs' windows.
 #include "tests/desktop/Commands.h"
 #include "tests/desktop/SpeechService.h"
@@ -22,13 +22,13 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// Nothing like a real one; found wherever it should not be.
+/// Differs from any real key, so that it can be searched for where it must not be.
 const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
 
 constexpr auto firstWords = "weather is nice";
 constexpr auto lastWords = "go for a walk";
 
-/// The key in the session's keyring for as long as a test runs, put there as a user does.
+/// The key is in the session's keyring during a test, stored as a user does.
 class WholeDictation : public testing::Test {
   protected:
     WholeDictation() {
@@ -41,7 +41,7 @@ class WholeDictation : public testing::Test {
         EXPECT_THAT(outputs_, Not(HasSubstr(key)));
     }
 
-    /// `orlune dictate` with further options, once it listens.
+    /// `orlune dictate` with additional options, once it listens.
     std::unique_ptr<OwnProgram> listening(const std::vector<std::string>& options,
                                           OwnProgram::Environment environment = {}) {
         std::vector<std::string> words{ORLUNE_PROGRAM, "dictate"};
@@ -54,21 +54,21 @@ class WholeDictation : public testing::Test {
         return program;
     }
 
-    /// Speaks, waits as a person does until the words are seen, and ends the recording.
+    /// Speaks, waits until the words are shown, and ends the recording.
     void speakAndEnd(OwnProgram& program, const OwnProgram::Environment& server = {}) {
         speaker_.speak(server);
         EXPECT_TRUE(program.says(lastWords)) << program.standardError();
         program.type("\n");
     }
 
-    /// The exit code; whatever was written is kept to be searched for the key.
+    /// The exit code; the output is kept and searched for the key.
     std::optional<int> end(OwnProgram& program) {
         const auto code = program.exitCode();
         outputs_ += program.standardOutput() + program.standardError() + service_.outputs();
         return code;
     }
 
-    /// A process that ends before its close message is out shows there as a broken connection.
+    /// If the process ends before its close message is sent, the service sees a broken connection.
     void expectServiceSawClose(int code) {
         const auto closed = "closed with " + std::to_string(code) + "\n";
         EXPECT_TRUE(waitUntil([&] { return service_.outputs().find(closed) != std::string::npos; }))

@@ -33,8 +33,8 @@ namespace {
 using desktop::Program;
 using desktop::waitUntil;
 
-/// Two monitors side by side, 1000x800 each, the right one with twice as many pixels to the unit.
-/// The toolkit asks for them when it starts. Only a session of our own is changed.
+/// Two adjacent monitors, 1000x800 each, the right one with two pixels per unit. The toolkit
+/// queries them when it starts. Only a boxed session is changed.
 [[maybe_unused]] const bool hasTwoScreens = [] {
     return std::getenv("ORLUNE_SESSION")
            && setenv("QT_SCREEN_SCALE_FACTORS", "1;2", /*overwrite=*/1) == 0
@@ -51,7 +51,7 @@ void setNumbers(xcb_window_t window, std::string_view property, xcb_atom_t type,
                         static_cast<std::uint32_t>(numbers.size()), numbers.data());
 }
 
-/// A panel of the desktop that keeps `strut` for itself.
+/// A panel of the desktop that reserves `strut`.
 class Panel {
   public:
     Panel(std::string_view property, const std::vector<std::uint32_t>& strut) {
@@ -81,14 +81,14 @@ TEST(Screens, WhatPanelsLeaveOfEachScreen) {
     {
         const Panel lower("_NET_WM_STRUT_PARTIAL", {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 1000, 1999});
         EXPECT_TRUE(becomes(left, {1000, 0, 500, 380}));
-        // Between the screens: it reaches over the left one, and takes nothing from it.
+        // Between the screens: it extends over the left one, and takes nothing from it.
         const Panel middle("_NET_WM_STRUT_PARTIAL", {1060, 0, 0, 0, 0, 799, 0, 0, 0, 0, 0, 0});
         EXPECT_TRUE(becomes(left, {1030, 0, 470, 380}));
         const Panel upper("_NET_WM_STRUT", {0, 0, 30, 0});
         EXPECT_TRUE(becomes({0, 30, 1000, 770}, {1030, 15, 470, 365}));
     }
     EXPECT_TRUE(becomes(left, right));
-    // From a window manager that draws its panels itself.
+    // From a window manager that draws its own panels.
     const auto root = xcb_setup_roots_iterator(xcb_get_setup(qtConnection())).data->root;
     setNumbers(root, "_GTK_WORKAREAS_D0", XCB_ATOM_CARDINAL,
                {0, 28, 1000, 772, 1000, 0, 1000, 780});
@@ -140,7 +140,7 @@ TEST(WindowServer, BringsAWindowForwardAlthoughAnotherProgramWasUsedSince) {
 
 TEST(WindowServer, AsksForBlurInPixelsOfTheDevice) {
     X11WindowServer server;
-    QRasterWindow window; // known to nobody but us yet
+    QRasterWindow window; // only known to us yet
     server.setBlurBehind(window.winId(), {{0, 0.5, 10, 2}, {5, 5, 0.1, 9}, {20, 1, 1.5, 3}}, 1.5);
     const auto blur = [id = std::to_string(window.winId())] {
         return desktop::run({"xprop", "-id", id, "_KDE_NET_WM_BLUR_BEHIND_REGION"});

@@ -1,5 +1,4 @@
-// Somebody at the windows of Orlune, with a screen reader for eyes and hands on the keyboard and on
-// the pointer.
+// A user of Orlune's windows, with a screen reader, a keyboard and a pointer.
 #pragma once
 
 #include "tests/desktop/Commands.h"
@@ -20,7 +19,7 @@ namespace orlune::desktop {
 
 class WindowUser : public testing::Test {
   protected:
-    /// Nothing stays behind: neither the program nor a key. While all around them is still there.
+    /// Ends the program and releases all keys while the environment still exists.
     void TearDown() override {
         if (program) {
             EXPECT_TRUE(does({"quit"}));
@@ -41,7 +40,7 @@ class WindowUser : public testing::Test {
     }
     void expectEnd() {
         EXPECT_EQ(program->exitCode(), 0);
-        // Newer versions of Qt report what they do not implement.
+        // Newer versions of Qt warn about what they do not implement.
         EXPECT_THAT(program->standardError(),
                     testing::MatchesRegex("(orlune.Latency.: [a-z_]+=[0-9]+\n"
                                           "|qt.accessibility.atspi: [^\n]*\n)*"));
@@ -54,7 +53,7 @@ class WindowUser : public testing::Test {
         return (seen.exitCode == 0 ? testing::AssertionSuccess() : testing::AssertionFailure())
                << seen.error;
     }
-    /// As the desktop's own tool finds it.
+    /// The key that the desktop's own tool finds.
     std::string storedKey() const {
         OwnProgram tool({"secret-tool", "lookup", "account", "deepgramAPIKey"}, environment);
         EXPECT_TRUE(tool.exitCode());
@@ -63,7 +62,7 @@ class WindowUser : public testing::Test {
 
     static void type(const std::string& text) { run({"xdotool", "type", text}); }
 
-    /// Whether something gets this name, after what was heard before. Also when it is gone soon.
+    /// Whether an element gets this name after the last one that was heard, even briefly.
     [[nodiscard]] testing::AssertionResult hears(std::string_view name) {
         const auto first = heardNames_;
         const auto& names = heard.names();
@@ -95,7 +94,7 @@ class WindowUser : public testing::Test {
         return testing::AssertionFailure()
                << (element ? element->role + ' ' + element->name : "nothing") << " has it";
     }
-    /// Presses Tab, and waits until the screen reader is told where that leads.
+    /// Presses Tab, and waits until the screen reader reports the new focus.
     void moveOn() {
         const auto count = heard.focused().size();
         keyboard.tap({keycode::tab});
@@ -111,7 +110,7 @@ class WindowUser : public testing::Test {
     const std::string key = "0f1e2d3c4b5a69788796a5b4c3d2e1f0deadbeef";
     const test::TemporaryFolder configuration;
     OwnProgram::Environment environment{{"XDG_CONFIG_HOME", configuration.path()}};
-    const ScreenReader reader; // before the program: it looks for one when it starts
+    const ScreenReader reader; // before the program, which checks for one when it starts
     const Announcements heard;
     Keyboard keyboard;
     std::optional<OwnProgram> program;

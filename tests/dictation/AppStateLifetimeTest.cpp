@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The queue of somebody else under an owner of its own, so that it can end earlier.
+/// Wraps another owner's queue, so that this actor can end earlier.
 class LentMainActor final : public MainActor {
   public:
     explicit LentMainActor(MainActor& lender) : lender_(lender) {}

@@ -1,5 +1,5 @@
-// The state under thousands of random orders of events, against a small model of its transition
-// table. Each order is a function of its seed; a failure prints the seed and what happened.
+// The state under thousands of random orders of events, compared with a small model of its
+// transition table. Each order is a function of its seed; a failure prints the seed and the events.
 
 #include "tests/support/DictationHarness.h"
 
@@ -20,7 +20,7 @@ constexpr int eventsPerSeed = 60;
 constexpr auto vocabulary = std::to_array<std::string_view>(
     {"fix the login form", "   ", "", "never do that, keep it", "caf\u00e9", "one", "somehow."});
 
-/// What the table says, with the client's wait for the last results written out.
+/// The expected behaviour, including the client's wait for the last results.
 struct Model {
     // The world.
     bool hasKey = true;
@@ -44,7 +44,7 @@ struct Model {
 
     Clock::Duration now{};
     std::optional<Clock::Duration> hideAt;
-    std::optional<Clock::Duration> lookAt; ///< when the finishing client looks next
+    std::optional<Clock::Duration> lookAt; ///< when the finishing client checks next
     Clock::Duration deadline{};
     std::string instruction = "Press fn to speak";
 
@@ -289,7 +289,7 @@ class RandomOrder {
         harness_.hear();
         harness_.state().endDictation();
         if (pick(2) == 0) {
-            harness_.platform.runUntilIdle(); // held, the first waits for its packets here
+            harness_.platform.runUntilIdle(); // while held, the first waits for its packets here
             if (!isHeld || !model_.canSend) {
                 model_.end();
             }

@@ -157,7 +157,7 @@ TEST(AppStateTest, aDictationWithReviewHappensInExactlyThisOrder) {
                 ElementsAre("transcript fix the form, never break it", "socket 1 close 1000",
                             "transcript fix the form, never break it", "status Check the intent",
                             "phase reviewing Fix the form."));
-    harness.platform.advance(1h); // a review waits for ever
+    harness.platform.advance(1h); // a review has no time limit
     harness.confirm();
     const std::string text = "Goal\nFix the form.\n\nRequirements\n- Never break it.";
     EXPECT_THAT(harness.takeEvents(),
@@ -200,7 +200,7 @@ TEST(AppStateTest, textThatComesBeforeTheCaptureIsNotMeasuredFromTheLastDictatio
     harness.dictate("one");
     harness.confirm();
     const auto measured = harness.platform.log.entries().size();
-    harness.platform.audioEngine.format.channelCount = 0; // this dictation never captures
+    harness.platform.audioEngine.format.channelCount = 0; // so this dictation never captures
     harness.state().beginDictation();
     while (harness.platform.webSockets.tasks().size() < 2 && harness.platform.runOne()) {
     }
@@ -366,7 +366,7 @@ TEST(AppStateTest, requestsThatDoNotFitThePhaseChangeNothing) {
     harness.platform.runUntilIdle();
     EXPECT_EQ(harness.phase(), "listening");
     EXPECT_EQ(harness.platform.webSockets.tasks().size(), 1u);
-    harness.state().setEnabled(false); // a dictation that runs can still be ended
+    harness.state().setEnabled(false); // a running dictation can still be ended
     harness.end();
     EXPECT_EQ(harness.status(), "Finishing");
     harness.takeEvents();
@@ -387,7 +387,7 @@ TEST(AppStateTest, aNewDictationIsNotHiddenByTheOneBefore) {
     DictationHarness harness;
     harness.state().setIntentCheckEnabled(false);
     harness.dictate("one");
-    // The hide's time has come, but its turn has not: begin must win.
+    // The time of hiding has come, but not its turn: beginning must win.
     harness.platform.clock.advance(650ms);
     harness.begin();
     EXPECT_EQ(harness.phase(), "listening");
@@ -430,7 +430,7 @@ TEST(AppStateTest, levelsMoveTheWaveformOnlyWhileListening) {
     harness.begin();
     harness.hear();
     EXPECT_GT(harness.state().waveform().frame().get().level, 0.5);
-    harness.platform.audioEngine.deliver(0.5F); // on its way when the recording ends
+    harness.platform.audioEngine.deliver(0.5F); // in transit when the recording ends
     const auto before = harness.state().waveform().frame().get();
     harness.end();
     EXPECT_EQ(harness.state().waveform().frame().get(), before);

@@ -22,7 +22,7 @@ constexpr auto none = ModifierFlags::none;
 constexpr auto fn = ModifierFlags::function;
 constexpr auto shift = ModifierFlags::shift;
 constexpr auto controlOption = ModifierFlags::control | ModifierFlags::option;
-/// Caps Lock, the numeric pad and a device's own bit.
+/// Caps Lock, the numeric pad and a device-specific bit.
 constexpr auto noise = static_cast<ModifierFlags>((1ULL << 16) | (1ULL << 21) | 1ULL);
 
 KeyEvent flags(ModifierFlags now) {
@@ -41,7 +41,7 @@ KeyEvent up(std::uint16_t key, ModifierFlags held = none) {
 const DictationShortcut fnAlone;
 const DictationShortcut controlOptionSpace{spaceKey, {Modifiers::control, Modifiers::option}};
 
-/// The controller with its monitor; the service never answers by itself.
+/// The controller with its monitor; the service never answers on its own.
 class Watched : public DictationHarness {
   public:
     explicit Watched(const DictationShortcut& shortcut = fnAlone,
@@ -57,7 +57,8 @@ class Watched : public DictationHarness {
         platform.runUntilIdle();
         return kind();
     }
-    /// The phase right after one of our windows was about to receive it, and whether it does not.
+    /// The phase just before one of our windows would receive the event, and whether it is
+    /// swallowed.
     std::string here(const KeyEvent& event) {
         const auto answer = platform.keyEventMonitors.sendToOwnWindow(event);
         const auto now = kind() + (answer == KeyEventAnswer::swallow ? ", swallowed" : "");

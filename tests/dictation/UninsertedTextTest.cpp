@@ -1,4 +1,4 @@
-// What was said and did not reach another program can be had for a while.
+// Words that did not reach another program can be recovered for a while.
 
 #include "tests/support/DictationHarness.h"
 
@@ -54,9 +54,9 @@ TEST(UninsertedTextTest, wordsThatWereNotInsertedCanBeRecovered) {
         DictationHarness harness;
         row.lose(harness);
         ASSERT_TRUE(harness.phase().starts_with("failure"));
-        harness.platform.advance(5s); // long back to idle
+        harness.platform.advance(5s); // idle again for a while
         harness.begin();
-        harness.cancel(); // without a word: the older ones stay
+        harness.cancel(); // without words, so the older ones are kept
         EXPECT_EQ(harness.state().recoverUninsertedText(), AppState::Recovery::recovered);
         EXPECT_EQ(harness.platform.pasteboard.contents(), row.kept);
     }

@@ -11,7 +11,7 @@
 namespace orlune::test {
 namespace {
 
-/// The program itself, with a pipe on either side.
+/// The program itself, with pipes for input and output.
 class Command {
   public:
     explicit Command(std::vector<std::string> arguments) {

@@ -9,7 +9,7 @@ namespace {
 
 struct RequestCase {
     const char* name;
-    const char* from; ///< what is replaced in a request that is right
+    const char* from; ///< the replaced part of a valid request
     const char* to;
     unsigned status;
 };

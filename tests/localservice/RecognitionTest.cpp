@@ -18,7 +18,7 @@ namespace {
 using Samples = std::vector<std::int16_t>;
 using testing::HasSubstr;
 
-/// Hears one word, "i" or "word", in each half second of an utterance.
+/// Recognises one word, "i" or "word", in each half second of an utterance.
 class FakeRecogniser : public Recogniser {
   public:
     void startStream() override {}
@@ -133,7 +133,7 @@ TEST(Transcriber, answersTheSameHoweverTheAudioIsCut) {
 TEST(Transcriber, givesFinalsToWhoeverNeverPauses) {
     const auto lines = outline(transcribe(voice(25), 3200));
     EXPECT_THAT(lines, testing::Contains(testing::StartsWith("0.00-20.00 final Word I word")));
-    // Nothing of the rest is lost, and it goes on in the middle of the sentence.
+    // The rest is not lost, and continues in the middle of the sentence.
     EXPECT_THAT(lines, testing::Contains(testing::StartsWith("20.00-25.00 final word I word")));
 }
 
@@ -212,7 +212,7 @@ TEST(Recognition, endsAStreamThatSendsAnEmptyBinaryMessage) {
 }
 
 TEST(Recognition, endsAStreamThatSendsAudioAfterCloseStream) {
-    /// Finds the last words only when the audio has come that must not come.
+    /// Finishes its last words only after the forbidden audio has arrived.
     struct PatientRecogniser : FakeRecogniser {
         std::vector<RecognisedWord> endUtterance() override {
             service->waitUntil(

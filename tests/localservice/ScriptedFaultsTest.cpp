@@ -14,7 +14,7 @@ struct Play {
         : service({.script = serviceScript(name), .keepAudio = keepAudio}),
           client(service.start()) {}
 
-    /// Speaks for 0.3 s, asks for the end, and takes what comes.
+    /// Speaks for 0.3 s, requests the end, and receives the messages.
     std::vector<std::string> speak() {
         client.open();
         client.sendSilence(0.3);
@@ -40,7 +40,7 @@ struct ConversationCase {
     std::uint16_t closeCode;
 };
 
-/// Scripts after which a correct client has got every message and a proper close.
+/// Scripts after which a correct client has received every message and a proper close.
 class Conversation : public testing::TestWithParam<ConversationCase> {};
 
 TEST_P(Conversation, bringsItsMessagesAndItsClose) {

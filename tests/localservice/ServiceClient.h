@@ -1,4 +1,5 @@
-// A client of the service for tests: every operation has a deadline, so that silence can be seen.
+// A client of the service for tests. Every operation has a deadline, so that a silent service can
+// be detected.
 #pragma once
 
 #include <boost/asio/connect.hpp>
@@ -68,13 +69,13 @@ class ServiceClient {
         return sendMessage(boost::asio::buffer(samples.data(), samples.size_bytes()),
                            /*isText=*/false, limit);
     }
-    /// Somebody who is silent.
+    /// Sends silent audio.
     bool sendSilence(double seconds, Limit limit = usualLimit) {
         const std::vector<std::int16_t> silence(static_cast<std::size_t>(seconds * 16000));
         return sendAudio(silence, limit);
     }
 
-    /// The next message; nothing when the stream ended or the time ran out (`error()`).
+    /// The next message; none when the stream has ended or on timeout (`error()`).
     std::optional<std::string> receive(Limit limit = usualLimit) {
         buffer_.clear();
         run([this](auto done) { stream_.async_read(buffer_, std::move(done)); }, limit);
@@ -101,7 +102,7 @@ class ServiceClient {
         run([&](auto done) { stream_.async_close(reason, std::move(done)); }, usualLimit);
     }
 
-    /// Writes a request as it stands and returns the status of the answer.
+    /// Writes a request unchanged and returns the status of the answer.
     unsigned request(const std::string& text) {
         boost::asio::write(stream_.next_layer(), boost::asio::buffer(text));
         std::string answer;
@@ -155,7 +156,7 @@ class ServiceClient {
     int pings_ = 0;
 };
 
-/// All transcripts of finals, joined by spaces, and the last interim behind them.
+/// The transcripts of all finals, joined by spaces, followed by the last interim.
 inline std::string finalsOf(const std::vector<boost::json::value>& messages) {
     std::string text;
     for (const auto& message : messages) {

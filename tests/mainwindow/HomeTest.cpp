@@ -1,4 +1,4 @@
-// The home page over a dictation that is played by hand, and the window around it.
+// The home page during a simulated dictation, and its window.
 
 #include "mainwindow/DictationSurface.h"
 #include "mainwindow/HomeView.h"
@@ -27,7 +27,7 @@ struct HomeTest : WindowUser, testing::Test {
         });
     }
 
-    /// What the page says now; the functions' texts, as they are seen.
+    /// Checks the texts of the functions, and that the page shows them.
     void expectTexts(const std::string& title, const std::string& subtitle) {
         settle();
         EXPECT_EQ(phaseTitle(dictation.state()), title);

@@ -1,4 +1,4 @@
-// The first set-up, from the welcome to the home page.
+// The initial set-up, from the welcome to the home page.
 
 #include "tests/mainwindow/WindowUser.h"
 

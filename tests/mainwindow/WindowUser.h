@@ -1,4 +1,4 @@
-// The main window as its user meets it: what can be seen, pressed and typed into.
+// The main window as its user sees it: what is visible, and what can be pressed and typed into.
 #pragma once
 
 #include "mainwindow/MainWindow.h"
@@ -35,11 +35,11 @@ class WindowUser {
         settle();
     }
 
-    /// The part of this kind that is shown; of buttons and texts the one that reads so.
+    /// The visible part of this kind; for buttons and texts the one with this text.
     template <typename Kind>
     Kind* seen(const QString& text = {}) const {
         for (auto* widget : window->findChildren<QWidget*>()) {
-            auto* part = dynamic_cast<Kind*>(widget); // not every kind is known to Qt
+            auto* part = dynamic_cast<Kind*>(widget); // Qt does not know every kind
             if (part && part->isVisible() && (text.isEmpty() || part->property("text") == text)) {
                 return part;
             }
@@ -47,7 +47,7 @@ class WindowUser {
         return nullptr;
     }
     bool reads(const QString& text) const { return seen<QLabel>(text) != nullptr; }
-    /// What assistive technology meets under this name.
+    /// The widget that assistive technology finds under this name.
     QWidget* named(const QString& name) const {
         for (auto* part : window->findChildren<QWidget*>()) {
             if (part->isVisible() && part->accessibleName() == name) {

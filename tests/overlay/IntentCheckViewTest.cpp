@@ -1,4 +1,4 @@
-// The card of the intent check: which parts it has, and that it fits its panel.
+// The card of the intent check: its parts, and that it fits into its panel.
 
 #include "overlay/IntentCheckView.h"
 
@@ -20,7 +20,7 @@ IntentCheck madeOf(const std::string& goal, const std::vector<std::string>& requ
     return check;
 }
 
-/// A card on the screen.
+/// A visible card.
 class Card {
   public:
     explicit Card(const IntentCheck& check, const QString& shortcut = QStringLiteral("⇧⌘K"))
@@ -39,7 +39,7 @@ class Card {
         return all;
     }
 
-    /// Whether all of it lies in the panel and is tall enough for a line.
+    /// Whether this text lies entirely within the panel and is tall enough for a line.
     bool isWhole(const QString& wanted) const {
         const auto& text = found(wanted);
         const QRect place(text.mapTo(&view_, QPoint()), text.size());

@@ -1,4 +1,4 @@
-// The floating panel and the texts of its capsule, over a dictation that is played by hand.
+// The floating panel and the texts of its capsule, during a simulated dictation.
 
 #include "overlay/GlassCapsule.h"
 #include "overlay/OverlayView.h"
@@ -63,7 +63,7 @@ TEST(PanelOriginTest, restsAboveTheUsableAreaOfTheScreenUnderThePointer) {
 
 class OverlayPanelTest : public testing::Test {
   protected:
-    /// Runs what is queued, and the movement that it begins to its end.
+    /// Runs queued work, and the resulting movement to its end.
     void settle() {
         dictation.platform.runUntilIdle();
         const auto& panel = controller.panel();

@@ -1,4 +1,4 @@
-// The icon of menus and docks is the mark that the windows show.
+// The icon of menus and docks shows the same mark as the windows.
 #include "visuals/OrluneMark.h"
 
 #include <QImage>
@@ -31,7 +31,7 @@ int difference(QRgb left, QRgb right) {
 }
 
 TEST(IconTest, theIconIsTheMark) {
-    // Of 255. The rim and rounded coordinates, along edges, differ by less.
+    // Of 255. The rim and rounded coordinates cause smaller differences along edges.
     constexpr int visible = 48;
     QSvgRenderer drawing(QStringLiteral(ORLUNE_ICON));
     const QImage icon = picture([&](QPainter& painter) { drawing.render(&painter); });

@@ -30,7 +30,7 @@ class AudioCaptureServiceTest : public testing::Test {
             });
     }
 
-    /// The error of a preparation that must fail.
+    /// The error of a preparation, which must fail.
     CaptureError prepareError() {
         try {
             prepare();
@@ -52,7 +52,7 @@ AudioPCMBuffer sine(const AudioFormat& format, std::uint32_t frames, float ampli
     auto buffer = AudioPCMBuffer::create(format, frames);
     auto samples = buffer->floatChannel(0);
     for (std::size_t frame = 0; frame < frames; ++frame) {
-        // Twelve whole periods in each 12 ms at 48 kHz.
+        // Twelve whole periods per 12 ms at 48 kHz.
         samples[frame] =
             amplitude * std::sin(2 * std::numbers::pi_v<float> * static_cast<float>(frame) / 48);
     }

@@ -55,7 +55,7 @@ class DeepgramServiceTest : public testing::Test {
         });
         queue.runUntilIdle();
     }
-    /// Turns the clock until `outcome` is there; says how long it took.
+    /// Advances the clock until `outcome` is set; returns how long it took.
     std::chrono::milliseconds waitForOutcome() {
         auto waited = 0ms;
         while (!outcome && waited < 5s) {
@@ -326,17 +326,17 @@ TEST_F(DeepgramServiceTest, theServiceIsReleasedOnceItsConnectionHasEnded) {
     EXPECT_TRUE(observed.expired());
 }
 
-/// A whole stream, whose connection breaks at its first operation, at its second, and so on until
-/// it comes through. Whatever breaks, finishing ends, with the words that had come until then.
+/// A whole stream, whose connection breaks at its first operation, then at its second, and so on
+/// until it succeeds. In each case finishing ends with the words that had arrived until then.
 TEST_F(DeepgramServiceTest, aConnectionMayBreakAtAnyOperation) {
-    // Three packets, the close message, and a receive behind each message but the last.
+    // Three packets, the close message, and a receive after each message except the last.
     constexpr int operations = 7;
     for (int number = 1; number <= operations + 1; ++number) {
         SCOPED_TRACE("operation " + std::to_string(number));
         reported.clear();
         start();
         const auto socket = sockets.task();
-        socket->failAtOperation(number); // from here: the first receive waits already
+        socket->failAtOperation(number); // counted from here: the first receive is already waiting
         send("one");
         deliver(results("hello", "true"));
         send("two");

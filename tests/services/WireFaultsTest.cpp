@@ -1,5 +1,5 @@
-// Every scripted fault of the speech service against the real client: it ends as a person would
-// expect, within its time, and leaves nothing behind.
+// Every scripted fault of the speech service with the real client: each has the expected outcome,
+// within its time, and leaves nothing behind.
 
 #include "localservice/LocalService.h"
 #include "platform/linux/runtime/BackgroundThread.h"
@@ -24,9 +24,9 @@ using Milliseconds = std::chrono::milliseconds;
 constexpr auto key = "hidden-key";
 constexpr auto deadline = 15s;
 constexpr auto resultWait = 1800ms;
-/// What a busy machine may add to a wait of our own.
+/// What a loaded machine may add to our own waits.
 constexpr auto slack = 700ms;
-/// Time in which the connection itself is gone after the end of a dictation.
+/// The time within which the connection itself ends after a dictation.
 constexpr auto closeLimit = 2s;
 
 /// One dictation against one script.
@@ -60,7 +60,7 @@ class Dictation {
         ASSERT_EQ(ended.get_future().wait_for(deadline), std::future_status::ready);
     }
 
-    /// 0.3 s of silence, in the packets of the microphone.
+    /// 0.3 s of silence, in packets like the microphone's.
     void speak() {
         run([this]() -> Awaitable<void> {
             for (int packet = 0; packet < 25; ++packet) {
@@ -126,7 +126,7 @@ struct Fault {
     const char* outcome; ///< a regular expression
     Milliseconds least = 0ms;
     Milliseconds most = 0ms;
-    bool peerReads = true; ///< one that does not read cannot see the end either
+    bool peerReads = true; ///< a peer that does not read cannot see the end either
 };
 
 class WireFaults : public testing::TestWithParam<Fault> {};

@@ -1,4 +1,4 @@
-// Entering, replacing and removing the API key, and what is left of it in memory.
+// Entering, replacing and removing the API key, and what remains of it in memory.
 
 #include "platform/SecureWipe.h"
 #include "tests/settings/SettingsPage.h"
@@ -90,7 +90,7 @@ TEST_F(KeyEntryTest, whatWasNotSavedIsForgottenWhenTheWindowCloses) {
     EXPECT_EQ(entry()->text(), "");
 }
 
-// A sanitizer keeps what was given back, to find who still uses it.
+// A sanitizer keeps freed memory to detect later uses.
 #if defined(__has_feature)
 #define ORLUNE_IS_SANITIZED __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #else
@@ -99,10 +99,10 @@ TEST_F(KeyEntryTest, whatWasNotSavedIsForgottenWhenTheWindowCloses) {
 #if !(ORLUNE_IS_SANITIZED)
 
 constexpr int keyLength = 40;
-/// Of the key, these letters in a row count as found.
+/// A row of this many letters of the key counts as found.
 constexpr int fragmentLength = 10;
 
-/// Computed letter by letter: the key stands nowhere in this program.
+/// Computed letter by letter, because this program must not contain the key.
 char keyLetter(int index) {
     const auto mixed = (static_cast<unsigned int>(index) + 1) * 2654435761U;
     return "0123456789abcdef"[mixed >> 28];
@@ -117,8 +117,8 @@ bool isFragment(const char* memory, int start, int bytesPerLetter) {
     return true;
 }
 
-/// How many quarters of the key stand in what this process can write to. Read through the system:
-/// guard pages of stacks are listed as readable, and are not.
+/// How many quarters of the key are in this process's writable memory. Read through the system,
+/// because guard pages of stacks are listed as readable but are not.
 int fragmentsInMemory(int bytesPerLetter) {
     static std::array<char, 1 << 16> chunk;
     constexpr std::size_t page = 4096;
@@ -169,7 +169,7 @@ TEST(FreeMemoryTest, isOverwrittenWhereverItLies) {
             }
         }
     }
-    const std::string between(100, '-'); // keeps what is given back apart from the unused end
+    const std::string between(100, '-'); // separates freed memory from the unused end of the heap
     copies.clear();
     EXPECT_GT(fragmentsInMemory(1), 0) << "or there is nothing to do";
     wipeFreeMemory();
@@ -192,7 +192,7 @@ class KeyInMemoryTest : public KeyEntryTest, public testing::WithParamInterface<
         clipboard->setText(key);
         QTest::keySequence(entry(), QKeySequence::Paste);
         clipboard->clear();
-        key.fill(QLatin1Char('-')); // the copy of the program that it was pasted from
+        key.fill(QLatin1Char('-')); // the copy in the program that it was pasted from
     }
 };
 
@@ -202,10 +202,10 @@ TEST_P(KeyInMemoryTest, nothingIsLeftOfASavedKey) {
     pressReturn();
     auto& stored = dictation.platform.secretItems.items.at(0).data;
     ASSERT_EQ(stored.size(), static_cast<std::size_t>(keyLength));
-    wipe(stored); // it stands for the keyring
+    wipe(stored); // the keyring's copy
     EXPECT_EQ(fragmentsInMemory(1), 0);
-    // A paste makes copies in the toolkit. Where an object takes the place of one before it is
-    // wiped, what the object does not write stays: never more than a quarter of the key.
+    // A paste makes copies in the toolkit. Where an object reuses the memory of a copy before it is
+    // wiped, the parts it does not write remain: never more than a quarter of the key.
     EXPECT_LE(fragmentsInMemory(sizeof(QChar)), GetParam() ? 1 : 0);
 }
 

@@ -1,4 +1,4 @@
-// The settings window over a platform in memory, and what a user finds in it.
+// The settings window on a platform in memory, with helpers to find its parts.
 #pragma once
 
 #include "settings/SettingsWindow.h"
@@ -23,7 +23,7 @@ class SettingsPage : public testing::Test {
         settle();
     }
 
-    /// Until everybody has heard of what happened.
+    /// Runs until all observers have been notified.
     void settle() {
         dictation.platform.runUntilIdle();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -1,4 +1,4 @@
-// The page as its user meets it: choosing, switching, recording a shortcut, allowing, and going
+// The page as its user sees it: choosing, switching, recording a shortcut, allowing, and moving
 // through it with the keyboard.
 
 #include "settings/SettingsView.h"
@@ -19,7 +19,7 @@ class SettingsWindowTest : public SettingsPage {
   protected:
     auto stored(std::string_view key) { return dictation.platform.userDefaults.object(key); }
     QAbstractButton* recorder() { return button("Shortcut,"); }
-    /// A key that the desktop keeps for itself, or that the window receives later.
+    /// A key that the desktop takes for itself, or that the window receives later.
     void watch(KeyEvent::Type type, std::uint16_t keyCode, Flags flags) {
         dictation.platform.keyEventMonitors.sendToOwnWindow({.type = type,
                                                              .keyCode = keyCode,

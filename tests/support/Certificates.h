@@ -1,4 +1,4 @@
-// Certificates made while a test runs: an authority of its own, and what it signs.
+// Certificates that are made during a test: an authority, and the certificates it signs.
 #pragma once
 
 #include <openssl/bio.h>
@@ -16,10 +16,10 @@ class Certificate {
   public:
     using Days = std::chrono::duration<int, std::ratio<86400>>;
 
-    /// An authority that signs itself.
+    /// A self-signed authority.
     explicit Certificate(const std::string& name) : Certificate(name, nullptr, Days(1)) {}
-    /// For one host ("DNS:localhost", "IP:127.0.0.1"), valid until `expires` from now; it may lie
-    /// in the past.
+    /// A certificate for one host ("DNS:localhost", "IP:127.0.0.1"), valid until `expires` from
+    /// now, which may be in the past.
     Certificate(const std::string& host, const Certificate& authority, Days expires)
         : Certificate(host, &authority, expires) {}
 

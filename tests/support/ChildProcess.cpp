@@ -32,7 +32,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, ends[0], 0);
-    // What it says would stand between the lines of the test's own report.
+    // Its output would mix with the test's own report.
     ::posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
     ::posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
     const int error = ::posix_spawnp(&process_, arguments[0].c_str(), &actions, nullptr,

@@ -1,4 +1,4 @@
-// Runs other programs beside a test.
+// Runs other programs during a test.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@
 
 namespace orlune::test {
 
-/// A program that runs beside the test and is killed with its owner.
+/// A program that runs next to the test and is killed with its owner.
 class ChildProcess {
   public:
     ChildProcess() = default;
-    /// `input` is all of its standard input.
+    /// `input` is its whole standard input.
     ChildProcess(const std::vector<std::string>& arguments,
                  const std::vector<std::string>& environment, std::string_view input = {});
     ChildProcess(ChildProcess&& other) noexcept;

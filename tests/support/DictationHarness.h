@@ -1,5 +1,4 @@
-// The session controller over a platform in memory, with the service's and the user's side played
-// by hand.
+// The session controller on a platform in memory; the test plays the service and the user.
 #pragma once
 
 #include "dictation/AppState.h"
@@ -49,7 +48,7 @@ class DictationHarness {
                         .isSuccess());
     }
 
-    /// Made on first use, so that a test can set the platform up before.
+    /// Created on first use, so that a test can set the platform up before.
     AppState& state() {
         if (!state_) {
             state_ = AppState::make(platform.bundle());
@@ -57,7 +56,7 @@ class DictationHarness {
         return *state_;
     }
 
-    /// Lists every announcement among the platform's events: what is new, not what is stored.
+    /// Adds every announcement to the platform's events, with the new value, not the stored one.
     void record() {
         auto& events = *platform.events;
         recording_[0] = state().phase().subscribe(
@@ -84,7 +83,7 @@ class DictationHarness {
         state().cancelDictation();
         platform.runUntilIdle();
     }
-    /// One buffer of sound.
+    /// One buffer of audio.
     void hear(float amplitude = 0.5F) {
         platform.audioEngine.deliver(amplitude);
         platform.runUntilIdle();
@@ -112,7 +111,7 @@ class DictationHarness {
         end();
         result(text, /*isFinal=*/true);
         metadata();
-        platform.advance(std::chrono::milliseconds(20)); // the client looks every 20 ms
+        platform.advance(std::chrono::milliseconds(20)); // the client checks every 20 ms
     }
 
     std::string phase() { return describe(state().phase().get()); }

@@ -1,4 +1,5 @@
-// Key events as words a test can compare: "flags 56 shift+fn", "down 0 shift", "again 0", "up 0".
+// Key events as text that a test can compare: "flags 56 shift+fn", "down 0 shift", "again 0", "up
+// 0".
 #pragma once
 
 #include "platform/KeyEvents.h"

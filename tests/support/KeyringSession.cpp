@@ -75,7 +75,7 @@ KeyringSession::KeyringSession() : address_("unix:path=" + (folder_.path() / "bu
 }
 
 void KeyringSession::startBus() {
-    // It ends with us even when a test crashes, and with it the keyring.
+    // It ends with this process even when a test crashes, and the keyring ends with it.
     bus_ = ChildProcess({"setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--nofork", "--nopidfile",
                          "--config-file=" + (folder_.path() / "bus.conf").string()},
                         environment());

@@ -1,6 +1,6 @@
-// A session bus of its own with GNOME Keyring on it, in folders of its own and without a display:
-// nothing of the user's session is touched. Needs dbus-daemon and gnome-keyring-daemon; works for
-// root in a container too. Everything it started ends with it.
+// A separate session bus with GNOME Keyring, in temporary folders and without a display; it does
+// not touch the user's session. Needs dbus-daemon and gnome-keyring-daemon; also works for root in
+// a container. All its programs end with it.
 #pragma once
 
 #include "tests/support/ChildProcess.h"
@@ -15,22 +15,22 @@ namespace orlune::test {
 
 class KeyringSession {
   public:
-    /// Starts the bus alone. Throws when it does not come up.
+    /// Starts only the bus. Throws when it does not start.
     KeyringSession();
 
     const std::string& busAddress() const { return address_; }
 
-    /// Starts the provider and waits until it is on the bus. With a password its login keyring is
-    /// made, or opened if it is the right one; without one there is none.
+    /// Starts the provider and waits until it is on the bus. With a password, its login keyring is
+    /// created, or unlocked if the password is right; without one there is no login keyring.
     void startKeyring(std::optional<std::string_view> password);
     void stopKeyring();
-    /// Ends the bus, the keyring with it, and starts another bus at the same address.
+    /// Ends the bus, and the keyring with it, and starts another bus at the same address.
     void restartBus();
-    /// Stops the provider in the middle of whatever it does, and lets it go on.
+    /// Pauses the provider, whatever it is doing, and resumes it.
     void freezeKeyring() const;
     void thawKeyring() const;
 
-    /// How many items have this account, as the desktop's own tool sees it.
+    /// How many items the desktop's own tool finds for this account.
     int countItems(std::string_view account) const;
 
   private:

@@ -1,5 +1,5 @@
-// The other side of a connection, played on threads of its own: a peer that serves one connection
-// after the other as the test says, and a proxy that can cut a connection anywhere.
+// The other side of a connection, on separate threads: a peer that serves one connection after the
+// other with the test's function, and a proxy that can cut a connection anywhere.
 #pragma once
 
 #include <boost/asio/connect.hpp>
@@ -38,7 +38,7 @@ inline void waitForEnd(tcp::socket& socket) {
 
 class Peer {
   public:
-    /// `serve` runs on the peer's thread with blocking sockets; what it throws ends the connection.
+    /// `serve` runs on the peer's thread with blocking sockets; an exception ends the connection.
     explicit Peer(std::function<void(tcp::socket&)> serve)
         : serve_(std::move(serve)), thread_([this] { run(); }) {}
     ~Peer() {
@@ -65,7 +65,7 @@ class Peer {
                     serve_(socket);
                 }
             } catch (const std::exception&) {
-                // the client went away, as it may
+                // the client went away, which is allowed
             }
             current_ = -1;
         }
@@ -80,7 +80,7 @@ class Peer {
     std::thread thread_;
 };
 
-/// Carries connections to a port of this machine, whatever host they ask for.
+/// Forwards connections to a port of this machine, whatever host they request.
 class Proxy {
   public:
     Proxy(std::uint16_t upstream, std::string answer)
@@ -88,7 +88,7 @@ class Proxy {
           peer_([this](tcp::socket& socket) { carry(socket); }) {}
 
     std::uint16_t port() const { return peer_.port(); }
-    /// The next connections are reset when so many bytes have gone either way.
+    /// The next connections are reset after this many bytes in either direction.
     void cutAfter(std::size_t bytes) { left_ = bytes; }
     bool hasCut() const { return left_ == 0; }
     std::string lastRequest() const {

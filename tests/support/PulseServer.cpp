@@ -23,7 +23,7 @@ std::vector<std::string> currentEnvironment() {
     return environment;
 }
 
-/// What a command printed, and whether it succeeded.
+/// The output of a command, and whether it succeeded.
 std::pair<std::string, bool> run(const std::string& command) {
     std::string output;
     FILE* stream = ::popen((command + " 2>&1").c_str(), "r");
@@ -57,7 +57,7 @@ PulseServer::PulseServer() {
 }
 
 void PulseServer::start() {
-    // The server ends with us even when a test crashes.
+    // The server ends with this process even when a test crashes.
     process_ = ChildProcess({"setpriv", "--pdeathsig", "KILL", "pulseaudio", "-n", "--daemonize=no",
                              "--disallow-exit", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
                              "module-native-protocol-unix"},

@@ -1,7 +1,6 @@
-// A PulseAudio server of its own in folders of its own, without any hardware: nothing of the user's
-// session is touched. While it exists, this process and its children find this server and no other.
-// Needs pulseaudio and its utilities; works for root in a container too. Everything it started ends
-// with it.
+// A separate PulseAudio server in temporary folders, without hardware; it does not touch the user's
+// session. While it exists, this process and its children only find this server. Needs pulseaudio
+// and its utilities; also works for root in a container. All its programs end with it.
 #pragma once
 
 #include "tests/support/ChildProcess.h"
@@ -16,28 +15,28 @@ namespace orlune::test {
 
 class PulseServer {
   public:
-    /// No server runs yet. Throws like every operation here when something does not come about.
+    /// Does not start a server yet. Throws, like all operations here, on failure.
     PulseServer();
 
-    /// Starts the server with no devices at all and waits until it answers.
+    /// Starts the server without devices and waits until it answers.
     void start();
-    /// Kills it, as a crash would.
+    /// Kills it, which simulates a crash.
     void kill();
-    /// Stops the server in the middle of whatever it does, and lets it go on.
+    /// Pauses the server, whatever it is doing, and resumes it.
     void freeze() const { process_.signal(SIGSTOP); }
     void thaw() const { process_.signal(SIGCONT); }
 
-    /// Asks the server for something and returns the answer, or throws with it.
+    /// Sends a command to the server and returns the answer, or throws with it.
     std::string control(const std::string& arguments) const;
 
     /// Loads a module and returns its index.
     std::string load(const std::string& module) const { return control("load-module " + module); }
     void unload(const std::string& index) const { control("unload-module " + index); }
 
-    /// Makes an output whose monitor serves as a microphone, and makes that the default source.
+    /// Makes an output whose monitor serves as a microphone, and makes this the default source.
     std::string addMicrophone(const std::string& name, int sampleRate, int channels) const;
 
-    /// Plays samples of the given layout into an output until the player is let go or they end.
+    /// Plays samples of this layout into an output until they end or the player is destroyed.
     ChildProcess play(const std::string& output, std::span<const float> interleaved, int sampleRate,
                       int channels) const;
 

@@ -14,7 +14,7 @@ constexpr auto itemPath = "/org/freedesktop/secrets/collection/one/1";
 constexpr auto promptPath = "/org/freedesktop/secrets/prompt/1";
 constexpr auto sessionPath = "/org/freedesktop/secrets/session/1";
 constexpr auto deadline = std::chrono::seconds(5);
-/// Longer than the program takes for "nobody was asked".
+/// Longer than the program's limit below which a prompt counts as not shown.
 constexpr auto readingTime = std::chrono::milliseconds(300);
 
 GVariant* paths(const char* path) {
@@ -48,7 +48,7 @@ void ScriptedSecretService::takeName(const char* name) {
 }
 
 ScriptedSecretService::~ScriptedSecretService() {
-    // Waits for the filter to return for the last time.
+    // Waits until the filter has returned for the last time.
     g_dbus_connection_close_sync(connection_.get(), nullptr, nullptr);
 }
 
@@ -149,7 +149,7 @@ GDBusMessage* ScriptedSecretService::filter(GDBusConnection*, GDBusMessage* mess
     return nullptr;
 }
 
-/// The reply's body; none when it was answered otherwise, or will be.
+/// The reply's body; none when the call is answered elsewhere or later.
 GVariant* ScriptedSecretService::answer(GDBusMessage* message) {
     const std::string member = g_dbus_message_get_member(message);
     const std::string path = g_dbus_message_get_path(message);

@@ -1,7 +1,6 @@
-// A provider of secrets that does what no real one can be made to do on demand: a prompt that
-// stands until the test answers it, an add that is answered late, a refusal. It holds one
-// collection and at most one item. Its operations are safe from any thread; it answers on GLib's
-// own D-Bus thread.
+// A provider of secrets for cases that no real one can produce on demand: a prompt that stays open
+// until the test answers it, an add that is answered late, a refusal. It has one collection and at
+// most one item. Its operations are safe from any thread; it answers on GLib's own D-Bus thread.
 #pragma once
 
 #include "platform/linux/secrets/GlibHandles.h"
@@ -19,23 +18,23 @@ class ScriptedSecretService {
     ~ScriptedSecretService();
 
     void lock();
-    /// The answer of a person at the prompt, who needs a moment to read it.
+    /// The user's answer to the prompt, after a moment for reading it.
     void answerPrompt(bool isUnlocked);
     void waitForPrompt();
-    /// As when the provider crashes while a person is being asked.
+    /// Simulates a crash of the provider during a prompt.
     void endAtPrompt();
     int promptCount() const;
-    /// How often a prompt was called off by the program.
+    /// How often the program has dismissed a prompt.
     int dismissalCount() const;
 
-    /// The next session is refused with this text.
+    /// Refuses the next session with this text.
     void refuseNextSession(std::string text);
-    /// From now on it is KeePassXC with a database of which no group is shared.
+    /// From now on it is KeePassXC with a database that shares no group.
     void becomeKeePassXCThatSharesNothing();
 
-    /// Adds are refused with this text from now on.
+    /// Refuses adds with this text from now on.
     void refuseAdds(std::string text);
-    /// Adds are done at once and answered only when released.
+    /// From now on adds are done at once but only answered when released.
     void holdAnswersToAdds();
     void releaseAnswersToAdds();
 

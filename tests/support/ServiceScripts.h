@@ -1,4 +1,4 @@
-// The ready scripts of tests/localservice/scripts, each a fault of the speech service.
+// The scripts in tests/localservice/scripts, each of which is a fault of the speech service.
 #pragma once
 
 #include "localservice/Script.h"
@@ -10,7 +10,7 @@
 
 namespace orlune::test {
 
-/// By the file's name without ending, for example "late-tail-1.5s".
+/// The script in the file with this name, without its ending, for example "late-tail-1.5s".
 inline Script serviceScript(const std::string& name) {
     return Script::load(std::filesystem::path(ORLUNE_SERVICE_SCRIPTS) / (name + ".json"));
 }

@@ -1,4 +1,4 @@
-// A folder of its own for one test, removed with its owner.
+// A folder for one test, removed with its owner.
 #pragma once
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Tones to play, and how much of a tone a recording holds.
+// Generates tones, and measures a tone in a recording.
 #pragma once
 
 #include <cmath>
@@ -20,7 +20,7 @@ inline std::vector<float> tone(double frequency, float amplitude, double sampleR
     return samples;
 }
 
-/// The amplitude of one frequency, exact when the samples hold whole periods of it.
+/// The amplitude of one frequency, exact when the samples contain whole periods of it.
 template <typename Samples>
 double amplitudeAt(double frequency, const Samples& samples, double sampleRate) {
     std::complex<double> sum;

@@ -1,4 +1,4 @@
-// Runs tests of views: they are drawn in memory and need no display. A warning of Qt's fails the
+// Runs tests of views, which are drawn in memory and need no display. A warning of Qt fails the
 // test in which it appears.
 
 #include <QApplication>
@@ -7,7 +7,7 @@
 namespace {
 
 void failOnWarning(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    // Drawing in memory has no opacity of windows, no masks and no stacking.
+    // Drawing in memory supports no window opacity, masks or stacking.
     if (type != QtDebugMsg && type != QtInfoMsg
         && !message.startsWith(QLatin1String("This plugin does not support"))) {
         ADD_FAILURE() << message.toStdString();

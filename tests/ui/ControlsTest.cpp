@@ -1,4 +1,4 @@
-// Rows with spacers, and the controls as mouse and keyboard meet them.
+// Rows with spacers, and the controls' reactions to mouse and keyboard.
 
 #include "ui/Button.h"
 #include "ui/CrossFade.h"
@@ -36,7 +36,7 @@ TEST(StackTest, aSpacerHasAGapOnEitherSideAndAHiddenPartHasNone) {
     EXPECT_EQ(ending->minimumSizeHint().width(), 42 + 11 + 7 + 11 + 2);
 }
 
-// An opacity effect that is fully opaque cannot draw a widget that has an effect too.
+// A fully opaque opacity effect cannot draw a widget that has an effect too.
 TEST(CrossFadeTest, onePaintsInsideAnother) {
     auto* const inner = new CrossFade(new Button(QStringLiteral("Title"), {}));
     CrossFade outer(inner);
@@ -48,7 +48,7 @@ TEST(CrossFadeTest, onePaintsInsideAnother) {
     EXPECT_TRUE(inner->isFading());
 }
 
-/// A window with one control of each kind, all as if nobody touched them.
+/// A window with one control of each kind, in its initial state.
 struct ControlsTest : testing::Test {
     ControlsTest() {
         window.reset(padded(column({.spacing = 20, .alignment = Alignment::leading},
@@ -83,7 +83,7 @@ TEST_F(ControlsTest, aRingIsForTheKeyboard) {
     for (QWidget* const control : {static_cast<QWidget*>(bordered), static_cast<QWidget*>(plain),
                                    static_cast<QWidget*>(toggle)}) {
         const auto name = control->metaObject()->className();
-        const int clicks = control == toggle ? 2 : 1; // which leaves it as it was
+        const int clicks = control == toggle ? 2 : 1; // the second one restores its state
         for (int count = 0; count < clicks; ++count) {
             QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(5, 5));
         }

@@ -1,4 +1,4 @@
-// Every symbol that the views name has a drawing, which takes the colour it is given.
+// Every symbol that the views name has a drawing, which takes the given colour.
 
 #include "ui/Symbol.h"
 

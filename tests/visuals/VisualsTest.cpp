@@ -1,4 +1,5 @@
-// The visual elements cost nothing while nobody sees them, and move less where that is wanted.
+// The visual elements cost nothing while they cannot be seen, and move less where the user wants
+// that.
 
 #include "platform/memory/MemoryDisplayOptions.h"
 #include "visuals/ProcessingGlow.h"

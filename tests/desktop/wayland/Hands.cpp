@@ -31,7 +31,7 @@ Hands::Hands() : connection_(WaylandConnection::open()) {
 }
 
 Hands::~Hands() {
-    send_ = {}; // before the connection
+    send_ = {}; // must go before the connection
 }
 
 void Hands::tap(const std::vector<KeyCode>& keys) {

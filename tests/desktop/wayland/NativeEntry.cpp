@@ -1,6 +1,6 @@
-// A native Wayland window with a text field, for tests to paste into: writes what the field holds
-// into a file at each change. The file appears once the field has the keyboard.
-//   native_entry FILE
+// A native Wayland window with a text field, for tests to paste into. Writes the field's text into
+// a file at each change. The file appears once the field has the focus.
+// native_entry FILE
 #include <QApplication>
 #include <QFile>
 #include <QPlainTextEdit>

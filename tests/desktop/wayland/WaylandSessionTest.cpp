@@ -1,5 +1,5 @@
-// Dictating into a native window of a Wayland session: the shortcut, the clipboards and the paste
-// by what the compositor offers. Run in sway and in Plasma.
+// Dictating into a native window of a Wayland session, with the shortcut, the clipboards and the
+// paste that the compositor offers. Runs in sway and in Plasma.
 #include "core/ActivationMode.h"
 #include "core/DictationShortcut.h"
 #include "platform/linux/storage/FileUserDefaults.h"
@@ -38,8 +38,8 @@ bool isSway() {
     return std::getenv("SWAYSOCK") != nullptr;
 }
 
-/// A native window that writes down what it receives: a terminal in sway, where that byte for byte,
-/// else a text field.
+/// A native window that records what it receives: in sway a terminal, which records it byte for
+/// byte, else a text field.
 class Window {
   public:
     Window() : program_(command()) {
@@ -94,11 +94,11 @@ TEST_F(WaylandSession, BothSelectionsCarryTheWholeTextToANativeWindow) {
     hands.tap({key::leftShift, key::insert});
     EXPECT_TRUE(window.receives(text)) << window.text().size();
 
-    // Somebody else copies: the other selection stays ours.
+    // Another program copies; the other selection stays ours.
     desktop::run({"wl-copy", "--primary", "of another program"});
     EXPECT_TRUE(waitUntil([&] { return !pasteboard->ownsPrimarySelection(); }));
     EXPECT_TRUE(desktop::run({"wl-paste", "-n"}) == text);
-    // A program that asks and goes away does no harm.
+    // A program that requests the text and ends early does no harm.
     desktop::run({"sh", "-c", "wl-paste -n | head -c 1 >/dev/null"});
     EXPECT_TRUE(pasteboard->setString("the last"));
     EXPECT_EQ(desktop::run({"wl-paste", "-n", "--primary"}), "the last");
@@ -124,7 +124,7 @@ class WaylandDictation : public WaylandSession {
             awaitLog("Keys can be posted", 1);
         }
     }
-    /// Until the program has logged this so often.
+    /// Waits until the program has logged this line so many times.
     void awaitLog(const std::string& line, int times) {
         ASSERT_TRUE(waitUntil([&] {
             const auto log = orlune_.program().standardError();
@@ -176,7 +176,7 @@ TEST_F(WaylandDictation, HoldToSpeakListensWhileTheKeyIsDown) {
     for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
         hands.press(code);
     }
-    // In sway the paste has modifiers of its own; elsewhere it waits until these are up.
+    // In sway the paste has its own modifiers; elsewhere it waits until these are released.
     if (!isSway()) {
         for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
             hands.release(code);
@@ -189,7 +189,7 @@ TEST_F(WaylandDictation, EscapeIsTakenOnlyDuringADictation) {
     const Window window;
     start();
     hands.tap({key::escape});
-    // A text field shows nothing of it.
+    // A text field does not show it.
     const std::string escape = isSway() ? "\x1b" : "";
     EXPECT_TRUE(window.receives(escape));
     hands.tap({key::rightControl});
@@ -209,7 +209,7 @@ TEST_F(SwayDictation, TheShortcutOutlivesAReloadAndALostRelease) {
     awaitLog("The shortcut is bound", 2);
     hands.tap({key::rightControl});
     ASSERT_TRUE(reaches("listening"));
-    // Another key while the shortcut is down: sway does not report that it comes up.
+    // Another key while the shortcut is down: sway does not report its release.
     hands.press(key::rightControl);
     hands.tap({key::a});
     hands.release(key::rightControl);

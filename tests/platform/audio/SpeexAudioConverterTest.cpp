@@ -64,7 +64,7 @@ std::vector<std::int16_t> convert(AudioConverter& converter, const AudioPCMBuffe
     return {samples.begin(), samples.end()};
 }
 
-/// Converts the samples in taps of 12 ms, as the capture does.
+/// Converts the samples in taps of 12 ms, like the capture.
 std::vector<std::int16_t> convertInTaps(const AudioFormat& format, std::span<const float> samples) {
     const auto converter = SpeexAudioConverter::create(format, packetFormat);
     if (!converter) {
@@ -77,7 +77,7 @@ std::vector<std::int16_t> convertInTaps(const AudioFormat& format, std::span<con
     for (; samples.size() >= tap; samples = samples.subspan(tap)) {
         const auto part = convert(*converter, filled(format, samples.first(tap)),
                                   static_cast<std::uint32_t>(exact) + 1);
-        // Every buffer is answered at once; nothing is saved up for later.
+        // Every buffer is converted at once; nothing is held back.
         EXPECT_NEAR(static_cast<double>(part.size()), exact, 1) << describe(format);
         all.insert(all.end(), part.begin(), part.end());
     }
@@ -97,7 +97,7 @@ TEST(SpeexAudioConverterTest, EveryMicrophoneBecomesTheSameTone) {
                     const std::span<const std::int16_t> settled(converted.begin() + 1000, 8000);
                     EXPECT_NEAR(amplitudeAt(1000, settled, 16000), 0.5 * 32768, 80)
                         << describe(format);
-                    // Filter images and clipping would show as power beside the tone.
+                    // Aliases and clipping would add power to the tone.
                     EXPECT_NEAR(rootMeanSquare(settled), 0.5 * 32768 / std::sqrt(2), 60)
                         << describe(format);
                 }

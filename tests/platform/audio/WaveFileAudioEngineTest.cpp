@@ -39,13 +39,13 @@ class WaveFileAudioEngineTest : public testing::Test {
         return path;
     }
 
-    /// Opens and installs a tap that keeps what it hears; `ended` becomes true after the end.
+    /// Opens the file and installs a tap that stores its buffers; sets `ended` after the end.
     void open(const std::filesystem::path& path, Pace pace, std::uint32_t bufferSize) {
         auto opened = WaveFileAudioEngine::create(path, pace, [this] { ended->set_value(); });
         ASSERT_TRUE(opened.engine) << opened.error;
         engine = std::move(opened.engine);
         engine->installTap(bufferSize, engine->inputFormat(), [this](auto buffers) {
-            const auto& buffer = buffers.front(); // a file is read one by one
+            const auto& buffer = buffers.front(); // a file is delivered one buffer at a time
             heard.resize(buffer.format().channelCount);
             for (std::uint32_t channel = 0; channel < heard.size(); ++channel) {
                 const auto samples = buffer.floatChannel(channel);
@@ -118,7 +118,7 @@ TEST_F(WaveFileAudioEngineTest, KeepsThePaceOfAMicrophone) {
 }
 
 TEST_F(WaveFileAudioEngineTest, StopsAtOnceInTheMiddleOfABuffer) {
-    // One buffer holds ten seconds.
+    // One buffer takes ten seconds.
     open(ramp(80000, 1, 8000, SF_FORMAT_WAV | SF_FORMAT_PCM_16), Pace::microphone, 80000);
     const auto begin = std::chrono::steady_clock::now();
     engine->start();

@@ -36,7 +36,7 @@ using testing::HasSubstr;
 constexpr auto deadline = 20s;
 constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
 
-/// Says back what it hears, until the client closes; "big N" is answered with N mebibytes.
+/// Echoes its input until the client closes; "big N" is answered with N mebibytes.
 template <typename Stream>
 void echo(Stream& stream) {
     stream.read_message_max(32 * mebibyte);
@@ -218,7 +218,7 @@ TEST_F(BeastWebSocketTest, cancelFailsWhatWaitsAtOnceWhateverThePeerDoes) {
         const auto task = open(peer);
         const auto receiving = begin(task->receive());
         Outcome sending;
-        for (int count = 0; count < 40; ++count) { // more than the system's buffers hold
+        for (int count = 0; count < 40; ++count) { // more than the system buffers
             sending =
                 begin(task->send({WebSocketMessage::Kind::binary, std::string(mebibyte, 's')}));
         }

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 class RuntimeTest : public testing::Test {
   protected:
-    /// Runs the Qt loop until `condition` holds; a test that waits for ever ends by its time limit.
+    /// Runs the Qt loop until `condition` holds; ctest's time limit ends a test that hangs.
     template <typename Condition>
     void runUntil(Condition condition) {
         while (!condition()) {
@@ -83,7 +83,7 @@ TEST_F(RuntimeTest, aCancelledSleepEndsEarlyWhereverItRaces) {
     int ended = 0;
     constexpr int rounds = 200;
     for (int round = 0; round < rounds; ++round) {
-        // Around the very moment at which the timer fires.
+        // Close to the moment at which the timer fires.
         const auto task = Task::start(main.executor(), [&, round]() -> Awaitable<void> {
             try {
                 co_await clock.sleep(round % 2 == 0 ? 1ms : 1h);

@@ -1,4 +1,4 @@
-// What is written to sway's socket and read from it, and which keys of a configuration are taken.
+// The messages on sway's socket, and which keys of a configuration are already bound.
 #include "platform/linux/shortcuts/SwayKeys.h"
 #include "platform/linux/shortcuts/SwayMessages.h"
 

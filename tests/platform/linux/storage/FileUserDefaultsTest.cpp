@@ -184,7 +184,7 @@ TEST_F(FileUserDefaultsTest, AWriterThatIsKilledLeavesAWholeFile) {
                 defaults.set("mode", std::string(20'000, letter));
             }
         }
-        // The moment is what is random here; nothing waits for it.
+        // Makes the moment random; the test does not wait for anything.
         ::usleep(static_cast<useconds_t>(random() % 3000));
         ::kill(writer, SIGKILL);
         ::waitpid(writer, nullptr, 0);

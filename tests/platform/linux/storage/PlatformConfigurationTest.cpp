@@ -18,7 +18,7 @@ constexpr auto standardEndpoint = "wss://api.deepgram.com";
 TEST(PlatformConfiguration, EndpointsAreSchemeHostAndPort) {
     struct Row {
         const char* given;
-        const char* accepted; ///< none: refused
+        const char* accepted; ///< null when refused
     };
     const Row rows[] = {
         {"wss://speech.example", "wss://speech.example"},
