@@ -16,7 +16,7 @@ namespace {
 using testing::HasSubstr;
 using State = Finding::State;
 
-TEST(DoctorReportTest, isATableForPeopleAndAnObjectForPrograms) {
+TEST(DoctorReportTest, isATextTableAndAJsonObject) {
     const Findings findings{{"tray", State::warning, "there is none", "Start it again."},
                             {"microphone", State::ok, "\"Desk\", peak -20 dB"},
                             {"keyring", State::fail, "locked", "Unlock it."}};
@@ -86,7 +86,7 @@ TEST(DoctorTest, judgesMicrophones) {
     EXPECT_EQ(checkSound(facts).back(), (Finding{"microphone", State::ok, "Desk, peak -20 dB"}));
 }
 
-TEST(DoctorTest, tellsWhetherAKeyIsStoredButNotTheKey) {
+TEST(DoctorTest, reportsWhetherAKeyIsStoredButNotTheKey) {
     MemorySecretItems secrets;
     EXPECT_EQ(troubles(checkKeyring(secrets)), "API key: fail; ");
     ASSERT_TRUE(secrets

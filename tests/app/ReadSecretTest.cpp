@@ -77,14 +77,14 @@ class SecretTerminal : public testing::Test {
     std::string prompt;
 };
 
-TEST_F(SecretTerminal, showsNothingOfWhatIsTypedAndPutsTheEchoBack) {
+TEST_F(SecretTerminal, hidesWhatIsTypedAndRestoresTheEcho) {
     EXPECT_EQ(readTyped("hidden\n"), "hidden");
     EXPECT_EQ(shown(), "");
     EXPECT_EQ(prompt, "Key: \n");
     EXPECT_TRUE(echoes());
 }
 
-TEST_F(SecretTerminal, anInterruptGivesNoSecretAndPutsTheEchoBack) {
+TEST_F(SecretTerminal, anInterruptGivesNoSecretAndRestoresTheEcho) {
     EXPECT_EQ(readTyped("half\x03\n"), std::nullopt);
     EXPECT_TRUE(echoes());
 }

@@ -10,7 +10,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(StatusTest, tellsPhaseAndSettingsAndNeverWhatWasSaid) {
+TEST(StatusTest, reportsPhaseAndSettingsAndNeverWhatWasSaid) {
     DictationHarness harness;
     EXPECT_EQ(statusJson(harness.state()),
               R"({"phase":"idle","message":null,"statusMessage":"Press Fn to speak",)"
@@ -36,7 +36,7 @@ TEST(StatusTest, tellsPhaseAndSettingsAndNeverWhatWasSaid) {
     EXPECT_THAT(told, Not(HasSubstr("sesame")));
 }
 
-TEST(StatusTest, isOneLineForAPerson) {
+TEST(StatusTest, isOneReadableLine) {
     DictationHarness harness("");
     EXPECT_EQ(statusLine(statusJson(harness.state())),
               "idle: Press Fn to speak (no Deepgram API key)");

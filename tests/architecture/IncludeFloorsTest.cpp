@@ -107,7 +107,7 @@ TEST(IncludeFloorsTest, everyAllowedIncludeIsUsed) {
 }
 
 /// The folders can be built in some order, so no folder includes itself through others.
-TEST(IncludeFloorsTest, noFloorStandsOnItself) {
+TEST(IncludeFloorsTest, theFloorsFormNoCircle) {
     const auto floors = readFloors();
     std::set<std::string> built;
     while (true) {
@@ -126,7 +126,7 @@ TEST(IncludeFloorsTest, noFloorStandsOnItself) {
     }
 }
 
-TEST(IncludeFloorsTest, onlyTheTopKnowsWhichDesktopItStandsOn) {
+TEST(IncludeFloorsTest, onlyTheTopFloorKnowsTheDesktop) {
     for (const auto& [folder, below] : readFloors()) {
         for (const auto& name : below) {
             if (startsWithAny(name, {"platform/linux/", "platform/memory", "platform/audio",

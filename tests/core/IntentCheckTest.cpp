@@ -53,7 +53,7 @@ std::string repeated(std::string_view piece, std::size_t characters) {
     return text;
 }
 
-TEST(IntentCheckBuilder, TakesATranscriptApart) {
+TEST(IntentCheckBuilder, SplitsATranscript) {
     struct Row {
         std::string name;
         std::string transcript;

@@ -81,7 +81,7 @@ TEST(WaveformStateTest, ALongSilenceEndsInExactZerosAndAPhaseThatStandsStill) {
     EXPECT_EQ(waveform.frame().get(), settled);
 }
 
-TEST(WaveformStateTest, ThePhaseRunsRoundAndRound) {
+TEST(WaveformStateTest, ThePhaseWrapsAround) {
     WaveformState waveform;
     bool cameRound = false;
     double previous = 0;

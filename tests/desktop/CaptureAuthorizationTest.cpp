@@ -64,7 +64,7 @@ TEST_F(CaptureAuthorizationTest, FollowsTheServerAndItsMicrophones) {
     EXPECT_TRUE(becomes(Status::authorized)) << "a later server is found by asking";
 }
 
-TEST_F(CaptureAuthorizationTest, AServerThatHangsHoldsNobodyUp) {
+TEST_F(CaptureAuthorizationTest, AServerThatHangsBlocksNobody) {
     server.start();
     server.addMicrophone("microphone", 48000, 1);
     EXPECT_EQ(isGranted(), true);

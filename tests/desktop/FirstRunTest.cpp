@@ -35,7 +35,7 @@ class FirstRun : public desktop::WindowUser {
     desktop::SpeechService service{key};
 };
 
-TEST_F(FirstRun, ByTheKeyboardAlone) {
+TEST_F(FirstRun, WorksByKeyboardOnly) {
     ASSERT_TRUE(reader.shows("Speak. Structure. Ship."));
     ASSERT_TRUE(getsFocus("Continue"));
     keyboard.tap({keycode::enter});
@@ -74,7 +74,7 @@ TEST_F(FirstRun, ByTheKeyboardAlone) {
     EXPECT_TRUE(reader.find("Ready wherever you type")) << "at once";
 }
 
-TEST_F(FirstRun, ByThePointerAlone) {
+TEST_F(FirstRun, WorksByPointerOnly) {
     click(reader, "Continue");
     ASSERT_TRUE(reader.shows("Connect Deepgram."));
     EXPECT_FALSE(reader.await("Continue").isEnabled);

@@ -87,7 +87,7 @@ TEST_F(KeyEventsDesktopTest, ArriveByThemselvesWhileAnotherProgramHasTheKeyboard
     EXPECT_EQ(program.keys().size(), 4U) << "the other program gets its keys all the same";
 }
 
-TEST_F(KeyEventsDesktopTest, KeepTheOrderOfTheKeysWhenModifiersAreLetGoFirst) {
+TEST_F(KeyEventsDesktopTest, KeepTheOrderOfTheKeysWhenModifiersAreReleasedFirst) {
     keyboard.press(keycode::leftControl);
     keyboard.press(keycode::leftAlt);
     keyboard.press(keycode::space);
@@ -145,7 +145,7 @@ TEST_F(KeyEventsDesktopTest, OfOtherProgramsCountAsTheUsersAndOurOwnAreNeverSeen
     EXPECT_THAT(seenSoFar(), Contains("flags 63 fn").Times(2)) << "the next press is a press";
 }
 
-TEST_F(KeyEventsDesktopTest, AReleaseThatIsNeverToldIsFound) {
+TEST_F(KeyEventsDesktopTest, AMissedReleaseIsDetected) {
     OtherClient client;
     client.type(keycode::rightControl, /*isDown=*/true);
     EXPECT_THAT(seenSoFar(), ElementsAre("flags 63 fn"));
@@ -174,7 +174,7 @@ TEST_F(KeyEventsDesktopTest, TheStandInMovesWithItsSymbolAndStaysWhenNoKeyHasIt)
     EXPECT_THAT(seenSoFar(), ElementsAre("flags 63 fn", "flags 63"));
 }
 
-TEST_F(KeyEventsDesktopTest, EscapeIsTheKeyThatIsCalledSo) {
+TEST_F(KeyEventsDesktopTest, EscapeIsTheKeyWithItsSymbol) {
     const auto tapUntil = [this](Keyboard::Keycode key, const std::string& event) {
         return waitUntil([&] {
             tap(key);
@@ -211,7 +211,7 @@ TEST_F(KeyEventsDesktopTest, AKeyboardThatIsPluggedInAgainIsSeen) {
     EXPECT_THAT(seenSoFar(), ElementsAre("flags 63 fn", "flags 63"));
 }
 
-TEST_F(KeyEventsDesktopTest, ALockLetsGoOfEverythingAndSeesNothing) {
+TEST_F(KeyEventsDesktopTest, ALockReleasesAllKeysAndReportsNone) {
     keyboard.press(keycode::rightControl);
     keyEvents.setLocked(true);
     EXPECT_THAT(seen, ElementsAre("flags 63 fn", "flags 63"));
@@ -253,7 +253,7 @@ class OwnWindow final : public QWindow {
     }
 };
 
-TEST_F(KeyEventsDesktopTest, InOurWindowsGoToLocalMonitorsAloneWhichMayKeepThem) {
+TEST_F(KeyEventsDesktopTest, InOurWindowsGoOnlyToLocalMonitorsWhichMaySwallowThem) {
     desktop::run({"xset", "r", "rate", "50", "50"});
     std::vector<std::string> local;
     monitors.push_back(keyEvents.addLocalMonitor(everything, [&](const KeyEvent& event) {
@@ -277,7 +277,7 @@ TEST_F(KeyEventsDesktopTest, InOurWindowsGoToLocalMonitorsAloneWhichMayKeepThem)
     desktop::run({"xset", "r", "rate"});
 }
 
-TEST_F(KeyEventsDesktopTest, AKeyHeldWhileTheFocusLeavesOurWindowIsLetGoElsewhere) {
+TEST_F(KeyEventsDesktopTest, AKeyHeldWhileTheFocusLeavesOurWindowIsReleasedElsewhere) {
     std::vector<std::string> local;
     monitors.push_back(keyEvents.addLocalMonitor(everything, [&](const KeyEvent& event) {
         local.push_back(describe(event));

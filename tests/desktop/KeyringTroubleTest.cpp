@@ -73,7 +73,7 @@ class KeyringTrouble : public desktop::WindowUser {
     const WayToScreenReader way{session.busAddress(), reader.busAddress()};
 };
 
-TEST_F(KeyringTrouble, IsToldOnTheFirstRun) {
+TEST_F(KeyringTrouble, IsReportedOnTheFirstRun) {
     launch();
     click(reader, "Continue");
     ASSERT_TRUE(getsFocus("Deepgram API key"));
@@ -81,7 +81,7 @@ TEST_F(KeyringTrouble, IsToldOnTheFirstRun) {
     EXPECT_TRUE(reader.await("Continue").isEnabled);
 }
 
-TEST_F(KeyringTrouble, IsToldInTheSettings) {
+TEST_F(KeyringTrouble, IsReportedInTheSettings) {
     finishOnboarding();
     launch();
     click(reader, "Settings");

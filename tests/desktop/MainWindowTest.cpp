@@ -30,7 +30,7 @@ class Home : public desktop::WindowUser {
     std::string testText() const { return reader.await("Test area").text; }
 };
 
-TEST_F(Home, TakesADictationAndTellsHowItGoes) {
+TEST_F(Home, TakesADictationAndShowsItsProgress) {
     const std::string idle = "Press fn to speak. Your prompt will appear at the active cursor";
     const desktop::SpeechService service(
         key, "Add a dark mode to the settings. Make sure the choice is kept.", /*pause=*/1);

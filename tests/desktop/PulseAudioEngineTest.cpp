@@ -153,7 +153,7 @@ class PulseAudioEngineTest : public testing::Test {
     Recorder recorder;
 };
 
-TEST_F(PulseAudioEngineTest, HearsEverySourceAsItIs) {
+TEST_F(PulseAudioEngineTest, CapturesEverySourceInItsOwnFormat) {
     server.start();
     struct Row {
         int sampleRate;
@@ -179,7 +179,7 @@ TEST_F(PulseAudioEngineTest, HearsEverySourceAsItIs) {
     }
 }
 
-TEST_F(PulseAudioEngineTest, HearsTheFirstSoundAtOnceAndKeepsUp) {
+TEST_F(PulseAudioEngineTest, CapturesTheFirstSoundAtOnceAndKeepsUp) {
     server.start();
     server.addMicrophone("microphone", 48000, 1);
     PulseAudioEngine engine;
@@ -291,7 +291,7 @@ TEST_F(PulseAudioEngineTest, AServerThatHangsNeitherFreezesNorEndsTheProgram) {
     EXPECT_TRUE(recorder.hearsMore());
 }
 
-TEST_F(PulseAudioEngineTest, NothingIsHeardAfterStopAndNextTimeAgain) {
+TEST_F(PulseAudioEngineTest, NothingIsCapturedBetweenStopAndTheNextStart) {
     server.start();
     server.addMicrophone("microphone", 48000, 1);
     PulseAudioEngine engine;
@@ -322,7 +322,7 @@ TEST_F(PulseAudioEngineTest, AMutedMicrophoneDeliversSilence) {
     EXPECT_TRUE(recorder.hearsTones(48000, 1));
 }
 
-TEST_F(PulseAudioEngineTest, TwoEnginesHearTheSame) {
+TEST_F(PulseAudioEngineTest, TwoEnginesCaptureTheSame) {
     server.start();
     server.addMicrophone("microphone", 48000, 2);
     const auto player = server.play("microphone", tones(48000, 2), 48000, 2);

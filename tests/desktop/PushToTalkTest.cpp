@@ -144,7 +144,7 @@ TEST_F(PushToTalk, AKeyWithModifiersEndsWhenTheKeyComesUp) {
     desktop::run({"xset", "r", "rate"});
 }
 
-TEST_F(PushToTalk, IsHeardWhileAnotherProgramHasGrabbedTheKeyboard) {
+TEST_F(PushToTalk, WorksWhileAnotherProgramHasGrabbedTheKeyboard) {
     const Terminal terminal;
     start();
     OtherClient client;
@@ -164,7 +164,7 @@ TEST_F(PushToTalk, ClicksOnThePanelReachTheWindowBelow) {
     EXPECT_TRUE(waitUntil([&] { return below.clicks() == 1; }));
 }
 
-TEST_F(PushToTalk, LiesAboveAFullScreenWindowThatComesLater) {
+TEST_F(PushToTalk, StaysAboveALaterFullScreenWindow) {
     start();
     keyboard_.tap({keycode::fn});
     ASSERT_TRUE(rests(atRest(capsule)));

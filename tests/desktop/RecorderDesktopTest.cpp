@@ -80,7 +80,7 @@ TEST_F(Recorder, RefusesAKeyWithoutAModifierWithOneBeep) {
     desktop::run({"xset", "r", "rate"});
 }
 
-TEST_F(Recorder, LeavesTheShortcutAloneWhenItIsLeft) {
+TEST_F(Recorder, KeepsTheShortcutWhenItIsLeft) {
     arm("fn");
     keyboard.tap({keycode::escape});
     ASSERT_TRUE(says("fn"));

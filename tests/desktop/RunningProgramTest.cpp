@@ -100,7 +100,7 @@ TEST_F(RunningProgram, ComesForwardWithWhatIsOpenWhenItIsLaunchedAgain) {
     EXPECT_EQ(titles(), "Orlune\n");
 }
 
-TEST_F(RunningProgram, DictatesWhenToldOverTheBusAndTellsNothingOfWhatWasSaid) {
+TEST_F(RunningProgram, DictatesOnRequestOverTheBusAndRevealsNothingThatWasSaid) {
     const desktop::Terminal terminal;
     const auto program = started();
     EXPECT_TRUE(succeeds("toggle"));
@@ -185,7 +185,7 @@ std::vector<std::string> troubles(const Outcome& report) {
     return names;
 }
 
-TEST_F(RunningProgram, IsFoundWellByTheDoctorWhoNamesWhatIsMissing) {
+TEST_F(RunningProgram, PassesTheDoctorWhichNamesWhatIsMissing) {
     const auto program = started();
     const OwnProgram noise({"pacat", "--device=vmic", "/dev/urandom"});
     ASSERT_TRUE(

@@ -104,7 +104,7 @@ class ScreenLockTest : public testing::Test {
     ScreenLock::OnChange record = [this](bool isLocked) { changes.push_back(isLocked); };
 };
 
-TEST_F(ScreenLockTest, IsToldBySessionManagerAndScreenSaverUntilBothLetGo) {
+TEST_F(ScreenLockTest, IsReportedBySessionManagerAndScreenSaverUntilBothUnlock) {
     SessionManager manager(others, /*isLocked=*/true);
     ScreenLock lock(record);
     waitUntilListening();
@@ -118,7 +118,7 @@ TEST_F(ScreenLockTest, IsToldBySessionManagerAndScreenSaverUntilBothLetGo) {
     EXPECT_THAT(changes, ElementsAre(true, false, true));
 }
 
-TEST_F(ScreenLockTest, IsToldByTheScreenSaverAloneWhereThereIsNoSessionManager) {
+TEST_F(ScreenLockTest, IsReportedByTheScreenSaverWithoutASessionManager) {
     ScreenLock lock(record);
     waitUntilListening();
     blank(true);
@@ -128,7 +128,7 @@ TEST_F(ScreenLockTest, IsToldByTheScreenSaverAloneWhereThereIsNoSessionManager) 
     EXPECT_THAT(changes, ElementsAre(true, false));
 }
 
-TEST_F(ScreenLockTest, AScreenSaverThatEndsNoLongerCounts) {
+TEST_F(ScreenLockTest, AScreenSaverThatEndsCountsAsUnlocked) {
     ASSERT_TRUE(others.registerService(screenSaver));
     ScreenLock lock(record);
     waitUntilListening();

@@ -81,7 +81,7 @@ TEST_F(SecretServiceItemsTest, TheEndOfTheBusIsNotOurs) {
     EXPECT_EQ(items.copyMatching(query).data, "abc");
 }
 
-TEST_F(SecretServiceItemsTest, EachReasonForHavingNoSecretSaysItself) {
+TEST_F(SecretServiceItemsTest, EachReasonForAMissingSecretIsReported) {
     const auto expectEverywhere = [&](SecretServiceItems& items, Code code, const char* text) {
         const auto read = items.copyMatching(query);
         EXPECT_EQ(read.status.code, code) << read.status.message;
@@ -119,7 +119,7 @@ TEST_F(SecretServiceItemsTest, EachReasonForHavingNoSecretSaysItself) {
     }
 }
 
-TEST_F(SecretServiceItemsTest, AProviderThatHangsIsAnsweredForWithinTheBound) {
+TEST_F(SecretServiceItemsTest, AProviderThatHangsTimesOut) {
     session.startKeyring("password");
     auto brief = options;
     brief.readBound = 100ms;
@@ -160,7 +160,7 @@ class ScriptedSecretServiceTest : public SecretServiceItemsTest {
     SecretServiceItems hasty{{/*hasDisplay=*/true, 300ms, 300ms}};
 };
 
-TEST_F(ScriptedSecretServiceTest, AReadThatTimedOutLeavesItsPromptToTheNext) {
+TEST_F(ScriptedSecretServiceTest, AReadThatTimedOutLeavesItsPromptForTheNextRead) {
     ASSERT_TRUE(patient.add(query, "abc", accessibility).isSuccess());
     service.lock();
     EXPECT_EQ(hasty.copyMatching(query).status.code, Code::timedOut);
@@ -173,7 +173,7 @@ TEST_F(ScriptedSecretServiceTest, AReadThatTimedOutLeavesItsPromptToTheNext) {
     EXPECT_EQ(service.promptCount(), 1) << "nobody is asked twice";
 }
 
-TEST_F(ScriptedSecretServiceTest, ThePatientWaitAtAPromptHoweverLongItStands) {
+TEST_F(ScriptedSecretServiceTest, ThePatientWaitForAPromptWithoutLimit) {
     ASSERT_TRUE(patient.add(query, "abc", accessibility).isSuccess());
     service.lock();
     std::promise<void> isTold;
@@ -186,7 +186,7 @@ TEST_F(ScriptedSecretServiceTest, ThePatientWaitAtAPromptHoweverLongItStands) {
     person.get();
 }
 
-TEST_F(ScriptedSecretServiceTest, AnEndWhileThePromptStandsDoesNotCallItOff) {
+TEST_F(ScriptedSecretServiceTest, DestructionDuringAPromptDoesNotDismissIt) {
     service.lock();
     {
         SecretServiceItems ending{{/*hasDisplay=*/true, 300ms, 300ms}};
@@ -213,7 +213,7 @@ TEST_F(ScriptedSecretServiceTest, ASessionThatIsRefusedOnceIsOpenedAgain) {
     EXPECT_TRUE(items.add(query, "abc", accessibility).isSuccess());
 }
 
-TEST_F(ScriptedSecretServiceTest, KeePassXCWithNothingSharedIsSaidAndNotAskedForADatabase) {
+TEST_F(ScriptedSecretServiceTest, KeePassXCWithNothingSharedIsReportedAndNotAskedForADatabase) {
     service.becomeKeePassXCThatSharesNothing();
     for (const auto& status :
          {patient.copyMatching(query).status, patient.add(query, "abc", accessibility)}) {
@@ -222,7 +222,7 @@ TEST_F(ScriptedSecretServiceTest, KeePassXCWithNothingSharedIsSaidAndNotAskedFor
     }
 }
 
-TEST_F(ScriptedSecretServiceTest, ADismissedPromptIsNotTakenForNobodyThere) {
+TEST_F(ScriptedSecretServiceTest, ADismissedPromptIsNotTakenForOneThatWasNeverShown) {
     service.lock();
     auto person = std::async(std::launch::async, [&] { service.answerPrompt(false); });
     const auto status = patient.add(query, "abc", accessibility);
@@ -248,7 +248,7 @@ TEST_F(ScriptedSecretServiceTest, AnAddThatIsAnsweredTooLateIsWithdrawn) {
     EXPECT_FALSE(service.hasItem());
 }
 
-TEST_F(ScriptedSecretServiceTest, TheTextOfARefusalReachesThePerson) {
+TEST_F(ScriptedSecretServiceTest, TheTextOfARefusalReachesTheUser) {
     service.refuseAdds("The database is read-only");
     const auto status = patient.add(query, "abc", accessibility);
     EXPECT_EQ(status.code, Code::refused);

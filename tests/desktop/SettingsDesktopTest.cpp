@@ -83,7 +83,7 @@ TEST_F(Settings, ChooseHowTheShortcutWorks) {
     EXPECT_FALSE(reader.await(tapToToggle).isChecked);
 }
 
-TEST_F(Settings, LeaveTheIntentCheckOut) {
+TEST_F(Settings, SkipTheIntentCheck) {
     for (const auto way : {Way::pointer, Way::keyboard}) {
         flip(intentCheck, way);
         expectInsertionAtOnce();
@@ -112,7 +112,7 @@ TEST_F(Settings, SwitchDictationOffUntilTheNextStart) {
     EXPECT_TRUE(becomes(enabled, true));
 }
 
-TEST_F(Settings, LieInAWindowOfOneSize) {
+TEST_F(Settings, HaveAWindowOfFixedSize) {
     const auto facts =
         desktop::run({"sh", "-c",
                       "window=$(xdotool getactivewindow) && xdotool getwindowgeometry $window && "

@@ -292,7 +292,7 @@ TEST_F(TextInsertionDesktopTest, AClearedClipboardIsEmptyInTheNextTurn) {
         waitUntil([] { return desktop::run({"xclip", "-selection", "clipboard", "-o"}).empty(); }));
 }
 
-TEST_F(TextInsertionDesktopTest, TheUsersPrimarySelectionIsTakenForTerminalsAlone) {
+TEST_F(TextInsertionDesktopTest, TheUsersPrimarySelectionIsOnlyTakenForTerminals) {
     const auto select = [] {
         desktop::run({"sh", "-c", "printf selected | xclip -selection primary"});
     };
@@ -311,7 +311,7 @@ TEST_F(TextInsertionDesktopTest, TheUsersPrimarySelectionIsTakenForTerminalsAlon
     EXPECT_EQ(selected(), "dictated");
 }
 
-TEST_F(TextInsertionDesktopTest, NothingIsPastedIntoATerminalWhoseSelectionSomebodyElseKeeps) {
+TEST_F(TextInsertionDesktopTest, NothingIsPastedIntoATerminalWhoseSelectionAnotherProgramKeeps) {
     Terminal terminal;
     terminal.isPastedInto = false;
     poster = std::make_unique<XTestKeyPoster>(

@@ -119,7 +119,7 @@ TEST_F(WholeDictation, ArrivesInATextField) {
                 AllOf(HasSubstr("The weather is nice today"), HasSubstr(lastWords)));
 }
 
-TEST_F(WholeDictation, FailsInWordsWhenTheServiceCannotBeTrusted) {
+TEST_F(WholeDictation, SaysWhyWhenTheServiceCannotBeTrusted) {
     const auto program = listening({}, {{"SSL_CERT_FILE", service_.strangersAuthority()}});
     program->type("\n");
     EXPECT_EQ(end(*program), 1);

@@ -95,7 +95,7 @@ TEST(Screens, WhatPanelsLeaveOfEachScreen) {
     EXPECT_TRUE(becomes({0, 28, 1000, 772}, {1000, 0, 500, 390}));
 }
 
-TEST(WindowServer, TellsWhenCompositingBeginsAndEnds) {
+TEST(WindowServer, ReportsWhenCompositingBeginsAndEnds) {
     const X11WindowServer server;
     EXPECT_FALSE(server.isCompositing().get());
     std::vector<bool> changes;
@@ -110,7 +110,7 @@ TEST(WindowServer, TellsWhenCompositingBeginsAndEnds) {
     EXPECT_THAT(changes, testing::ElementsAre(true, false));
 }
 
-TEST(WindowServer, TellsThatAnotherWindowIsActive) {
+TEST(WindowServer, ReportsThatAnotherWindowIsActive) {
     X11WindowServer server;
     int count = 0;
     const Subscription subscription = server.activeWindowDidChange().connect([&] { ++count; });

@@ -101,7 +101,7 @@ TEST(AppStateSettingsTest, savesATrimmedKeyIgnoresABlankOneAndReportsARefusal) {
     EXPECT_FALSE(AppState::make(harness.platform.bundle())->hasDeepgramAPIKey().get());
 }
 
-TEST(AppStateSettingsTest, looksAgainWhetherThereIsAKey) {
+TEST(AppStateSettingsTest, checksAgainWhetherThereIsAKey) {
     DictationHarness harness("");
     auto& state = harness.state();
     std::vector<bool> announced;

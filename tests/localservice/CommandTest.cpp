@@ -96,7 +96,7 @@ TEST(LocalServiceCommand, endsOnASignal) {
     EXPECT_EQ(command.status(), 0);
 }
 
-TEST(LocalServiceCommand, tellsWrongUseFromMissingFiles) {
+TEST(LocalServiceCommand, distinguishesWrongUseFromMissingFiles) {
     EXPECT_EQ(Command({"--port", "70000"}).status(), 2);
     EXPECT_EQ(Command({"--port"}).status(), 2);
     EXPECT_EQ(Command({"--tls-key", "a"}).status(), 2);

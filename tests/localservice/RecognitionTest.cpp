@@ -113,7 +113,7 @@ Transcriber::Messages transcribe(const Samples& samples, std::size_t packet) {
     return messages;
 }
 
-TEST(Transcriber, answersByTheAudioThatItHeard) {
+TEST(Transcriber, answersByTheAudioItReceived) {
     const auto audio = silence(1.5) + voice(1.2) + silence(1.0) + voice(0.8);
     EXPECT_THAT(outline(transcribe(audio, 384)),
                 testing::ElementsAre("0.00-1.08 interim ", "speech 1.53", "0.00-2.08 interim Word",
@@ -122,7 +122,7 @@ TEST(Transcriber, answersByTheAudioThatItHeard) {
                                      "3.01-4.50 final Word I.", "metadata 4.50"));
 }
 
-TEST(Transcriber, answersTheSameHoweverTheAudioIsCut) {
+TEST(Transcriber, answersTheSameHoweverTheAudioIsSplit) {
     const auto audio = silence(0.4) + voice(2.345) + silence(0.5) + voice(0.7);
     const auto expected = outline(transcribe(audio, 384));
     for (const std::size_t packet : {1U, 7U, 100000U}) {
@@ -130,7 +130,7 @@ TEST(Transcriber, answersTheSameHoweverTheAudioIsCut) {
     }
 }
 
-TEST(Transcriber, givesFinalsToWhoeverNeverPauses) {
+TEST(Transcriber, givesFinalsToSpeechWithoutPauses) {
     const auto lines = outline(transcribe(voice(25), 3200));
     EXPECT_THAT(lines, testing::Contains(testing::StartsWith("0.00-20.00 final Word I word")));
     // The rest is not lost, and continues in the middle of the sentence.

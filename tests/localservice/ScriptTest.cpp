@@ -16,7 +16,7 @@ std::string complaintAbout(const std::string& text) {
     return {};
 }
 
-TEST(Script, saysWhereAndWhyItCannotBeUnderstood) {
+TEST(Script, reportsWhereAndWhyItIsInvalid) {
     const std::pair<const char*, const char*> cases[] = {
         {"{", "script: this is not JSON (incomplete JSON)."},
         {"[]", "script: an object is needed here."},
@@ -55,7 +55,7 @@ TEST(Script, cannotFillTheMemory) {
               "step 4: the script writes more than 64 MiB.");
 }
 
-TEST(Frames, areCutAndMaskedAsTold) {
+TEST(Frames, areSplitAndMaskedAsRequested) {
     using namespace std::string_literals;
     EXPECT_EQ(frame(FrameKind::text, "hi", {}), "\x81\x02hi");
     EXPECT_EQ(frame(FrameKind::text, std::string(126, 'x'), {}).substr(0, 4), "\x81\x7e\x00\x7e"s);

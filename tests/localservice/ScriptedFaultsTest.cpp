@@ -180,7 +180,7 @@ TEST(ScriptedFaults, pingsStandBetweenTheFragmentsOfOneMessage) {
     EXPECT_TRUE(play.service.waitUntil(pongs, 5s));
 }
 
-TEST(Observations, tellWhatTheClientDidInOrder) {
+TEST(Observations, listWhatTheClientDidInOrder) {
     Play play("silent-after-opening", /*keepAudio=*/true);
     play.client.open();
     const std::vector<std::int16_t> audio = {1, -2, 300};

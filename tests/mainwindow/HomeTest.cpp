@@ -116,7 +116,7 @@ TEST_F(HomeTest, fitsItsWindowWithEqualMarginsWhileItScrolls) {
     EXPECT_LE(engine.bottom(), window->height() - 1) << "the last row is whole";
 }
 
-TEST_F(HomeTest, tellsWhichKeyStandsInForFn) {
+TEST_F(HomeTest, showsWhichKeyStandsInForFn) {
     dictation.platform.keyEventMonitors.standIn = "Right Control";
     open();
     auto* const cap = seen<KeyCap>();

@@ -35,7 +35,7 @@ TEST_F(OnboardingTest, comesUpAsOneWindow) {
     EXPECT_EQ(appearances.count, 1) << "no part of it is shown before it lies in the window";
 }
 
-TEST_F(OnboardingTest, runsToItsEndByKeyboardAlone) {
+TEST_F(OnboardingTest, runsToItsEndByKeyboardOnly) {
     open();
     EXPECT_TRUE(tells("Step 1 of 4"));
     press(Qt::Key_Return);
@@ -68,7 +68,7 @@ TEST_F(OnboardingTest, runsToItsEndByKeyboardAlone) {
     expectFinished();
 }
 
-TEST_F(OnboardingTest, runsToItsEndByClicksAlone) {
+TEST_F(OnboardingTest, runsToItsEndByClicksOnly) {
     dictation.storeKey("from an earlier run");
     open();
     EXPECT_FALSE(button("Back"));
@@ -129,7 +129,7 @@ TEST_F(OnboardingTest, forgetsAnUnsavedKeyWhenItsWindowIsClosed) {
     EXPECT_EQ(platform.secretItems.items.at(0).data, "another");
 }
 
-TEST_F(OnboardingTest, aReturnThatIsHeldGoesOnOnce) {
+TEST_F(OnboardingTest, aHeldReturnContinuesOnce) {
     dictation.storeKey("secret");
     open();
     press(Qt::Key_Return);
@@ -140,7 +140,7 @@ TEST_F(OnboardingTest, aReturnThatIsHeldGoesOnOnce) {
     EXPECT_TRUE(tells("Step 2 of 4"));
 }
 
-TEST_F(OnboardingTest, looksForPermissionsOnTheirPageAlone) {
+TEST_F(OnboardingTest, checksPermissionsOnlyOnTheirPage) {
     dictation.storeKey("secret");
     platform.captureAuthorization.status = CaptureAuthorization::Status::denied;
     platform.accessibility.reason = "no display";
@@ -174,7 +174,7 @@ TEST_F(OnboardingTest, looksForPermissionsOnTheirPageAlone) {
     EXPECT_FALSE(isPolling());
 }
 
-TEST_F(OnboardingTest, theFocusGoesOnFromAPermissionThatIsGranted) {
+TEST_F(OnboardingTest, theFocusMovesOnFromAGrantedPermission) {
     dictation.storeKey("secret");
     platform.captureAuthorization.status = CaptureAuthorization::Status::denied;
     platform.accessibility.reason = "no display";

@@ -77,7 +77,7 @@ TEST(IntentCheckViewTest, showsAllKeysOfALongShortcut) {
     }
 }
 
-TEST(IntentCheckViewTest, leavesOutWhatThereIsNot) {
+TEST(IntentCheckViewTest, leavesOutMissingParts) {
     const auto texts = Card(madeOf("Goal.")).texts();
     EXPECT_FALSE(texts.contains(QStringLiteral("REQUIREMENTS")));
     EXPECT_FALSE(texts.contains(QStringLiteral("POSSIBLE GAP")));

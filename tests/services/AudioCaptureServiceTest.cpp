@@ -184,7 +184,7 @@ TEST_F(AudioCaptureServiceTest, IntegerSamplesAreSentButShowNoLevel) {
     EXPECT_EQ(packets.size(), 1u);
 }
 
-TEST_F(AudioCaptureServiceTest, TheLevelHearsTheFirstChannelAlone) {
+TEST_F(AudioCaptureServiceTest, TheLevelUsesOnlyTheFirstChannel) {
     microphone.format.channelCount = 2;
     prepare();
     service.start();

@@ -151,7 +151,7 @@ TEST_F(DeepgramServiceTest, messagesThatAreNotResultsOfTheRightShapeChangeNothin
     EXPECT_EQ(outcome, std::nullopt) << "none of them was the closing message";
 }
 
-TEST_F(DeepgramServiceTest, finishSendsCloseStreamBehindTheAudioAndEndsWithTheMetadata) {
+TEST_F(DeepgramServiceTest, finishSendsCloseStreamAfterTheAudioAndEndsWithTheMetadata) {
     start();
     send("ab");
     send("");

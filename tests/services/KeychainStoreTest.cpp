@@ -68,7 +68,7 @@ TEST_F(KeychainStoreTest, ARefusedReplacementLeavesNothingAndSaysWhy) {
     EXPECT_EQ(store.string(key), std::nullopt);
 }
 
-TEST_F(KeychainStoreTest, ADeletionThatFailsIsReportedByTheAdditionAlone) {
+TEST_F(KeychainStoreTest, AFailedDeletionIsOnlyReportedByTheAddition) {
     store.set("old", key);
     items.removeStatus = {SecretStatus::Code::timedOut, "The keyring did not answer."};
     EXPECT_NO_THROW(store.set("", key));

@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
                             std::nullopt}),
     [](const auto& row) { return row.param.name; });
 
-TEST(InsertionErrorTest, SaysWhatThePersonCanDo) {
+TEST(InsertionErrorTest, SaysWhatTheUserCanDo) {
     EXPECT_STREQ(InsertionError(Case::accessibilityPermission).what(),
                  "Allow Accessibility access, then try again");
     EXPECT_STREQ(InsertionError(Case::eventCreation).what(),

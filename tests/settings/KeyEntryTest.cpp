@@ -71,7 +71,7 @@ TEST_F(KeyEntryTest, savesReplacesAndRemoves) {
     EXPECT_FALSE(button("Save")->isEnabled());
 }
 
-TEST_F(KeyEntryTest, aKeyringThatRefusesIsToldAndTheEntryStays) {
+TEST_F(KeyEntryTest, aRefusalOfTheKeyringIsShownAndTheEntryStays) {
     dictation.platform.secretItems.addStatus = {SecretStatus::Code::refused,
                                                 "The keyring is locked"};
     enter("first");

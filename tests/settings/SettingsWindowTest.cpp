@@ -85,7 +85,7 @@ TEST_F(SettingsWindowTest, recordsAShortcut) {
     EXPECT_EQ(recorder()->text(), "⇧⌘a") << "no longer recording";
 }
 
-TEST_F(SettingsWindowTest, theRecorderTellsWhichKeyStandsInForFn) {
+TEST_F(SettingsWindowTest, theRecorderShowsWhichKeyStandsInForFn) {
     EXPECT_EQ(recorder()->toolTip(), "Change dictation shortcut");
     dictation.platform.keyEventMonitors.standIn = "Right Control";
     dictation.state().setShortcut({.keyCode = 49});
@@ -162,7 +162,7 @@ TEST_F(SettingsWindowTest, closesByKeyboard) {
     EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(SettingsWindowTest, permissionsFollowThePollWhileTheyAreSeen) {
+TEST_F(SettingsWindowTest, permissionsArePolledWhileTheyAreSeen) {
     auto& platform = dictation.platform;
     EXPECT_FALSE(button("Allow"));
     platform.captureAuthorization.status = CaptureAuthorization::Status::denied;

@@ -78,7 +78,7 @@ struct ControlsTest : testing::Test {
     std::unique_ptr<QWidget> window;
 };
 
-TEST_F(ControlsTest, aRingIsForTheKeyboard) {
+TEST_F(ControlsTest, theRingIsOnlyForTheKeyboard) {
     const auto untouched = picture();
     for (QWidget* const control : {static_cast<QWidget*>(bordered), static_cast<QWidget*>(plain),
                                    static_cast<QWidget*>(toggle)}) {

@@ -206,7 +206,7 @@ TEST(SpeexAudioConverterTest, SixteenKilohertzIntegersPassUnchanged) {
               std::vector<std::int16_t>(samples.begin(), samples.end()));
 }
 
-TEST(SpeexAudioConverterTest, WhatFindsNoRoomComesWithTheNextCall) {
+TEST(SpeexAudioConverterTest, WhatDoesNotFitComesWithTheNextCall) {
     for (const double rate : {16000.0, 48000.0}) {
         const AudioFormat format{Sample::float32, rate, 1, false};
         const auto samples = tone(440, 0.5F, rate, 0.1);

@@ -131,7 +131,7 @@ TEST_F(WaveFileAudioEngineTest, StopsAtOnceInTheMiddleOfABuffer) {
     EXPECT_EQ(bufferCount, 0);
 }
 
-TEST_F(WaveFileAudioEngineTest, AFileThatIsNotAudioGivesNoEngineButTheReason) {
+TEST_F(WaveFileAudioEngineTest, AFileThatIsNotAudioGivesAReasonInsteadOfAnEngine) {
     const auto text = folder.path() / "notes.txt";
     test::write(text, "this is not a recording");
     struct Row {

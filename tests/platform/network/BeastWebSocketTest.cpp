@@ -168,7 +168,7 @@ TEST_F(BeastWebSocketTest, messagesOfSixteenMebibytesAreTakenLargerOnesEndTheCon
     EXPECT_EQ(receive(*task), "error: The service sent a message that is too large");
 }
 
-TEST_F(BeastWebSocketTest, theHandshakeIsPlainAndTheCloseStandsBehindWhatWasSent) {
+TEST_F(BeastWebSocketTest, theHandshakeIsPlainAndTheCloseFollowsWhatWasSent) {
     std::promise<std::string> seen;
     const Peer peer([&](tcp::socket& socket) {
         beast::flat_buffer buffer;
@@ -235,7 +235,7 @@ TEST_F(BeastWebSocketTest, cancelFailsWhatWaitsAtOnceWhateverThePeerDoes) {
     }
 }
 
-TEST_F(BeastWebSocketTest, aPeerThatClosesIsHeardAtOnceEvenIfItKeepsTheConnectionOpen) {
+TEST_F(BeastWebSocketTest, aCloseByThePeerIsReportedAtOnceEvenIfItKeepsTheConnectionOpen) {
     const Peer peer([](tcp::socket& socket) {
         websocket::stream<tcp::socket&> stream(socket);
         stream.accept();

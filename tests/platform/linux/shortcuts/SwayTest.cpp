@@ -29,7 +29,7 @@ TEST(SwayMessagesTest, messagesAreReadHoweverTheirBytesArrive) {
     EXPECT_FALSE(reader.isBroken());
 }
 
-TEST(SwayMessagesTest, whatIsNoMessageEndsTheReading) {
+TEST(SwayMessagesTest, invalidDataEndsTheReading) {
     for (const auto& bytes : {std::string("i3-IPC\0\0\0\0\0\0\0\0", 14),
                               std::string("i3-ipc\xff\xff\xff\xff\0\0\0\0", 14)}) {
         MessageReader reader;
@@ -39,7 +39,7 @@ TEST(SwayMessagesTest, whatIsNoMessageEndsTheReading) {
     }
 }
 
-TEST(SwayMessagesTest, answersOfAnotherShapeAreNoAnswers) {
+TEST(SwayMessagesTest, answersOfAnotherShapeAreRejected) {
     EXPECT_EQ(commandOfBinding(R"({"change":"run","binding":{"command":"nop x"}})"), "nop x");
     EXPECT_TRUE(isReload(R"({"change":"reload"})"));
     EXPECT_EQ(failureOfCommand(R"([{"success":true}])"), std::nullopt);
