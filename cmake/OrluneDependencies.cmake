@@ -1,4 +1,4 @@
-# Every outside library, found once. Each is named and justified in docs/decisions.md.
+# Every external library, found once. docs/decisions.md says why each is used.
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED COMPONENTS json url)
 find_package(ICU 72 REQUIRED COMPONENTS uc i18n)

@@ -1,11 +1,11 @@
-# Flags of our own code. Third-party headers are included as system headers and stay out of them.
+# Flags of our own code. Third-party headers are system headers, to which the warnings do not apply.
 add_library(orlune_flags INTERFACE)
 target_compile_options(orlune_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     # The same code model everywhere, so that all targets share the precompiled headers.
     -fPIC -pthread
     $<$<BOOL:${ORLUNE_WERROR}>:-Werror>
-    # GCC 16 takes the frames of Asio's coroutines, which have an allocator of their own, for a mismatch.
+    # GCC 16 reports the frames of Asio's coroutines, which have their own allocator, as a mismatch.
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_GREATER_EQUAL:$<CXX_COMPILER_VERSION>,16>>:-Wno-mismatched-new-delete>
     # Clang marks [[no_unique_address]]-like attributes of the standard library of GCC 12 as unknown.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-attributes>)
@@ -22,7 +22,7 @@ if(ORLUNE_SANITIZE)
 endif()
 
 if(ORLUNE_FUZZ)
-    # Coverage in all our code, so that the fuzzers find their way through it.
+    # Coverage in all our code guides the fuzzers.
     target_compile_options(orlune_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
@@ -36,8 +36,8 @@ if(ORLUNE_HARDEN)
     target_link_options(orlune_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 endif()
 
-# The heavy headers that most files include, compiled once for libraries and once for tests. Every
-# file still includes what it uses: -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON builds without them.
+# The heavy headers that most files include, compiled once for libraries and once for tests. Every file still
+# includes what it uses: -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON builds without them.
 function(orlune_precompiled_headers name)
     cmake_parse_arguments(ARG "" "" "HEADERS;LINK" ${ARGN})
     add_library(${name} STATIC ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
@@ -54,11 +54,11 @@ orlune_precompiled_headers(orlune_views_pch
     HEADERS ${heavy_headers} <QBoxLayout> <QPainter> <QPainterPath> <QWidget>
     LINK Qt6::Widgets)
 
-# The compiled halves of Asio and Beast.
+# The separately compiled parts of Asio and Beast.
 add_library(orlune_asio STATIC ${PROJECT_SOURCE_DIR}/cmake/asio.cpp)
 target_link_libraries(orlune_asio PUBLIC orlune_flags Boost::boost Threads::Threads PRIVATE OpenSSL::SSL OpenSSL::Crypto)
 
-# Which of our libraries each folder may link: the floors of the house.
+# Which of our libraries each folder may link, from src/floors.txt.
 file(STRINGS ${PROJECT_SOURCE_DIR}/src/floors.txt floor_lines REGEX "^[a-z]")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/floors.txt)
 foreach(line ${floor_lines})
@@ -72,8 +72,8 @@ foreach(line ${floor_lines})
 endforeach()
 
 # orlune_library(<name> [VIEWS] SOURCES <files...> [PUBLIC <targets...>] [PRIVATE <targets...>])
-# The library of the folder it is called in. Of ours, it links what src/floors.txt names; PUBLIC
-# and PRIVATE are libraries of others. VIEWS: Qt's widgets are precompiled too.
+# Defines the library of the calling folder. It links our libraries that src/floors.txt names for the folder;
+# PUBLIC and PRIVATE are external libraries. VIEWS: Qt's widgets are precompiled too.
 function(orlune_library name)
     cmake_parse_arguments(ARG "VIEWS" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
@@ -93,7 +93,7 @@ function(orlune_library name)
     endif()
 endfunction()
 
-# Ends the configuration when a library links one of ours that its floor does not stand on.
+# Configuration fails when a library links one of ours that src/floors.txt does not allow.
 function(orlune_check_links name)
     get_target_property(links ${name} LINK_LIBRARIES)
     get_target_property(below ${name} ORLUNE_FLOORS_BELOW)

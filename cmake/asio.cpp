@@ -1,4 +1,5 @@
-// The compiled halves of Asio (with TLS) and Beast; every other file sees declarations only.
+// The separately compiled parts of Asio (with TLS) and Beast; every other file only sees
+// declarations.
 #include <boost/asio/impl/src.hpp>
 #include <boost/asio/ssl/impl/src.hpp>
 #include <boost/beast/src.hpp>

@@ -1,1 +1,1 @@
-// Carries the precompiled headers; it holds nothing itself.
+// An empty source file for the precompiled headers.
