@@ -1,10 +1,10 @@
-# What CHANGELOG.md says about releases, in the forms that others read. Its headings are
-# "## VERSION - YYYY-MM-DD", the newest first; a version that is not out yet has "unreleased" in the
-# place of the date and is dated by the build (SOURCE_DATE_EPOCH where that is set).
+# Reads the releases from CHANGELOG.md and converts them for metainfo and package. Headings are
+# "## VERSION - YYYY-MM-DD", the newest first. An unreleased version has "unreleased" instead of a date and
+# gets the date of the build (SOURCE_DATE_EPOCH if set).
 
 file(READ ${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
-# These characters have a meaning in CMake's lists.
+# These characters are special in CMake's lists.
 string(REPLACE ";" "," changelog "${changelog}")
 string(REGEX REPLACE "[][]" "" changelog "${changelog}")
 
@@ -23,7 +23,7 @@ foreach(heading IN LISTS headings)
         set(type development)
     endif()
 
-    # What is new, from this heading to the next: each point with its further lines.
+    # The section from this heading to the next: each point with its continuation lines.
     string(FIND "${changelog}" "${heading}" start)
     string(SUBSTRING "${changelog}" ${start} -1 section)
     string(REGEX REPLACE "^(\n## [^\n]+)" "" section "${section}")

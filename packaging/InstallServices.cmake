@@ -1,5 +1,5 @@
-# Runs when Orlune is installed: writes the services that start it, with the program's full path.
-# Given: bindir, datadir, sources; by CMake: CMAKE_INSTALL_PREFIX and, in the environment, DESTDIR.
+# Runs at installation: writes the service files, which contain the program's full path.
+# Parameters: bindir, datadir, sources; from CMake: CMAKE_INSTALL_PREFIX and, in the environment, DESTDIR.
 cmake_path(ABSOLUTE_PATH bindir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
 cmake_path(ABSOLUTE_PATH datadir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
 set(program "${bindir}/orlune")

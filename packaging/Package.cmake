@@ -2,7 +2,7 @@
 string(TIMESTAMP debian_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 set(revision 1)
 if(newest_type STREQUAL "development")
-    # Older than the release of the same version, which then replaces it.
+    # Sorts before the release of the same version, so that the release replaces it.
     string(REPLACE "-" "" revision "0~${newest_date}")
 endif()
 set(maintainer "Orlune developers <noreply@orlune.app>")
@@ -17,7 +17,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orlune)
 set(CPACK_PACKAGE_VENDOR "Orlune")
 set(CPACK_STRIP_FILES ON)
-# Installed for /usr, put elsewhere: files that name the program get its later path.
+# Installed for /usr but staged elsewhere: files that name the program get its final path.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -40,7 +40,7 @@ It sits in the tray and listens while its shortcut is held, or from one
 press to the next. A speech service on this machine recognises English
 without a key and without a network.")
 
-# The libraries are found in the programs; what follows is not to be seen there.
+# dpkg-shlibdeps finds the libraries of the programs, but not these packages.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS ca-certificates)
 string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS

@@ -1,6 +1,6 @@
-// Draws one SVG as square PNG files, each from the vectors anew.
+// Renders one SVG to square PNG files, each directly from the vectors.
 //   orlune-render-icons FILE.svg SIZE FILE.png [SIZE FILE.png]…
-// A tool of the build; nothing of it is installed. Failure is a text and status 1.
+// Only used in the build, not installed. Prints an error and returns 1 on failure.
 
 #include <QImage>
 #include <QPainter>
