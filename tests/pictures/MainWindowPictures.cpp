@@ -92,7 +92,7 @@ void failAtLength(DictationHarness& dictation) {
     dictation.begin();
 }
 
-/// The set-up's second step after a key was entered that the keyring refuses.
+/// The set-up's second step after the keyring has refused an entered key.
 QWidget* refusedKey(Stage& stage) {
     auto* view = step(1, forgetKey)(stage);
     stage.dictation.platform.secretItems.addStatus = {

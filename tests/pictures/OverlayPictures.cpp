@@ -14,7 +14,7 @@ constexpr auto fiveRequirements =
     "Write a function that reads the file. Errors are values. Short and simple. Tests for the "
     "empty file. One comment on top. Standard library alone";
 
-/// The overlay as it stands after what was played.
+/// The overlay after these steps.
 auto after(Play play) {
     return [play = std::move(play)](Stage& stage) {
         play(stage.dictation);

@@ -1,4 +1,4 @@
-// Which pictures orlune_pictures makes: each a name and a function that makes the widget it shows.
+// The pictures that orlune_pictures makes: each a name and a function that creates the widget.
 #pragma once
 
 #include "tests/support/DictationHarness.h"
@@ -11,7 +11,7 @@
 
 namespace orlune::pictures {
 
-/// What the widget of one picture reads; lives longer than it.
+/// The objects that the widget of one picture reads; must outlive it.
 struct Stage {
     DictationHarness dictation;
     MemoryDisplayOptions& displayOptions = dictation.platform.displayOptions;
@@ -21,7 +21,7 @@ struct Stage {
 struct Picture {
     QString name; ///< of the file, without its ending
     std::function<QWidget*(Stage&)> make;
-    int margin = 12; ///< of the windows' background round the widget, points
+    int margin = 12; ///< of the window's background around the widget, points
 };
 
 std::vector<Picture> symbolPictures();

@@ -17,7 +17,7 @@ namespace {
 using Play = std::function<void(SettingsWindow&)>;
 using SetUp = std::function<void(DictationHarness&)>;
 
-/// The window as it stands once it was shown and used.
+/// The window after it was shown and these steps.
 auto settings(Play play = {}, SetUp setUp = {}) {
     return [play = std::move(play), setUp = std::move(setUp)](Stage& stage) {
         if (setUp) {
@@ -28,7 +28,7 @@ auto settings(Play play = {}, SetUp setUp = {}) {
         QMetaObject::invokeMethod(
             window,
             [window, play] {
-                window->setFocus(); // as when it stands by itself
+                window->setFocus(); // as when it is opened by a user
                 if (play) {
                     play(*window);
                 }

@@ -16,7 +16,7 @@ namespace orlune::pictures {
 
 namespace {
 
-/// The meter after these levels, at the overlay's size.
+/// The meter after these levels, in the overlay's size.
 auto meter(std::vector<double> levels) {
     return [levels = std::move(levels)](Stage& stage) {
         for (const double level : levels) {

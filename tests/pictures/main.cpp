@@ -1,4 +1,4 @@
-// Renders every picture in the tables to a PNG file, for a person to look at.
+// Renders every picture in the tables to a PNG file, for visual inspection.
 
 #include "tests/pictures/Pictures.h"
 #include "visuals/OrlunePalette.h"
@@ -23,7 +23,7 @@ bool save(const Picture& picture, const QDir& folder, const QString& ending) {
     layout->setContentsMargins(picture.margin, picture.margin, picture.margin, picture.margin);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     layout->addWidget(picture.make(stage));
-    window.resize(window.sizeHint()); // however small the screen
+    window.resize(window.sizeHint()); // even if the screen is smaller
     window.show();
     QApplication::processEvents();
     const QString file = folder.filePath(picture.name + ending);
@@ -60,7 +60,7 @@ int main(int argumentCount, char** arguments) {
         std::fputs("usage: orlune_pictures FOLDER SCALE [PART-OF-NAME]\n", stderr);
         return 64;
     }
-    // Qt reads both when the application is made. The pictures need no display.
+    // Qt reads both when the application object is created. The pictures need no display.
     qputenv("QT_SCALE_FACTOR", arguments[2]);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
