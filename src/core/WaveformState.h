@@ -16,7 +16,7 @@ class WaveformState : public ObservableObject {
         double level = 0;         ///< 0 to 1, follows the input quickly
         double calmLevel = 0;     ///< 0 to 1, follows `level` slowly
         double voiceActivity = 0; ///< 0 in silence, 1 while speaking
-        double speechPulse = 0;   ///< 0 to 1, jumps at the onset of a syllable
+        double speechPulse = 0;   ///< radians, 0 to slightly above 8π, advances during speech
         double motionPhase = 0;   ///< radians, 0 to slightly above 8π, runs while somebody speaks
 
         bool operator==(const Frame&) const = default;

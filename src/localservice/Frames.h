@@ -27,7 +27,7 @@ std::string frame(FrameKind kind, std::string_view payload, FrameStyle style);
 
 struct MessageStyle {
     std::size_t fragments = 1; ///< the message is split into this many frames of about equal size
-    bool pingBetween = false;  ///< a ping stands between any two fragments
+    bool pingBetween = false;  ///< a ping between any two fragments
     bool masked = false;
 };
 
