@@ -14,7 +14,7 @@ using Environment = std::map<std::string, std::string, std::less<>>;
 Environment processEnvironment();
 
 /// `$XDG_CONFIG_HOME/app.orlune.Orlune`, else `~/.config/app.orlune.Orlune`. A relative path in
-/// XDG_CONFIG_HOME counts as unset, as the base directory specification says. Without HOME, the
+/// XDG_CONFIG_HOME counts as unset, as the XDG base directory rules say. Without HOME, the
 /// home folder from the user database is used. Empty when there is none at all.
 std::filesystem::path configurationFolder(const Environment& environment);
 /// The same below `$XDG_STATE_HOME`, else `~/.local/state`, for state that the user does not edit.
