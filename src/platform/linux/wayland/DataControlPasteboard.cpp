@@ -79,17 +79,19 @@ class DataControlPasteboard::DeviceOf final : public Device {
         : connection_(connection), manager_(static_cast<typename Protocol::Manager*>(
                                        connection.bind(Protocol::interface(), Protocol::version))),
           device_(Protocol::deviceOf(manager_, connection.seat())) {
-        // Offers of other programs are not read, but their objects must be destroyed.
+        // Offers are not read, but their objects must be destroyed. libwayland 1.21 leaks an object
+        // that is destroyed while a queued event still names it, so each one lives until the last
+        // event about it, which says that it is now a selection.
         static constexpr typename Protocol::DeviceListener listener{
-            .data_offer = [](void*, typename Protocol::Device*,
-                             typename Protocol::Offer* offer) { Protocol::destroyOffer(offer); },
-            .selection = [](void*, typename Protocol::Device*, typename Protocol::Offer*) {},
+            .data_offer = [](void*, typename Protocol::Device*, typename Protocol::Offer*) {},
+            .selection = [](void*, typename Protocol::Device*,
+                            typename Protocol::Offer* offer) { destroy(offer); },
             .finished =
                 [](void* data, typename Protocol::Device*) {
                     static_cast<DeviceOf*>(data)->isFinished_ = true;
                 },
             .primary_selection = [](void*, typename Protocol::Device*,
-                                    typename Protocol::Offer*) {},
+                                    typename Protocol::Offer* offer) { destroy(offer); },
         };
         Protocol::listenToDevice(device_, &listener, this);
     }
@@ -120,6 +122,13 @@ class DataControlPasteboard::DeviceOf final : public Device {
     }
 
   private:
+    /// Null where a selection has become empty.
+    static void destroy(typename Protocol::Offer* offer) {
+        if (offer) {
+            Protocol::destroyOffer(offer);
+        }
+    }
+
     /// One selection that we own, or none.
     struct Selection {
         typename Protocol::Source* source = nullptr;
