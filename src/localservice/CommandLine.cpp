@@ -3,7 +3,7 @@
 #include <charconv>
 #include <fstream>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 std::uint16_t portOf(const std::string& text) {
@@ -98,4 +98,4 @@ LocalService::Options CommandLine::options() const {
     return options;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

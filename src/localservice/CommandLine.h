@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class UsageError : public std::runtime_error {
   public:
@@ -40,4 +40,4 @@ class CommandLine {
     std::string keyFile_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

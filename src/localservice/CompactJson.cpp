@@ -6,7 +6,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 void append(std::string& text, const boost::json::value& value);
@@ -67,4 +67,4 @@ std::string compactJson(const boost::json::value& value) {
     return text;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -7,9 +7,9 @@
 
 #include <string>
 
-namespace orlune {
+namespace orlune::localservice {
 
 /// The value as one line. Members keep their order.
 std::string compactJson(const boost::json::value& value);
 
-} // namespace orlune
+} // namespace orlune::localservice

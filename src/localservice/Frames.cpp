@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 constexpr std::array<unsigned char, 4> maskingKey = {0x37, 0xFA, 0x21, 0x3D};
@@ -57,4 +57,4 @@ std::string message(FrameKind kind, std::string_view payload, MessageStyle style
     return bytes;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

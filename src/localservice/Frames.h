@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace orlune {
+namespace orlune::localservice {
 
 enum class FrameKind : std::uint8_t {
     continuation = 0x0,
@@ -33,4 +33,4 @@ struct MessageStyle {
 
 std::string message(FrameKind kind, std::string_view payload, MessageStyle style);
 
-} // namespace orlune
+} // namespace orlune::localservice

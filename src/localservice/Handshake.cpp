@@ -10,7 +10,7 @@
 
 #include <array>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace http = boost::beast::http;
@@ -124,4 +124,4 @@ HandshakeRefusal refusalResponse(const Refusal& refusal, std::string_view reques
     return response;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

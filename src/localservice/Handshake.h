@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-namespace orlune {
+namespace orlune::localservice {
 
 using HandshakeRequest = boost::beast::http::request<boost::beast::http::empty_body>;
 using HandshakeRefusal = boost::beast::http::response<boost::beast::http::string_body>;
@@ -39,4 +39,4 @@ std::optional<Refusal> checkHandshake(const HandshakeRequest& request,
 /// The real service's answer to a request that it refuses.
 HandshakeRefusal refusalResponse(const Refusal& refusal, std::string_view requestID);
 
-} // namespace orlune
+} // namespace orlune::localservice

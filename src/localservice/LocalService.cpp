@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace asio = boost::asio;
@@ -248,4 +248,4 @@ bool LocalService::waitUntil(const std::function<bool(const std::vector<Observat
     return context_->observations.waitUntil(condition, limit);
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

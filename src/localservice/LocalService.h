@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 struct ServiceContext;
 
@@ -72,4 +72,4 @@ class LocalService {
     std::uint16_t port_ = 0;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <cstdio>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace json = boost::json;
@@ -114,4 +114,4 @@ std::string errorMessage(std::string_view description, std::string_view offendin
     return compactJson(message);
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

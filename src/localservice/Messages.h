@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 /// One "Results" message: the current result for the audio from `start` to `start + duration`.
 struct Results {
@@ -35,4 +35,4 @@ std::string metadataMessage(const StreamSummary& summary, std::string_view reque
 /// The answer to an unknown text message; the stream goes on.
 std::string errorMessage(std::string_view description, std::string_view offendingText);
 
-} // namespace orlune
+} // namespace orlune::localservice

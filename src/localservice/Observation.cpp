@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace orlune {
+namespace orlune::localservice {
 
 std::size_t Observation::count(Kind kind) const {
     return static_cast<std::size_t>(std::ranges::count(received, kind, &Received::kind));
@@ -39,4 +39,4 @@ bool ObservationLog::waitUntil(
     return changed_.wait_for(lock, limit, [&] { return condition(observations_); });
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

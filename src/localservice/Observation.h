@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 /// One connection.
 struct Observation {
@@ -63,4 +63,4 @@ class ObservationLog {
     std::vector<Observation> observations_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

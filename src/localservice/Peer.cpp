@@ -11,7 +11,7 @@
 
 #include <array>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace asio = boost::asio;
@@ -257,4 +257,4 @@ void Peer::rememberClose() {
     });
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

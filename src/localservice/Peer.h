@@ -13,7 +13,7 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/websocket/stream.hpp>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class Peer : public std::enable_shared_from_this<Peer> {
   public:
@@ -68,4 +68,4 @@ class Peer : public std::enable_shared_from_this<Peer> {
     std::string end_ = "cut off";
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

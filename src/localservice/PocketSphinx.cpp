@@ -17,7 +17,7 @@
 #include <sstream>
 #endif
 
-namespace orlune::pocketsphinx {
+namespace orlune::localservice::pocketsphinx {
 
 Decoder makeDecoder(const std::vector<std::pair<std::string, std::string>>& settings) {
 #if ORLUNE_HAS_SPHINXBASE
@@ -67,4 +67,4 @@ void setCepstralMean(ps_decoder_t& decoder, std::span<const float> mean) {
 #endif
 }
 
-} // namespace orlune::pocketsphinx
+} // namespace orlune::localservice::pocketsphinx

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace orlune::pocketsphinx {
+namespace orlune::localservice::pocketsphinx {
 
 using Decoder = std::unique_ptr<ps_decoder_t, void (*)(ps_decoder_t*)>;
 
@@ -22,4 +22,4 @@ void silence();
 /// Sets the mean of the cepstrum with which the next utterance begins.
 void setCepstralMean(ps_decoder_t& decoder, std::span<const float> mean);
 
-} // namespace orlune::pocketsphinx
+} // namespace orlune::localservice::pocketsphinx

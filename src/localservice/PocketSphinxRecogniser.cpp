@@ -6,7 +6,7 @@
 #include <array>
 #include <stdexcept>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 constexpr double secondsPerFrame = 0.01;
@@ -113,4 +113,4 @@ std::vector<RecognisedWord> PocketSphinxRecogniser::words() const {
     return result;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

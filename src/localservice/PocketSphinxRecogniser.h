@@ -11,7 +11,7 @@
 
 typedef struct ps_decoder_s ps_decoder_t;
 
-namespace orlune {
+namespace orlune::localservice {
 
 class PocketSphinxRecogniser final : public Recogniser {
   public:
@@ -33,4 +33,4 @@ class PocketSphinxRecogniser final : public Recogniser {
     std::unique_ptr<ps_decoder_t, void (*)(ps_decoder_t*)> decoder_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 struct RecognisedWord {
     std::string text;      ///< lower case, without punctuation
@@ -39,4 +39,4 @@ class Recogniser {
 
 using RecogniserFactory = std::function<std::unique_ptr<Recogniser>()>;
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -7,7 +7,7 @@
 
 #include <mutex>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class RecogniserPool : public std::enable_shared_from_this<RecogniserPool> {
   public:
@@ -54,4 +54,4 @@ class RecogniserPool : public std::enable_shared_from_this<RecogniserPool> {
     std::vector<std::unique_ptr<Recogniser>> idle_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

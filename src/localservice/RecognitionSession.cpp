@@ -5,7 +5,7 @@
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/json/parse.hpp>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace asio = boost::asio;
@@ -214,4 +214,4 @@ Transcriber::Messages RecognitionSession::decode(const Queued& queued) {
     }
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

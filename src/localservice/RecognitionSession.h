@@ -12,7 +12,7 @@
 #include <deque>
 #include <optional>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class RecognitionSession : public std::enable_shared_from_this<RecognitionSession> {
   public:
@@ -54,4 +54,4 @@ class RecognitionSession : public std::enable_shared_from_this<RecognitionSessio
     std::optional<Transcriber> transcriber_; // likewise
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace json = boost::json;
@@ -130,4 +130,4 @@ Script Script::load(const std::filesystem::path& file) {
     return parse(text);
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

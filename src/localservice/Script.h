@@ -17,7 +17,7 @@
 #include <variant>
 #include <vector>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class ScriptError : public std::runtime_error {
   public:
@@ -80,4 +80,4 @@ struct Script {
     static Script load(const std::filesystem::path& file);
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 constexpr double mostSeconds = 3600;
@@ -98,4 +98,4 @@ void ScriptMembers::fail(const std::string& complaint) const {
     throw ScriptError(place_ + ": " + complaint + ".");
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace asio = boost::asio;
@@ -121,4 +121,4 @@ asio::awaitable<void> ScriptSession::take(const Script::Stall& step) {
     co_return;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -9,7 +9,7 @@
 
 #include <set>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class ScriptSession : public std::enable_shared_from_this<ScriptSession> {
   public:
@@ -41,4 +41,4 @@ class ScriptSession : public std::enable_shared_from_this<ScriptSession> {
     bool gone_ = false;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 namespace json = boost::json;
@@ -254,4 +254,4 @@ Script::Step parseScriptStep(const json::value& value, const std::string& place)
     return *std::move(step);
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

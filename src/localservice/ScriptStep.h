@@ -7,7 +7,7 @@
 
 #include <boost/json/object.hpp>
 
-namespace orlune {
+namespace orlune::localservice {
 
 /// More would only fill the service's memory.
 constexpr std::size_t mostScriptBytes = std::size_t{64} << 20U;
@@ -40,4 +40,4 @@ class ScriptMembers {
 
 Script::Step parseScriptStep(const boost::json::value& value, const std::string& place);
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -11,7 +11,7 @@
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/thread_pool.hpp>
 
-namespace orlune {
+namespace orlune::localservice {
 
 struct ServiceContext {
     LocalService::Options options;
@@ -28,4 +28,4 @@ struct ServiceContext {
     }
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

@@ -8,7 +8,7 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class Signal {
   public:
@@ -27,4 +27,4 @@ class Signal {
     boost::asio::steady_timer timer_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

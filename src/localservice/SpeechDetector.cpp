@@ -4,7 +4,7 @@
 #include <bit>
 #include <cmath>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 // Decibels relative to full scale, of the differentiated signal (which removes offset and mains
@@ -55,4 +55,4 @@ bool SpeechDetector::isLoud(double level) {
     return loud;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

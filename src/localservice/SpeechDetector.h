@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class SpeechDetector {
   public:
@@ -27,4 +27,4 @@ class SpeechDetector {
     std::uint32_t loudFrames_ = 0;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

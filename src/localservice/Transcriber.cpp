@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace orlune {
+namespace orlune::localservice {
 namespace {
 
 // All in samples.
@@ -168,4 +168,4 @@ std::vector<RecognisedWord> Transcriber::placed(std::vector<RecognisedWord> word
     return words;
 }
 
-} // namespace orlune
+} // namespace orlune::localservice

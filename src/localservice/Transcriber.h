@@ -19,7 +19,7 @@
 
 typedef struct evp_md_ctx_st EVP_MD_CTX;
 
-namespace orlune {
+namespace orlune::localservice {
 
 class Transcriber {
   public:
@@ -67,4 +67,4 @@ class Transcriber {
     std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> checksum_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

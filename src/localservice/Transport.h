@@ -11,7 +11,7 @@
 
 #include <optional>
 
-namespace orlune {
+namespace orlune::localservice {
 
 class Transport {
   public:
@@ -96,4 +96,4 @@ class Transport {
     std::optional<boost::asio::ssl::stream<Socket&>> tls_;
 };
 
-} // namespace orlune
+} // namespace orlune::localservice

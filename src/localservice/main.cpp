@@ -13,6 +13,7 @@
 namespace {
 
 namespace asio = boost::asio;
+namespace localservice = orlune::localservice;
 
 /// Reads standard input until its end, which arrives when the parent process is gone.
 class ParentWatch {
@@ -38,7 +39,7 @@ class ParentWatch {
     std::array<char, 512> ignored_{};
 };
 
-int serve(const orlune::CommandLine& commandLine) {
+int serve(const localservice::CommandLine& commandLine) {
     asio::io_context io;
     // Before any thread is created, so that this one receives the signals.
     asio::signal_set signals(io, SIGINT, SIGTERM);
@@ -47,7 +48,7 @@ int serve(const orlune::CommandLine& commandLine) {
     auto options = commandLine.options();
     options.observe = false;
     options.log = [](const std::string& line) { std::cerr << line << '\n'; };
-    orlune::LocalService service(std::move(options));
+    localservice::LocalService service(std::move(options));
     service.start();
     std::cout << service.address() << std::endl;
 
@@ -65,13 +66,14 @@ int serve(const orlune::CommandLine& commandLine) {
 int main(int count, char** arguments) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        const auto commandLine = orlune::CommandLine::parse({arguments + 1, arguments + count});
+        const auto commandLine =
+            localservice::CommandLine::parse({arguments + 1, arguments + count});
         if (commandLine.wantsHelp()) {
-            std::cout << orlune::CommandLine::help;
+            std::cout << localservice::CommandLine::help;
             return 0;
         }
         return serve(commandLine);
-    } catch (const orlune::UsageError& error) {
+    } catch (const localservice::UsageError& error) {
         std::cerr << "orlune-local-service: " << error.what()
                   << "\nTry orlune-local-service --help.\n";
         return 2;

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 namespace orlune::test {
+
+using namespace localservice;
 namespace {
 
 namespace ssl = boost::asio::ssl;

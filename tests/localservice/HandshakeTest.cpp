@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 namespace orlune::test {
+
+using namespace localservice;
 namespace {
 
 struct RequestCase {

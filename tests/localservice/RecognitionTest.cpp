@@ -13,6 +13,8 @@
 #include <cstring>
 
 namespace orlune::test {
+
+using namespace localservice;
 namespace {
 
 using Samples = std::vector<std::int16_t>;

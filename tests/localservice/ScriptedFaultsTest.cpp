@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 namespace orlune::test {
+
+using namespace localservice;
 namespace {
 
 /// A service that plays one script, and a client of it.

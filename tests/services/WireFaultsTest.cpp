@@ -111,7 +111,7 @@ class Dictation {
     std::condition_variable changed;
     std::vector<std::string> reports;
     std::string output;
-    LocalService service;
+    localservice::LocalService service;
     BackgroundThread thread;
     SteadyClock clock{thread.context()};
     BeastWebSocketSession session{thread.executor(), ProxySettings()};

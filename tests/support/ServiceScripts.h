@@ -11,8 +11,9 @@
 namespace orlune::test {
 
 /// The script in the file with this name, without its ending, for example "late-tail-1.5s".
-inline Script serviceScript(const std::string& name) {
-    return Script::load(std::filesystem::path(ORLUNE_SERVICE_SCRIPTS) / (name + ".json"));
+inline localservice::Script serviceScript(const std::string& name) {
+    return localservice::Script::load(std::filesystem::path(ORLUNE_SERVICE_SCRIPTS)
+                                      / (name + ".json"));
 }
 
 inline std::vector<std::string> serviceScriptNames() {
