@@ -44,8 +44,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto reason = next();
     const auto errorHeader = next();
     const std::string key(next());
-    const auto text =
-        orlune::refusalText(401, reason, errorHeader, rest, {{"Authorization", "Token " + key}});
+    orlune::WebSocketRequest request;
+    request.headers = {{"Authorization", "Token " + key}};
+    request.refusalReason.member = "err_msg";
+    const auto text = orlune::refusalText(401, reason, errorHeader, rest, request);
     expect(text.starts_with("The connection was refused (HTTP 401"));
     expect(text.size() < lengthLimit && orlune::fuzz::isOneCleanLine(text));
     expect(!isKey(key) || text.find(key) == std::string::npos);

@@ -27,9 +27,16 @@ struct WebSocketRequest {
         std::string value;
     };
 
+    /// Where the service says why it refuses a handshake. Empty names are looked for nowhere.
+    struct RefusalReason {
+        std::string header; ///< a header of the answer
+        std::string member; ///< a string in the answer's body, which is a JSON object
+    };
+
     std::string url; ///< wss://, or ws:// to a loopback address
     std::vector<Header> headers;
     std::chrono::seconds timeout{60}; ///< for resolving, connecting, TLS and the handshake together
+    RefusalReason refusalReason{};
 };
 
 enum class WebSocketCloseCode : std::uint16_t { normalClosure = 1000, goingAway = 1001 };

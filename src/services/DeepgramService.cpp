@@ -77,6 +77,7 @@ WebSocketRequest DeepgramService::request(const std::string& apiKey, int sampleR
     WebSocketRequest request;
     request.timeout = connectionTimeout;
     request.headers = {{"Authorization", "Token " + apiKey}};
+    request.refusalReason = {.header = "dg-error", .member = "err_msg"};
     const auto endpoint = boost::urls::parse_uri(endpoint_);
     if (!endpoint) {
         request.url = endpoint_; // the connection reports what is wrong with it

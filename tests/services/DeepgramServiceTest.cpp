@@ -95,6 +95,8 @@ TEST_F(DeepgramServiceTest, asksForTheStreamWithTheKeyAndEveryQueryItemInOrder) 
     EXPECT_EQ(request.headers[0].name, "Authorization");
     EXPECT_EQ(request.headers[0].value, "Token secret key");
     EXPECT_EQ(request.timeout, 60s);
+    EXPECT_EQ(request.refusalReason.header, "dg-error");
+    EXPECT_EQ(request.refusalReason.member, "err_msg");
     EXPECT_TRUE(sockets.task()->isResumed());
 }
 

@@ -157,7 +157,7 @@ Awaitable<void> BeastConnection::connect() {
                 self->dropAfter(closeLimit, /*whileConnecting=*/false);
             }
         };
-        auto connecting = transport_->connect(proxies_, request_.headers);
+        auto connecting = transport_->connect(proxies_, request_);
         co_await std::move(connecting);
     } catch (const WebSocketError& error) {
         failure = error.what();

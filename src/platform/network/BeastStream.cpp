@@ -132,12 +132,12 @@ class StreamTransport final : public BeastTransport {
         co_return;
     }
 
-    Awaitable<void> upgrade(const Headers& headers) override {
+    Awaitable<void> upgrade(const WebSocketRequest& request) override {
         stream_.set_option(
-            websocket::stream_base::decorator([&headers](websocket::request_type& request) {
-                request.set(http::field::user_agent, "Orlune/" ORLUNE_VERSION);
-                for (const auto& header : headers) {
-                    request.set(header.name, header.value);
+            websocket::stream_base::decorator([&request](websocket::request_type& upgrade) {
+                upgrade.set(http::field::user_agent, "Orlune/" ORLUNE_VERSION);
+                for (const auto& header : request.headers) {
+                    upgrade.set(header.name, header.value);
                 }
             }));
         stream_.control_callback([this](websocket::frame_type kind, auto) {
@@ -154,11 +154,11 @@ class StreamTransport final : public BeastTransport {
         stream_.set_option(websocket::stream_base::decorator([](websocket::request_type&) {}));
         requireNotDropped();
         if (error == websocket::error::upgrade_declined) {
-            const auto errorHeader = answer["dg-error"];
+            const auto errorHeader = answer[request.refusalReason.header];
             throw WebSocketError(refusalText(
                 answer.result_int(),
                 std::string_view(answer.reason().data(), answer.reason().size()),
-                std::string_view(errorHeader.data(), errorHeader.size()), answer.body(), headers));
+                std::string_view(errorHeader.data(), errorHeader.size()), answer.body(), request));
         }
         if (error == http::error::end_of_stream) {
             error = asio::error::eof;

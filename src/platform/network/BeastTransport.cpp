@@ -57,10 +57,11 @@ void BeastTransport::reset() {
     drop();
 }
 
-Awaitable<void> BeastTransport::connect(const ProxySettings& proxies, const Headers& headers) {
+Awaitable<void> BeastTransport::connect(const ProxySettings& proxies,
+                                        const WebSocketRequest& request) {
     auto reaching = reach(proxies);
     co_await std::move(reaching);
-    auto upgrading = upgrade(headers);
+    auto upgrading = upgrade(request);
     co_await std::move(upgrading);
 }
 

@@ -20,7 +20,6 @@ namespace orlune {
 
 class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
   public:
-    using Headers = std::vector<WebSocketRequest::Header>;
     using Socket = boost::asio::ip::tcp::socket;
 
     static std::shared_ptr<BeastTransport>
@@ -31,7 +30,7 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
     /// but sends nothing to the service itself. Has no time limit; `drop()` ends it.
     Awaitable<void> reach(const ProxySettings& proxies);
     /// Reaches the service and performs the opening handshake. `drop()` ends it as well.
-    Awaitable<void> connect(const ProxySettings& proxies, const Headers& headers);
+    Awaitable<void> connect(const ProxySettings& proxies, const WebSocketRequest& request);
     /// Writes one whole message; returns when the system has taken its last byte.
     virtual Awaitable<void> write(const WebSocketMessage& message) = 0;
     virtual Awaitable<WebSocketMessage> read() = 0;
@@ -54,7 +53,7 @@ class BeastTransport : public std::enable_shared_from_this<BeastTransport> {
 
     virtual Socket& socket() = 0;
     virtual Awaitable<void> secure() = 0;
-    virtual Awaitable<void> upgrade(const Headers& headers) = 0;
+    virtual Awaitable<void> upgrade(const WebSocketRequest& request) = 0;
 
     const WebSocketAddress& address() const { return address_; }
     /// Throws when the connection was dropped meanwhile.

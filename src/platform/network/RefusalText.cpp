@@ -39,11 +39,11 @@ std::string withoutSecrets(std::string text, const Headers& secrets) {
     return text;
 }
 
-std::string messageOf(std::string_view body) {
+std::string messageOf(std::string_view body, const std::string& name) {
     boost::system::error_code error;
     const auto json = boost::json::parse(boost::json::string_view(body.data(), body.size()), error);
-    const auto* object = error ? nullptr : json.if_object();
-    const auto* member = object ? object->if_contains("err_msg") : nullptr;
+    const auto* object = error || name.empty() ? nullptr : json.if_object();
+    const auto* member = object ? object->if_contains(name) : nullptr;
     const auto* message = member ? member->if_string() : nullptr;
     return message ? std::string(message->data(), message->size()) : std::string();
 }
@@ -51,13 +51,14 @@ std::string messageOf(std::string_view body) {
 } // namespace
 
 std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
-                        std::string_view body, const Headers& secrets) {
+                        std::string_view body, const WebSocketRequest& request) {
+    const auto& secrets = request.headers;
     std::string text = "The connection was refused (HTTP " + std::to_string(status);
     if (!reason.empty()) {
         text += " " + plainLine(withoutSecrets(std::string(reason), secrets));
     }
     text += ")";
-    const auto message = messageOf(body);
+    const auto message = messageOf(body, request.refusalReason.member);
     if (!errorHeader.empty()) {
         text += ": " + plainLine(withoutSecrets(std::string(errorHeader), secrets));
     }

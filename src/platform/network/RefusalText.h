@@ -6,15 +6,13 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orlune {
 
-/// The HTTP status, the service's `dg-error` header and the `err_msg` of its JSON body, each if
-/// present, on one line of bounded length. The values of headers in `secrets` are removed, even if
-/// the service echoes them.
+/// The HTTP status, the header and the member of the JSON body that the request's `refusalReason`
+/// names, each if present, on one line of bounded length. `errorHeader` is that header's value. The
+/// values of the request's own headers are removed, even if the service echoes them.
 std::string refusalText(unsigned status, std::string_view reason, std::string_view errorHeader,
-                        std::string_view body,
-                        const std::vector<WebSocketRequest::Header>& secrets);
+                        std::string_view body, const WebSocketRequest& request);
 
 } // namespace orlune

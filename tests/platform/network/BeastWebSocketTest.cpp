@@ -90,8 +90,11 @@ class BeastWebSocketTest : public testing::Test {
 
     std::shared_ptr<WebSocketTask> open(const std::string& url,
                                         std::chrono::seconds timeout = 60s) {
-        auto task = session->webSocketTask(
-            {url, {{"Authorization", "Token hidden-key"}, {"X-Other", "value"}}, timeout});
+        auto task =
+            session->webSocketTask({url,
+                                    {{"Authorization", "Token hidden-key"}, {"X-Other", "value"}},
+                                    timeout,
+                                    {"x-error", "message"}});
         task->resume();
         return task;
     }
@@ -261,24 +264,24 @@ TEST_F(BeastWebSocketTest, connectingHasATimeLimitForAllOfIt) {
 
 TEST_F(BeastWebSocketTest, aRefusalSaysWhyAndNeverRepeatsTheKey) {
     const std::pair<const char*, const char*> rows[] = {
-        {"HTTP/1.1 401 Unauthorized\r\ndg-error: INVALID_AUTH\r\nContent-Length: 34\r\n\r\n"
-         R"({"err_msg":"Invalid credentials."})",
+        {"HTTP/1.1 401 Unauthorized\r\nx-error: INVALID_AUTH\r\nContent-Length: 34\r\n\r\n"
+         R"({"message":"Invalid credentials."})",
          "(HTTP 401 Unauthorized): INVALID_AUTH: Invalid credentials."},
         {"HTTP/1.1 402 Payment Required\r\nTransfer-Encoding: chunked\r\n\r\n"
-         "f\r\n{\"err_msg\":\"No \r\nb\r\ncredits.\"} \r\n0\r\n\r\n",
+         "f\r\n{\"message\":\"No \r\nb\r\ncredits.\"} \r\n0\r\n\r\n",
          "(HTTP 402 Payment Required): No credits."},
         {"HTTP/1.1 503 \r\nContent-Length: 0\r\n\r\n", "(HTTP 503 Service Unavailable)"},
         {
-            "HTTP/1.1 403 Forbidden\r\ndg-error: key hidden-key\r\nContent-Length: 45\r\n\r\n"
-            R"({"err_msg":"No such key:\nToken hidden-key."})",
+            "HTTP/1.1 403 Forbidden\r\nx-error: key hidden-key\r\nContent-Length: 45\r\n\r\n"
+            R"({"message":"No such key:\nToken hidden-key."})",
             "(HTTP 403 Forbidden): key …: No such key: ….",
         },
         {"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nhi", "(HTTP 200 OK)"},
         {"HTTP/1.1 302 Found\r\nLocation: ws://127.0.0.1/\r\nContent-Length: 0\r\n\r\n",
          "(HTTP 302 Found)"},
-        {"HTTP/1.1 401 Unauthorized\r\n\r\n{\"err_msg\":5}", "(HTTP 401 Unauthorized)"},
-        {"HTTP/1.1 401 N\xF3\r\ndg-error: \xC2\x9B 2J\r\nContent-Length: 20\r\n\r\n"
-         R"({"err_msg":"\u001b"})",
+        {"HTTP/1.1 401 Unauthorized\r\n\r\n{\"message\":5}", "(HTTP 401 Unauthorized)"},
+        {"HTTP/1.1 401 N\xF3\r\nx-error: \xC2\x9B 2J\r\nContent-Length: 20\r\n\r\n"
+         R"({"message":"\u001b"})",
          "(HTTP 401 N\uFFFD):   2J:  "},
     };
     for (const auto& [answer, expected] : rows) {
