@@ -18,7 +18,7 @@ constexpr QSize defaultSize(700, 540);
 
 MainWindow::MainWindow(std::shared_ptr<AppState> state, const Platform& platform,
                        Callbacks callbacks)
-    : windowServer_(platform.windowServer) {
+    : windowFacilities_(platform.windowFacilities) {
     setWindowTitle(QStringLiteral("Orlune"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
@@ -31,7 +31,7 @@ MainWindow::MainWindow(std::shared_ptr<AppState> state, const Platform& platform
 }
 
 void MainWindow::present() {
-    ui::present(*this, windowServer_);
+    ui::present(*this, windowFacilities_);
 }
 
 } // namespace orlune

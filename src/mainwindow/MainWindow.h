@@ -23,7 +23,7 @@ class MainWindow final : public QWidget {
     void present();
 
   private:
-    WindowServer& windowServer_;
+    WindowFacilities& windowFacilities_;
 };
 
 } // namespace orlune

@@ -15,7 +15,8 @@ OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& plat
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint
                            | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus
                            | Qt::WindowTransparentForInput),
-      windowServer_(platform.windowServer), content_(new OverlayView(std::move(state), platform)) {
+      windowFacilities_(platform.windowFacilities),
+      content_(new OverlayView(std::move(state), platform)) {
     setWindowTitle(QStringLiteral("Orlune"));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -27,14 +28,15 @@ OverlayPanel::OverlayPanel(std::shared_ptr<AppState> state, const Platform& plat
     // The background of an opaque window, visible behind fading content and along the pixelated
     // edge.
     setPalette(QPalette(GlassCapsule::opaqueGlass()));
-    setAttribute(Qt::WA_TranslucentBackground, windowServer_.isCompositing().get());
-    subscriptions_.push_back(windowServer_.isCompositing().subscribe([this](bool isCompositing) {
+    setAttribute(Qt::WA_TranslucentBackground, windowFacilities_.isCompositing().get());
+    subscriptions_.push_back(windowFacilities_.isCompositing().subscribe([this](
+                                                                             bool isCompositing) {
         // Deferred: the change is announced before it is stored, and a window cannot change its
         // depth.
         QMetaObject::invokeMethod(
             this, [this, isCompositing] { setTranslucent(isCompositing); }, Qt::QueuedConnection);
     }));
-    subscriptions_.push_back(windowServer_.activeWindowDidChange().connect([this] {
+    subscriptions_.push_back(windowFacilities_.activeWindowDidChange().connect([this] {
         if (isVisible()) {
             raise();
         }
@@ -78,7 +80,7 @@ void OverlayPanel::updateOutline() {
         region.push_back({static_cast<double>(part.x()), static_cast<double>(part.y()),
                           static_cast<double>(part.width()), static_cast<double>(part.height())});
     }
-    windowServer_.setBlurBehind(winId(), region, devicePixelRatioF());
+    windowFacilities_.setBlurBehind(winId(), region, devicePixelRatioF());
 }
 
 } // namespace orlune

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "overlay/OverlayView.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowFacilities.h"
 
 #include <QWidget>
 
@@ -29,7 +29,7 @@ class OverlayPanel final : public QWidget {
     /// Fits the window's shape, or the blur behind it, to the content.
     void updateOutline();
 
-    WindowServer& windowServer_;
+    WindowFacilities& windowFacilities_;
     OverlayView* content_;
     std::vector<Subscription> subscriptions_;
 };

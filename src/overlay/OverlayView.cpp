@@ -27,7 +27,7 @@ QSize OverlayView::size(const AppState::Phase& phase) {
 }
 
 OverlayView::OverlayView(std::shared_ptr<AppState> state, const Platform& platform)
-    : state_(std::move(state)), windowServer_(platform.windowServer),
+    : state_(std::move(state)), windowFacilities_(platform.windowFacilities),
       keyEvents_(platform.keyEventMonitors), observation_(*this, [this] { refresh(); }) {
     compactOverlay_ = new GlassCapsule(makeCompactOverlay(platform), /*margin=*/6);
     compactOverlay_->setFixedSize(compactSize);
@@ -37,7 +37,7 @@ OverlayView::OverlayView(std::shared_ptr<AppState> state, const Platform& platfo
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content_);
     observation_.observe(*state_);
-    observation_.observe(windowServer_.isCompositing());
+    observation_.observe(windowFacilities_.isCompositing());
 }
 
 OverlayView::~OverlayView() = default;
@@ -85,7 +85,7 @@ QPainterPath OverlayView::outline() const {
 }
 
 void OverlayView::refresh() {
-    compactOverlay_->setTranslucent(windowServer_.isCompositing());
+    compactOverlay_->setTranslucent(windowFacilities_.isCompositing());
     phaseIcon_->setBackground(compactOverlay_->glass());
     const auto& phase = state_->phase().get();
     const auto* check = phase.intentCheck();

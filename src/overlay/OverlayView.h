@@ -50,7 +50,7 @@ class OverlayView final : public QWidget {
     void updateCapsule();
 
     const std::shared_ptr<AppState> state_;
-    WindowServer& windowServer_;
+    WindowFacilities& windowFacilities_;
     KeyEvents& keyEvents_;
 
     ui::CrossFade* content_ = nullptr;

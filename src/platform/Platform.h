@@ -17,7 +17,7 @@
 #include "platform/UrlOpener.h"
 #include "platform/UserDefaults.h"
 #include "platform/WebSocket.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowFacilities.h"
 #include "platform/concurrency/Clock.h"
 #include "platform/concurrency/MainActor.h"
 
@@ -45,7 +45,7 @@ struct Platform {
     CaptureAuthorization& captureAuthorization;
     DisplayOptions& displayOptions;
     Screens& screens;
-    WindowServer& windowServer;
+    WindowFacilities& windowFacilities;
     Sound& sound;
     UrlOpener& urlOpener;
     std::string speechEndpoint; ///< scheme, host and port of the transcription service

@@ -14,7 +14,8 @@
 namespace orlune {
 
 SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& platform)
-    : windowServer_(platform.windowServer), view_(new SettingsView(std::move(state), platform)) {
+    : windowFacilities_(platform.windowFacilities),
+      view_(new SettingsView(std::move(state), platform)) {
     setWindowTitle(QStringLiteral("Orlune Settings"));
     setAutoFillBackground(true);
     ui::applyDarkTheme(*this, OrlunePalette::background(), OrlunePalette::accent());
@@ -34,7 +35,7 @@ SettingsWindow::SettingsWindow(std::shared_ptr<AppState> state, const Platform& 
 }
 
 void SettingsWindow::present() {
-    ui::present(*this, windowServer_);
+    ui::present(*this, windowFacilities_);
 }
 
 void SettingsWindow::closeEvent(QCloseEvent* event) {

@@ -24,7 +24,7 @@ class SettingsWindow final : public QWidget {
     void closeEvent(QCloseEvent* event) override;
 
   private:
-    WindowServer& windowServer_;
+    WindowFacilities& windowFacilities_;
     SettingsView* view_;
 };
 

@@ -5,13 +5,13 @@ class QWidget;
 
 namespace orlune {
 
-class WindowServer;
+class WindowFacilities;
 
 namespace ui {
 
 /// Shows the window, restores it if it is minimised, and puts it in front of all others with the
 /// keyboard focus.
-void present(QWidget& window, WindowServer& windowServer);
+void present(QWidget& window, WindowFacilities& windowFacilities);
 
 } // namespace ui
 } // namespace orlune

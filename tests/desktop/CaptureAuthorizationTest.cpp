@@ -1,4 +1,4 @@
-#include "platform/linux/pulse/PulseCaptureAuthorization.h"
+#include "platform/linux/pulse/MicrophonePresence.h"
 #include "tests/support/PulseServer.h"
 
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ class CaptureAuthorizationTest : public testing::Test {
     }
 
     test::PulseServer server;
-    PulseCaptureAuthorization authorization;
+    MicrophonePresence authorization;
 };
 
 TEST_F(CaptureAuthorizationTest, FollowsTheServerAndItsMicrophones) {

@@ -1,4 +1,4 @@
-#include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/keys/DesktopKeyEvents.h"
 #include "platform/linux/paste/XTestKeyPoster.h"
 #include "platform/memory/MemoryLog.h"
 #include "tests/desktop/Desktop.h"
@@ -68,7 +68,7 @@ class KeyEventsDesktopTest : public testing::Test {
 
     Keyboard keyboard;
     MemoryLog log;
-    XInputKeyEvents keyEvents{
+    DesktopKeyEvents keyEvents{
         {.functionKeyName = "Control_R",
          .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; }},
         log};
@@ -298,10 +298,10 @@ TEST(KeyEventsAvailabilityTest, IsDeniedWithAReasonWhereNobodyMayTypeAndWhereNoD
     Program server({"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-extension", "XTEST"});
     MemoryLog log;
     const auto reasonOn = [&](const std::string& name) {
-        XInputKeyEvents keyEvents({.functionKeyName = "Control_R",
-                                   .ownWindowHasKeyboard = [] { return false; },
-                                   .displayName = name},
-                                  log);
+        DesktopKeyEvents keyEvents({.functionKeyName = "Control_R",
+                                    .ownWindowHasKeyboard = [] { return false; },
+                                    .displayName = name},
+                                   log);
         const auto monitor = keyEvents.addGlobalMonitor(everything, [](const KeyEvent&) {});
         return keyEvents.reasonForUnavailability();
     };
@@ -314,7 +314,7 @@ TEST(KeyEventsAvailabilityTest, IsDeniedWithAReasonWhereNobodyMayTypeAndWhereNoD
 TEST(FunctionKeyTest, AnUnknownNameIsReportedOnceAndLeavesEveryKeyWhatItIs) {
     Keyboard keyboard;
     MemoryLog log;
-    XInputKeyEvents keyEvents(
+    DesktopKeyEvents keyEvents(
         {.functionKeyName = "Contrl_R", .ownWindowHasKeyboard = [] { return false; }}, log);
     std::vector<std::string> seen;
     const auto monitor = keyEvents.addGlobalMonitor(

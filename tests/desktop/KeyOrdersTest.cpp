@@ -2,7 +2,7 @@
 // their meaning for a dictation. A sequence is a function of its seed; a failure prints both and
 // the last steps. Longer runs: ORLUNE_KEY_STEPS=100000 ORLUNE_KEY_SEED=7.
 #include "dictation/FnPushToTalkMonitor.h"
-#include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/keys/DesktopKeyEvents.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/OtherClient.h"
 #include "tests/support/DictationHarness.h"
@@ -355,7 +355,7 @@ class Walk {
     Keyboard keyboard_;
     desktop::OtherClient program_;
     std::optional<desktop::OtherClient> grabbing_;
-    XInputKeyEvents keyEvents_{
+    DesktopKeyEvents keyEvents_{
         {.functionKeyName = "Control_R", .ownWindowHasKeyboard = [] { return false; }},
         harness_.platform.log};
     std::shared_ptr<FnPushToTalkMonitor> monitor_ = FnPushToTalkMonitor::make(

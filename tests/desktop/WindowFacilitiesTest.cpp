@@ -1,6 +1,6 @@
 #include "platform/linux/windows/DesktopDisplayOptions.h"
 #include "platform/linux/windows/QtScreens.h"
-#include "platform/linux/windows/X11WindowServer.h"
+#include "platform/linux/windows/X11WindowFacilities.h"
 #include "platform/linux/x11/QtConnection.h"
 #include "tests/desktop/Desktop.h"
 
@@ -95,25 +95,25 @@ TEST(Screens, WhatPanelsLeaveOfEachScreen) {
     EXPECT_TRUE(becomes({0, 28, 1000, 772}, {1000, 0, 500, 390}));
 }
 
-TEST(WindowServer, ReportsWhenCompositingBeginsAndEnds) {
-    const X11WindowServer server;
-    EXPECT_FALSE(server.isCompositing().get());
+TEST(WindowFacilities, ReportsWhenCompositingBeginsAndEnds) {
+    const X11WindowFacilities facilities;
+    EXPECT_FALSE(facilities.isCompositing().get());
     std::vector<bool> changes;
     const auto subscription =
-        server.isCompositing().subscribe([&](bool isOn) { changes.push_back(isOn); });
+        facilities.isCompositing().subscribe([&](bool isOn) { changes.push_back(isOn); });
     {
         const Program compositor({"picom", "--config", "/dev/null", "--backend", "xrender"});
-        EXPECT_TRUE(waitUntil([&] { return server.isCompositing().get(); }));
-        EXPECT_TRUE(X11WindowServer().isCompositing().get()) << "one that is there already";
+        EXPECT_TRUE(waitUntil([&] { return facilities.isCompositing().get(); }));
+        EXPECT_TRUE(X11WindowFacilities().isCompositing().get()) << "one that is there already";
     }
-    EXPECT_TRUE(waitUntil([&] { return !server.isCompositing().get(); }));
+    EXPECT_TRUE(waitUntil([&] { return !facilities.isCompositing().get(); }));
     EXPECT_THAT(changes, testing::ElementsAre(true, false));
 }
 
-TEST(WindowServer, ReportsThatAnotherWindowIsActive) {
-    X11WindowServer server;
+TEST(WindowFacilities, ReportsThatAnotherWindowIsActive) {
+    X11WindowFacilities facilities;
     int count = 0;
-    const Subscription subscription = server.activeWindowDidChange().connect([&] { ++count; });
+    const Subscription subscription = facilities.activeWindowDidChange().connect([&] { ++count; });
     const Program first({"xterm", "-class", "First"});
     EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "First"; }));
     EXPECT_TRUE(waitUntil([&] { return count == 1; }));
@@ -125,8 +125,8 @@ TEST(WindowServer, ReportsThatAnotherWindowIsActive) {
     EXPECT_TRUE(waitUntil([&] { return count == 3; })) << "back to the first";
 }
 
-TEST(WindowServer, BringsAWindowForwardAlthoughAnotherProgramWasUsedSince) {
-    X11WindowServer server;
+TEST(WindowFacilities, BringsAWindowForwardAlthoughAnotherProgramWasUsedSince) {
+    X11WindowFacilities facilities;
     QRasterWindow window;
     window.resize(300, 200);
     window.show();
@@ -134,19 +134,20 @@ TEST(WindowServer, BringsAWindowForwardAlthoughAnotherProgramWasUsedSince) {
     const Program other({"xterm", "-class", "Other"});
     EXPECT_TRUE(waitUntil([] { return desktop::focusedClass() == "Other"; }));
     desktop::run({"xdotool", "type", "ls"});
-    server.activate(window.winId());
+    facilities.activate(window.winId());
     EXPECT_TRUE(waitUntil([&] { return window.isActive(); }));
 }
 
-TEST(WindowServer, AsksForBlurInPixelsOfTheDevice) {
-    X11WindowServer server;
+TEST(WindowFacilities, AsksForBlurInPixelsOfTheDevice) {
+    X11WindowFacilities facilities;
     QRasterWindow window; // only known to us yet
-    server.setBlurBehind(window.winId(), {{0, 0.5, 10, 2}, {5, 5, 0.1, 9}, {20, 1, 1.5, 3}}, 1.5);
+    facilities.setBlurBehind(window.winId(), {{0, 0.5, 10, 2}, {5, 5, 0.1, 9}, {20, 1, 1.5, 3}},
+                             1.5);
     const auto blur = [id = std::to_string(window.winId())] {
         return desktop::run({"xprop", "-id", id, "_KDE_NET_WM_BLUR_BEHIND_REGION"});
     };
     EXPECT_THAT(blur(), testing::HasSubstr("= 0, 1, 15, 3, 30, 2, 2, 4\n"));
-    server.setBlurBehind(window.winId(), {}, 1.5);
+    facilities.setBlurBehind(window.winId(), {}, 1.5);
     EXPECT_THAT(blur(), testing::HasSubstr("not found"));
 }
 

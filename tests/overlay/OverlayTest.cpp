@@ -139,7 +139,7 @@ TEST_F(OverlayPanelTest, takesNeitherFocusNorClicks) {
 TEST_F(OverlayPanelTest, followsTheCompositor) {
     dictation.begin();
     auto& panel = controller.panel();
-    auto& server = dictation.platform.windowServer;
+    auto& server = dictation.platform.windowFacilities;
     const auto corner = [&panel] {
         return panel.window()->grab().toImage().pixelColor(0, 0).rgba();
     };

@@ -72,7 +72,7 @@ std::vector<Picture> overlayPictures() {
          }},
         {"listening-without-compositor",
          [](auto& dictation) {
-             dictation.platform.windowServer.compositing.set(false);
+             dictation.platform.windowFacilities.compositing.set(false);
              listen(dictation);
          }},
         {"processing",

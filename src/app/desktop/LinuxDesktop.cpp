@@ -2,8 +2,8 @@
 
 #include "app/desktop/SessionInput.h"
 #include "platform/audio/SpeexAudioConverter.h"
+#include "platform/linux/pulse/MicrophonePresence.h"
 #include "platform/linux/pulse/PulseAudioEngine.h"
-#include "platform/linux/pulse/PulseCaptureAuthorization.h"
 #include "platform/linux/runtime/BackgroundThread.h"
 #include "platform/linux/runtime/JournalLog.h"
 #include "platform/linux/runtime/QtMainActor.h"
@@ -14,7 +14,7 @@
 #include "platform/linux/windows/DesktopDisplayOptions.h"
 #include "platform/linux/windows/DesktopUrlOpener.h"
 #include "platform/linux/windows/QtScreens.h"
-#include "platform/linux/windows/X11WindowServer.h"
+#include "platform/linux/windows/X11WindowFacilities.h"
 #include "platform/linux/x11/X11Bell.h"
 #include "platform/network/BeastWebSocket.h"
 #include "platform/network/ProxySettings.h"
@@ -60,10 +60,10 @@ struct LinuxDesktop::Facilities {
     std::optional<SessionInput> input;
     std::unique_ptr<ScreenLock> screenLock;
     std::unique_ptr<BeastWebSocketSession> webSockets;
-    PulseCaptureAuthorization microphone;
+    MicrophonePresence microphone;
     std::optional<DesktopDisplayOptions> displayOptions;
     QtScreens screens;
-    X11WindowServer windowServer;
+    X11WindowFacilities windowFacilities;
     X11Bell bell;
     DesktopUrlOpener urlOpener;
     std::optional<Platform> platform;
@@ -106,7 +106,7 @@ LinuxDesktop::Facilities::Facilities(Replacements replacements, TrustPrompt trus
         microphone,
         *displayOptions,
         screens,
-        windowServer,
+        windowFacilities,
         bell,
         urlOpener,
         endpoint.empty() ? configuration.endpoint : endpoint});

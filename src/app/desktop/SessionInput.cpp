@@ -1,6 +1,6 @@
 #include "app/desktop/SessionInput.h"
 
-#include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/keys/DesktopKeyEvents.h"
 #include "platform/linux/paste/ConsentAccessibility.h"
 #include "platform/linux/paste/InjectedPaste.h"
 #include "platform/linux/paste/QtPasteboard.h"
@@ -35,7 +35,7 @@ struct SessionInput::Parts {
     std::unique_ptr<DataControlPasteboard> dataControl;
     std::unique_ptr<QtPasteboard> clipboard;
     std::unique_ptr<Accessibility> accessibility;
-    std::unique_ptr<XInputKeyEvents> keys; // outlives `posting`, which queries and informs it
+    std::unique_ptr<DesktopKeyEvents> keys; // outlives `posting`, which queries and informs it
     std::unique_ptr<KeyEventPosting> posting;
 
     void findWayland(const PlatformConfiguration& configuration);
@@ -116,8 +116,8 @@ SessionInput::SessionInput(const PlatformConfiguration& configuration, TrustProm
         parts.useXTest(configuration, std::move(trustPrompt));
     }
     auto* const consent = dynamic_cast<ConsentAccessibility*>(parts.accessibility.get());
-    parts.keys = std::make_unique<XInputKeyEvents>(
-        XInputKeyEvents::Surroundings{
+    parts.keys = std::make_unique<DesktopKeyEvents>(
+        DesktopKeyEvents::Surroundings{
             .functionKeyName = configuration.fnKey,
             .ownWindowHasKeyboard = [] { return QGuiApplication::focusWindow() != nullptr; },
             .source = parts.source.get(),

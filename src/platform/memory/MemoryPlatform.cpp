@@ -30,7 +30,7 @@ Platform MemoryPlatform::bundle(MainActor& mainActor) {
                     captureAuthorization,
                     displayOptions,
                     screens,
-                    windowServer,
+                    windowFacilities,
                     sound,
                     urlOpener,
                     "wss://speech.example"};

@@ -20,7 +20,7 @@
 #include "platform/memory/MemoryUrlOpener.h"
 #include "platform/memory/MemoryUserDefaults.h"
 #include "platform/memory/MemoryWebSocket.h"
-#include "platform/memory/MemoryWindowServer.h"
+#include "platform/memory/MemoryWindowFacilities.h"
 #include "platform/memory/TurnQueue.h"
 
 namespace orlune {
@@ -65,7 +65,7 @@ struct MemoryPlatform {
     MemoryCaptureAuthorization captureAuthorization;
     MemoryDisplayOptions displayOptions;
     MemoryScreens screens;
-    MemoryWindowServer windowServer;
+    MemoryWindowFacilities windowFacilities;
     MemorySound sound;
     MemoryUrlOpener urlOpener;
 };

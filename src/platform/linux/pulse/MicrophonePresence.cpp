@@ -1,4 +1,4 @@
-#include "platform/linux/pulse/PulseCaptureAuthorization.h"
+#include "platform/linux/pulse/MicrophonePresence.h"
 
 #include "platform/linux/pulse/PulseSourceQuery.h"
 
@@ -39,7 +39,7 @@ bool mayChangeTheAnswer(pa_subscription_event_type_t event) {
 
 } // namespace
 
-class PulseCaptureAuthorization::Watch {
+class MicrophonePresence::Watch {
   public:
     using Completion = std::function<void(bool isGranted)>;
 
@@ -86,7 +86,7 @@ class PulseCaptureAuthorization::Watch {
     std::thread thread_; // last, so that all members exist when it starts
 };
 
-PulseCaptureAuthorization::Watch::~Watch() {
+MicrophonePresence::Watch::~Watch() {
     {
         const std::lock_guard lock(mutex_);
         isEnding_ = true;
@@ -97,7 +97,7 @@ PulseCaptureAuthorization::Watch::~Watch() {
     context_.reset();
 }
 
-CaptureAuthorization::Status PulseCaptureAuthorization::Watch::status() {
+CaptureAuthorization::Status MicrophonePresence::Watch::status() {
     const std::lock_guard lock(mutex_);
     if (!isConnected_ && !std::exchange(isAsked_, true)) {
         wake();
@@ -105,20 +105,20 @@ CaptureAuthorization::Status PulseCaptureAuthorization::Watch::status() {
     return status_;
 }
 
-void PulseCaptureAuthorization::Watch::request(Completion completion) {
+void MicrophonePresence::Watch::request(Completion completion) {
     const std::lock_guard lock(mutex_);
     isAsked_ = true;
     arrivals_.push_back(std::move(completion));
     wake();
 }
 
-void PulseCaptureAuthorization::Watch::run() {
+void MicrophonePresence::Watch::run() {
     pthread_setname_np(pthread_self(), "orlune-mic");
     while (attend() && turn()) {
     }
 }
 
-bool PulseCaptureAuthorization::Watch::turn() {
+bool MicrophonePresence::Watch::turn() {
     if (pa_mainloop_prepare(loop_.get(), microsecondsToDeadline()) < 0) {
         return false;
     }
@@ -132,7 +132,7 @@ bool PulseCaptureAuthorization::Watch::turn() {
     return pa_mainloop_poll(loop_.get()) >= 0 && pa_mainloop_dispatch(loop_.get()) >= 0;
 }
 
-bool PulseCaptureAuthorization::Watch::attend() {
+bool MicrophonePresence::Watch::attend() {
     bool isAsked = false;
     {
         const std::lock_guard lock(mutex_);
@@ -163,7 +163,7 @@ bool PulseCaptureAuthorization::Watch::attend() {
     return true;
 }
 
-void PulseCaptureAuthorization::Watch::connect() {
+void MicrophonePresence::Watch::connect() {
     context_ = makePulseContext(pa_mainloop_get_api(loop_.get()));
     deadline_ = std::chrono::steady_clock::now() + answerLimit;
     {
@@ -176,7 +176,7 @@ void PulseCaptureAuthorization::Watch::connect() {
     }
 }
 
-void PulseCaptureAuthorization::Watch::disconnect() {
+void MicrophonePresence::Watch::disconnect() {
     query_.reset();
     context_.reset();
     deadline_.reset();
@@ -189,7 +189,7 @@ void PulseCaptureAuthorization::Watch::disconnect() {
 }
 
 /// Only when the context is ready.
-void PulseCaptureAuthorization::Watch::ask() {
+void MicrophonePresence::Watch::ask() {
     if (!std::exchange(wasReady_, true)) {
         pa_context_set_subscribe_callback(
             context(),
@@ -216,7 +216,7 @@ void PulseCaptureAuthorization::Watch::ask() {
     }
 }
 
-void PulseCaptureAuthorization::Watch::conclude(Status status) {
+void MicrophonePresence::Watch::conclude(Status status) {
     {
         const std::lock_guard lock(mutex_);
         status_ = status;
@@ -226,7 +226,7 @@ void PulseCaptureAuthorization::Watch::conclude(Status status) {
     }
 }
 
-int PulseCaptureAuthorization::Watch::microsecondsToDeadline() const {
+int MicrophonePresence::Watch::microsecondsToDeadline() const {
     if (!deadline_) {
         return -1; // no timeout
     }
@@ -235,19 +235,19 @@ int PulseCaptureAuthorization::Watch::microsecondsToDeadline() const {
     return static_cast<int>(std::max(left, 0us).count());
 }
 
-PulseCaptureAuthorization::PulseCaptureAuthorization() = default;
+MicrophonePresence::MicrophonePresence() = default;
 
-PulseCaptureAuthorization::~PulseCaptureAuthorization() = default;
+MicrophonePresence::~MicrophonePresence() = default;
 
-CaptureAuthorization::Status PulseCaptureAuthorization::authorizationStatus() {
+CaptureAuthorization::Status MicrophonePresence::authorizationStatus() {
     return watch().status();
 }
 
-void PulseCaptureAuthorization::requestAccess(std::function<void(bool)> completion) {
+void MicrophonePresence::requestAccess(std::function<void(bool)> completion) {
     watch().request(std::move(completion));
 }
 
-PulseCaptureAuthorization::Watch& PulseCaptureAuthorization::watch() {
+MicrophonePresence::Watch& MicrophonePresence::watch() {
     if (!watch_) {
         watch_ = std::make_unique<Watch>();
     }

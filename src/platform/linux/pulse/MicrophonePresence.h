@@ -10,11 +10,11 @@
 
 namespace orlune {
 
-class PulseCaptureAuthorization final : public CaptureAuthorization {
+class MicrophonePresence final : public CaptureAuthorization {
   public:
-    PulseCaptureAuthorization();
+    MicrophonePresence();
     /// Unanswered requests are dropped.
-    ~PulseCaptureAuthorization() override;
+    ~MicrophonePresence() override;
 
     Status authorizationStatus() override;
     /// A server that does not answer within 3 s counts as absent.

@@ -10,12 +10,12 @@
 
 namespace orlune {
 
-class WindowServer {
+class WindowFacilities {
   public:
     /// The desktop's identifier of a window.
     using WindowID = std::uintptr_t;
 
-    virtual ~WindowServer() = default;
+    virtual ~WindowFacilities() = default;
 
     /// Whether windows may be translucent now. Changes while the program runs, when compositing is
     /// switched on or off.

@@ -1,4 +1,4 @@
-// Key events of an X display, seen without a grab: raw keys say what happens, whoever has the
+// Key events of the desktop, seen without a grab: raw X keys say what happens, whoever has the
 // keyboard, and a filter on our own windows keeps from them what a local monitor swallows. Main
 // thread, with Qt's loop running and before its application ends. Nothing is opened before the
 // first monitor or question; without a usable display, global monitors see nothing and a reason
@@ -24,7 +24,7 @@ class QTimer;
 
 namespace orlune {
 
-class XInputKeyEvents final : public KeyEvents {
+class DesktopKeyEvents final : public KeyEvents {
   public:
     using Keycode = KeyEdges::Keycode; ///< X's, not the virtual ones
 
@@ -42,8 +42,8 @@ class XInputKeyEvents final : public KeyEvents {
         std::string displayName = {};
     };
 
-    XInputKeyEvents(Surroundings surroundings, Log& log);
-    ~XInputKeyEvents() override;
+    DesktopKeyEvents(Surroundings surroundings, Log& log);
+    ~DesktopKeyEvents() override;
 
     [[nodiscard]] KeyEventMonitor addGlobalMonitor(KeyEventMask mask,
                                                    GlobalHandler handler) override;

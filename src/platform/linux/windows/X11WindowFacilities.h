@@ -3,18 +3,18 @@
 // display, or once it has gone, nothing is composited or announced.
 #pragma once
 
-#include "platform/WindowServer.h"
+#include "platform/WindowFacilities.h"
 
 #include <memory>
 #include <string>
 
 namespace orlune {
 
-class X11WindowServer final : public WindowServer {
+class X11WindowFacilities final : public WindowFacilities {
   public:
     /// An empty display name means the DISPLAY of the environment.
-    explicit X11WindowServer(std::string displayName = {});
-    ~X11WindowServer() override;
+    explicit X11WindowFacilities(std::string displayName = {});
+    ~X11WindowFacilities() override;
 
     const Published<bool>& isCompositing() const override;
     Signal<void()>& activeWindowDidChange() override;

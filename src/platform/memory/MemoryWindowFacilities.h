@@ -1,15 +1,15 @@
-// A window server without windows: a test switches compositing, and blurred and activated windows
+// Window facilities without windows: a test switches compositing, and blurred and activated windows
 // are recorded.
 #pragma once
 
-#include "platform/WindowServer.h"
+#include "platform/WindowFacilities.h"
 
 #include <map>
 #include <vector>
 
 namespace orlune {
 
-class MemoryWindowServer final : public WindowServer, public ObservableObject {
+class MemoryWindowFacilities final : public WindowFacilities, public ObservableObject {
   public:
     const Published<bool>& isCompositing() const override { return compositing; }
     Signal<void()>& activeWindowDidChange() override { return activeWindow; }

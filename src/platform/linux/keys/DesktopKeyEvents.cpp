@@ -1,4 +1,4 @@
-#include "platform/linux/keys/XInputKeyEvents.h"
+#include "platform/linux/keys/DesktopKeyEvents.h"
 
 #include "platform/VirtualKey.h"
 #include "platform/linux/keys/KeyNames.h"
@@ -25,7 +25,7 @@ constexpr auto layoutDelay = 200ms;
 
 } // namespace
 
-XInputKeyEvents::XInputKeyEvents(Surroundings surroundings, Log& log)
+DesktopKeyEvents::DesktopKeyEvents(Surroundings surroundings, Log& log)
     : surroundings_(std::move(surroundings)), log_(log, "Keys"),
       heldKeysTimer_(std::make_unique<QTimer>()), layoutTimer_(std::make_unique<QTimer>()) {
     heldKeysTimer_->setInterval(heldKeysInterval);
@@ -42,13 +42,13 @@ XInputKeyEvents::XInputKeyEvents(Surroundings surroundings, Log& log)
     }
 }
 
-XInputKeyEvents::~XInputKeyEvents() {
+DesktopKeyEvents::~DesktopKeyEvents() {
     if (surroundings_.source) {
         surroundings_.source->setObserver({});
     }
 }
 
-KeyEventMonitor XInputKeyEvents::addGlobalMonitor(KeyEventMask mask, GlobalHandler handler) {
+KeyEventMonitor DesktopKeyEvents::addGlobalMonitor(KeyEventMask mask, GlobalHandler handler) {
     connect();
     return global_.add(mask, [handler = std::move(handler)](const KeyEvent& event) {
         handler(event);
@@ -56,7 +56,7 @@ KeyEventMonitor XInputKeyEvents::addGlobalMonitor(KeyEventMask mask, GlobalHandl
     });
 }
 
-KeyEventMonitor XInputKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler handler) {
+KeyEventMonitor DesktopKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler handler) {
     connect();
     if (!filter_) {
         filter_ = std::make_unique<LocalKeyFilter>(
@@ -65,36 +65,36 @@ KeyEventMonitor XInputKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler
     return local_.add(mask, std::move(handler));
 }
 
-void XInputKeyEvents::watch(const KeyCombination& shortcut) {
+void DesktopKeyEvents::watch(const KeyCombination& shortcut) {
     if (surroundings_.source) {
         surroundings_.source->watch(shortcut);
     }
 }
 
-void XInputKeyEvents::watchEscape(bool isWanted) {
+void DesktopKeyEvents::watchEscape(bool isWanted) {
     if (surroundings_.source) {
         surroundings_.source->watchEscape(isWanted);
     }
 }
 
-bool XInputKeyEvents::reportsReleases() {
+bool DesktopKeyEvents::reportsReleases() {
     return !surroundings_.source || surroundings_.source->reportsReleases();
 }
 
-std::string XInputKeyEvents::reasonForUnavailability() {
+std::string DesktopKeyEvents::reasonForUnavailability() {
     if (surroundings_.source) {
         return surroundings_.source->reasonForUnavailability();
     }
     return connect() ? watch_->reasonForUnavailability() : noDisplayReason;
 }
 
-std::string XInputKeyEvents::functionKeyStandIn() {
+std::string DesktopKeyEvents::functionKeyStandIn() {
     const bool hasStandIn =
         connect() && functionKey_ && !isFunctionKey(surroundings_.functionKeyName);
     return hasStandIn ? keyInWords(surroundings_.functionKeyName) : std::string();
 }
 
-bool XInputKeyEvents::connect() {
+bool DesktopKeyEvents::connect() {
     if (watch_) {
         return true;
     }
@@ -112,7 +112,7 @@ bool XInputKeyEvents::connect() {
     return watch_ != nullptr;
 }
 
-void XInputKeyEvents::resolveRoles() {
+void DesktopKeyEvents::resolveRoles() {
     const auto layout = watch_->layout();
     if (!layout) {
         return;
@@ -129,7 +129,7 @@ void XInputKeyEvents::resolveRoles() {
     edges_.setRoles(KeyRoles::of(*layout, functionKey_));
 }
 
-void XInputKeyEvents::receive(const RawKeyWatch::Key& key) {
+void DesktopKeyEvents::receive(const RawKeyWatch::Key& key) {
     if (isLocked_) {
         return;
     }
@@ -140,7 +140,7 @@ void XInputKeyEvents::receive(const RawKeyWatch::Key& key) {
     enqueue(key.keycode, key.isDown);
 }
 
-void XInputKeyEvents::enqueue(Keycode keycode, bool isDown) {
+void DesktopKeyEvents::enqueue(Keycode keycode, bool isDown) {
     queue_.push_back({.keycode = keycode, .isDown = isDown, .isSynthetic = false});
     if (isTelling_) {
         return;
@@ -158,7 +158,7 @@ void XInputKeyEvents::enqueue(Keycode keycode, bool isDown) {
     watchHeldKeys();
 }
 
-void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
+void DesktopKeyEvents::tell(const KeyEdges::Edge& edge) {
     const auto& [keycode, event] = edge;
     if (!surroundings_.ownWindowHasKeyboard()) {
         answers_.erase(keycode);
@@ -178,7 +178,7 @@ void XInputKeyEvents::tell(const KeyEdges::Edge& edge) {
 }
 
 /// The desktop may take the shortcut's keys from our own windows as well.
-void XInputKeyEvents::reportFromSource(const KeyEvent& event) {
+void DesktopKeyEvents::reportFromSource(const KeyEvent& event) {
     if (event.keyCode != virtual_key::escape) {
         isSourceKeyHeld_ = event.type == KeyEvent::Type::flagsChanged
                                ? event.modifierFlags != ModifierFlags::none
@@ -190,7 +190,7 @@ void XInputKeyEvents::reportFromSource(const KeyEvent& event) {
     }
 }
 
-void XInputKeyEvents::watchHeldKeys() {
+void DesktopKeyEvents::watchHeldKeys() {
     if (!edges_.isAnyDown()) {
         heldKeysTimer_->stop();
     } else if (!heldKeysTimer_->isActive()) {
@@ -198,7 +198,7 @@ void XInputKeyEvents::watchHeldKeys() {
     }
 }
 
-void XInputKeyEvents::checkHeldKeys() {
+void DesktopKeyEvents::checkHeldKeys() {
     if (const auto keysDown = watch_->keysDown()) {
         for (const auto& edge : edges_.releaseMissing(*keysDown)) {
             tell(edge);
@@ -210,7 +210,7 @@ void XInputKeyEvents::checkHeldKeys() {
 /// Raw keys drive the local monitors too: that way each press and release is told once, to one kind
 /// of monitor, even when the focus moves in between. The server sends the raw key first, so what
 /// the monitors said about it is known when our window is about to receive it.
-KeyEventAnswer XInputKeyEvents::answerFor(const LocalKeyFilter::Key& key) {
+KeyEventAnswer DesktopKeyEvents::answerFor(const LocalKeyFilter::Key& key) {
     if (!watch_ || isLocked_) {
         return KeyEventAnswer::passOn;
     }
@@ -234,27 +234,27 @@ KeyEventAnswer XInputKeyEvents::answerFor(const LocalKeyFilter::Key& key) {
     return answers.press;
 }
 
-void XInputKeyEvents::willPost() {
+void DesktopKeyEvents::willPost() {
     if (watch_) {
         watch_->catchUp(); // what came before was not ours
     }
     isPosting_ = true;
 }
 
-void XInputKeyEvents::didPost() {
+void DesktopKeyEvents::didPost() {
     if (watch_) {
         watch_->catchUp();
     }
     isPosting_ = false;
 }
 
-void XInputKeyEvents::countAsReleased(const std::vector<Keycode>& keys) {
+void DesktopKeyEvents::countAsReleased(const std::vector<Keycode>& keys) {
     for (const auto key : keys) {
         enqueue(key, /*isDown=*/false);
     }
 }
 
-void XInputKeyEvents::setLocked(bool isLocked) {
+void DesktopKeyEvents::setLocked(bool isLocked) {
     if (isLocked && !isLocked_ && surroundings_.source) {
         surroundings_.source->releaseAll();
     }

@@ -1,4 +1,4 @@
-#include "platform/linux/windows/X11WindowServer.h"
+#include "platform/linux/windows/X11WindowFacilities.h"
 
 #include "platform/linux/x11/QtConnection.h"
 #include "platform/linux/x11/WindowProperty.h"
@@ -45,7 +45,7 @@ std::vector<std::uint32_t> devicePixels(const std::vector<Rect>& region, double 
 } // namespace
 
 /// The connection, and the state that it follows.
-class X11WindowServer::Watch : public ObservableObject {
+class X11WindowFacilities::Watch : public ObservableObject {
   public:
     explicit Watch(const std::string& displayName);
 
@@ -65,7 +65,7 @@ class X11WindowServer::Watch : public ObservableObject {
     int fixesEvent_ = -1;
 };
 
-X11WindowServer::Watch::Watch(const std::string& displayName)
+X11WindowFacilities::Watch::Watch(const std::string& displayName)
     : events_(XEventSource::open(displayName)) {
     if (!events_) {
         return;
@@ -90,7 +90,7 @@ X11WindowServer::Watch::Watch(const std::string& displayName)
     events_->start([this](const XEvent& event) { read(event); });
 }
 
-void X11WindowServer::Watch::read(const XEvent& event) {
+void X11WindowFacilities::Watch::read(const XEvent& event) {
     if (event.type == fixesEvent_ + XFixesSelectionNotify) {
         if (const bool isOn = hasCompositor(); isOn != isCompositing) {
             isCompositing.set(isOn);
@@ -103,28 +103,29 @@ void X11WindowServer::Watch::read(const XEvent& event) {
     }
 }
 
-bool X11WindowServer::Watch::hasCompositor() const {
+bool X11WindowFacilities::Watch::hasCompositor() const {
     return XGetSelectionOwner(events_->display(), compositor_) != None;
 }
 
-Window X11WindowServer::Watch::activeWindow() const {
+Window X11WindowFacilities::Watch::activeWindow() const {
     return propertyItem(events_->display(), root_, activeWindowName, XA_WINDOW).value_or(None);
 }
 
-X11WindowServer::X11WindowServer(std::string displayName) : displayName_(std::move(displayName)) {}
+X11WindowFacilities::X11WindowFacilities(std::string displayName)
+    : displayName_(std::move(displayName)) {}
 
-X11WindowServer::~X11WindowServer() = default;
+X11WindowFacilities::~X11WindowFacilities() = default;
 
-const Published<bool>& X11WindowServer::isCompositing() const {
+const Published<bool>& X11WindowFacilities::isCompositing() const {
     return watch().isCompositing;
 }
 
-Signal<void()>& X11WindowServer::activeWindowDidChange() {
+Signal<void()>& X11WindowFacilities::activeWindowDidChange() {
     return watch().activeWindowDidChange;
 }
 
-void X11WindowServer::setBlurBehind(WindowID window, const std::vector<Rect>& region,
-                                    double scale) {
+void X11WindowFacilities::setBlurBehind(WindowID window, const std::vector<Rect>& region,
+                                        double scale) {
     // On Qt's connection, because on ours the request could overtake the creation of the window.
     auto* connection = qtConnection();
     if (!connection) {
@@ -142,7 +143,7 @@ void X11WindowServer::setBlurBehind(WindowID window, const std::vector<Rect>& re
     xcb_flush(connection);
 }
 
-void X11WindowServer::activate(WindowID window) {
+void X11WindowFacilities::activate(WindowID window) {
     // On Qt's connection, after its request to show the window.
     auto* connection = qtConnection();
     if (!connection) {
@@ -165,7 +166,7 @@ void X11WindowServer::activate(WindowID window) {
     xcb_flush(connection);
 }
 
-X11WindowServer::Watch& X11WindowServer::watch() const {
+X11WindowFacilities::Watch& X11WindowFacilities::watch() const {
     if (!watch_) {
         watch_ = std::make_unique<Watch>(displayName_);
     }
