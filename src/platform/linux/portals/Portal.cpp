@@ -154,7 +154,11 @@ PortalSession::PortalSession(Portal& portal, QDBusObjectPath path, QObject* pare
 }
 
 PortalSession::~PortalSession() {
-    if (isOpen_) {
+    close();
+}
+
+void PortalSession::close() {
+    if (std::exchange(isOpen_, false)) {
         portal_.send(QDBusMessage::createMethodCall(portalName, path_.path(), sessionInterface,
                                                     QStringLiteral("Close")));
     }

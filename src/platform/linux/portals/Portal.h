@@ -23,9 +23,10 @@ namespace orlune {
 struct PortalResponse {
     enum class Code {
         granted = 0,
-        refused = 1, ///< by the user, in the portal's dialog
-        ended = 2,   ///< by the portal, for another reason
-        failed = 3,  ///< no answer in time, or the call itself failed
+        refused = 1,  ///< by the user, in the portal's dialog
+        ended = 2,    ///< by the portal, for another reason
+        timedOut = 3, ///< no answer in time: a dialog may have been open
+        failed = 4,   ///< the call itself failed, or the portal has ended
     };
     Code code = Code::failed;
     QVariantMap results;
@@ -90,6 +91,8 @@ class PortalSession final : public QObject {
     ~PortalSession() override;
 
     const QDBusObjectPath& path() const { return path_; }
+    /// Sends no signal. The portal is not used afterwards.
+    void close();
 
   Q_SIGNALS:
     /// The user or the desktop has closed it.

@@ -34,7 +34,7 @@ PortalRequest::PortalRequest(Portal& portal, const QDBusMessage& call, const QSt
         limit_ = std::make_unique<QTimer>();
         limit_->setSingleShot(true);
         connect(limit_.get(), &QTimer::timeout, this,
-                [this] { finish(PortalResponse::Code::failed); });
+                [this] { finish(PortalResponse::Code::timedOut); });
         limit_->start(*limit);
     }
     auto* watcher = new QDBusPendingCallWatcher(connection_.asyncCall(call), this);

@@ -1,5 +1,7 @@
 #include "platform/linux/portals/RemoteDesktopInjector.h"
 
+#include <QTimer>
+
 #include <utility>
 
 namespace orlune {
@@ -30,6 +32,8 @@ RemoteDesktopInjector::RemoteDesktopInjector(Portal& portal, TokenStore& tokens)
     connect(&portal_, &Portal::lost, this, [this] {
         close();
         version_ = 0;
+        isRetryDue_ = false;
+        retryCount_ = 0;
         reason_ = notAnswered;
         changed();
     });
@@ -48,9 +52,7 @@ void RemoteDesktopInjector::findOut() {
         if (version_ == 0) {
             reason_ = "the portal of this desktop lets no program press keys";
         } else {
-            const bool isRemembered =
-                remembers() && !tokens_.token().empty() && tokens_.token() != consented;
-            reason_ = isRemembered ? "" : notAllowed;
+            reason_ = remembers() && isStoredConsent() ? "" : notAllowed;
         }
         changed();
         if (isWanted_ && reason_.empty()) {
@@ -65,9 +67,13 @@ bool RemoteDesktopInjector::remembers() const {
     return version_ >= rememberingVersion;
 }
 
+bool RemoteDesktopInjector::isStoredConsent() const {
+    return !tokens_.token().empty() && tokens_.token() != consented;
+}
+
 void RemoteDesktopInjector::prepare() {
     isWanted_ = true;
-    if (reason_.empty() && !isOpen_ && !isOpening_) {
+    if ((reason_.empty() || isRetryDue_) && !isOpen_ && !isOpening_) {
         open(Way::silently);
     }
 }
@@ -92,76 +98,95 @@ std::string RemoteDesktopInjector::reasonForUnavailability() const {
 void RemoteDesktopInjector::open(Way way) {
     way_ = way;
     isOpening_ = true;
+    isRetryDue_ = false;
     attempt_ = std::make_unique<QObject>();
     const QVariantMap options{{QStringLiteral("session_handle_token"), portal_.makeToken()}};
-    portal_.request(
-        interface, QStringLiteral("CreateSession"), {}, options, Portal::answerLimit,
-        attempt_.get(), [this](const PortalResponse& response) {
-            const auto path = response.results.value(QStringLiteral("session_handle")).toString();
-            if (response.code != Code::granted || path.isEmpty()) {
-                fail("the desktop portal opens no session");
-                return;
-            }
-            session_ = std::make_unique<PortalSession>(portal_, QDBusObjectPath(path), nullptr);
-            connect(session_.get(), &PortalSession::closed, this,
-                    [this] { fail(remembers() ? "" : "the permission to paste was withdrawn"); });
-            selectKeyboard();
-        });
+    portal_.request(interface, QStringLiteral("CreateSession"), {}, options, Portal::answerLimit,
+                    attempt_.get(), onResponse(&RemoteDesktopInjector::onSession));
 }
 
-/// The options never change: with other options some desktops ask again.
-void RemoteDesktopInjector::selectKeyboard() {
+Portal::OnResponse
+RemoteDesktopInjector::onResponse(void (RemoteDesktopInjector::*handler)(const PortalResponse&)) {
+    return [this, handler, attempt = attempt_.get()](const PortalResponse& response) {
+        if (attempt == attempt_.get()) {
+            (this->*handler)(response);
+        }
+    };
+}
+
+void RemoteDesktopInjector::onSession(const PortalResponse& response) {
+    const auto path = response.results.value(QStringLiteral("session_handle")).toString();
+    if (response.code != Code::granted || path.isEmpty()) {
+        failForNow("the desktop portal opens no session");
+        return;
+    }
+    session_ = std::make_unique<PortalSession>(portal_, QDBusObjectPath(path), nullptr);
+    connect(session_.get(), &PortalSession::closed, this, [this] {
+        if (isOpen_) {
+            fail(remembers() ? "" : "the permission to paste was withdrawn");
+        } else {
+            failForNow("the desktop portal has closed the session");
+        }
+    });
+    // The options never change: with other options some desktops ask again.
     QVariantMap options{{QStringLiteral("types"), keyboard}};
     if (remembers()) {
         options.insert(QStringLiteral("persist_mode"), untilRevoked);
-        if (!tokens_.token().empty() && tokens_.token() != consented) {
+        if (isStoredConsent()) {
             options.insert(QStringLiteral("restore_token"),
                            QString::fromStdString(tokens_.token()));
         }
     }
     portal_.request(interface, QStringLiteral("SelectDevices"),
                     {QVariant::fromValue(session_->path())}, options, Portal::answerLimit,
-                    attempt_.get(), [this](const PortalResponse& response) {
-                        if (response.code == Code::granted) {
-                            start();
-                        } else {
-                            fail("the desktop portal offers no keyboard");
-                        }
-                    });
+                    attempt_.get(), onResponse(&RemoteDesktopInjector::onDevices));
 }
 
-void RemoteDesktopInjector::start() {
+void RemoteDesktopInjector::onDevices(const PortalResponse& response) {
+    if (response.code != Code::granted) {
+        failForNow("the desktop portal offers no keyboard");
+        return;
+    }
     const auto limit = way_ == Way::silently ? std::optional<std::chrono::milliseconds>(silentLimit)
                                              : std::nullopt;
     portal_.request(interface, QStringLiteral("Start"),
                     {QVariant::fromValue(session_->path()), QString()}, {}, limit, attempt_.get(),
-                    [this](const PortalResponse& response) { finish(response); });
+                    onResponse(&RemoteDesktopInjector::finish));
 }
 
 void RemoteDesktopInjector::finish(const PortalResponse& response) {
-    if (response.code == Code::granted) {
-        isOpening_ = false;
-        isOpen_ = true;
-        reason_.clear();
-        const auto token = response.results.value(QStringLiteral("restore_token")).toString();
-        if (!remembers()) {
-            tokens_.set(consented);
-        } else if (!token.isEmpty()) {
-            tokens_.set(token.toStdString());
+    switch (response.code) {
+    case Code::granted:
+        break;
+    case Code::refused:
+    case Code::timedOut:
+        if (way_ == Way::silently) {
+            tokens_.forget();
+            fail(forgotten);
+        } else {
+            fail(refused);
         }
-        const bool wasAsked = std::exchange(way_, Way::silently) == Way::asking;
-        if (wasAsked && remembers() && !isWanted_) {
-            close(); // only the consent was wanted
-        }
-        changed();
+        return;
+    case Code::ended:
+    case Code::failed:
+        failForNow("the desktop portal gives no permission");
         return;
     }
-    if (way_ == Way::silently) {
-        tokens_.forget();
-        fail(forgotten);
-    } else {
-        fail(response.code == Code::refused ? refused : "the desktop portal gives no permission");
+    isOpening_ = false;
+    isOpen_ = true;
+    retryCount_ = 0;
+    reason_.clear();
+    const auto token = response.results.value(QStringLiteral("restore_token")).toString();
+    if (!remembers()) {
+        tokens_.set(consented);
+    } else if (!token.isEmpty()) {
+        tokens_.set(token.toStdString());
     }
+    const bool wasAsked = std::exchange(way_, Way::silently) == Way::asking;
+    if (wasAsked && remembers() && !isWanted_) {
+        close(); // only the consent was wanted
+    }
+    changed();
 }
 
 /// An empty `reason` means that the next session may be opened.
@@ -170,6 +195,16 @@ void RemoteDesktopInjector::fail(std::string reason) {
     way_ = Way::silently;
     reason_ = std::move(reason);
     changed();
+}
+
+void RemoteDesktopInjector::failForNow(std::string reason) {
+    isRetryDue_ = way_ == Way::silently;
+    const bool isAskingAgain =
+        way_ == Way::asking && version_ != 0 && retryCount_ < retryDelays.size();
+    fail(std::move(reason));
+    if (isAskingAgain) {
+        QTimer::singleShot(retryDelays.at(retryCount_++), this, [this] { requestAccess(); });
+    }
 }
 
 void RemoteDesktopInjector::close() {
@@ -181,6 +216,7 @@ void RemoteDesktopInjector::close() {
     }
     if (session_) {
         session_->disconnect(this);
+        session_->close();
         session_.release()->deleteLater();
     }
 }

@@ -9,6 +9,8 @@
 #include "platform/linux/portals/Portal.h"
 #include "platform/linux/portals/TokenStore.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -21,6 +23,11 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     /// The time limit of a session that should need no dialog. A portal that opens a dialog anyway
     /// has lost the consent.
     static constexpr std::chrono::seconds silentLimit{3};
+
+    /// At the start of a session the desktop may not be able to show its dialog yet. It is asked
+    /// again after these times, unless the user has answered.
+    static constexpr std::array<std::chrono::milliseconds, 3> retryDelays{
+        std::chrono::seconds(1), std::chrono::seconds(4), std::chrono::seconds(16)};
 
     /// Both must outlive the injector.
     RemoteDesktopInjector(Portal& portal, TokenStore& tokens);
@@ -46,6 +53,11 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     void start();
     void finish(const PortalResponse& response);
     void fail(std::string reason);
+    void failForNow(std::string reason);
+    Portal::OnResponse onResponse(void (RemoteDesktopInjector::*handler)(const PortalResponse&));
+    void onSession(const PortalResponse& response);
+    void onDevices(const PortalResponse& response);
+    bool isStoredConsent() const;
     void close();
     bool notify(KeyCode key, bool isDown);
     void changed();
@@ -57,10 +69,15 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     std::string reason_;
     Way way_ = Way::silently;
     bool isWanted_ = false; ///< between `prepare` and `rest`
+    /// The portal failed, not the user's will: the next dictation tries again.
+    bool isRetryDue_ = false;
+    std::size_t retryCount_ = 0;
     bool isOpening_ = false;
     bool isOpen_ = false;
     std::unique_ptr<PortalSession> session_;
-    std::unique_ptr<QObject> attempt_; ///< receives the responses while a session is opened
+    /// Receives the responses while a session is opened. A response to an earlier attempt is
+    /// ignored.
+    std::unique_ptr<QObject> attempt_;
 };
 
 } // namespace orlune
