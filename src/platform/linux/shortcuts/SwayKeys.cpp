@@ -1,15 +1,15 @@
 #include "platform/linux/shortcuts/SwayKeys.h"
 
+#include "platform/linux/keys/PlaceSymbols.h"
 #include "platform/linux/keys/VirtualKeyCodes.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdlib>
 #include <map>
-#include <memory>
 #include <set>
 #include <sstream>
-#include <xkbcommon/xkbcommon.h>
 
 namespace orlune::sway {
 
@@ -63,30 +63,6 @@ std::string canonical(const std::string& part) {
     return found == names.end() ? text : found->second;
 }
 
-/// The symbol at this position of an American keyboard, as configurations write it.
-std::string symbolInPlace(const std::string& code) {
-    struct Unref {
-        void operator()(xkb_context* context) const { xkb_context_unref(context); }
-        void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-    };
-    static const auto keymap = [] {
-        const std::unique_ptr<xkb_context, Unref> context(
-            xkb_context_new(XKB_CONTEXT_NO_ENVIRONMENT_NAMES));
-        const xkb_rule_names names{
-            .rules = "evdev", .model = "pc105", .layout = "us", .variant = "", .options = ""};
-        return std::unique_ptr<xkb_keymap, Unref>(
-            context ? xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS)
-                    : nullptr);
-    }();
-    const xkb_keysym_t* symbols = nullptr;
-    const auto keycode = static_cast<xkb_keycode_t>(std::atoi(code.c_str()));
-    std::array<char, 64> name{};
-    if (keymap && xkb_keymap_key_get_syms_by_level(keymap.get(), keycode, 0, 0, &symbols) > 0) {
-        xkb_keysym_get_name(symbols[0], name.data(), name.size());
-    }
-    return name.data();
-}
-
 std::set<std::string> partsOf(const std::string& keys) {
     std::set<std::string> parts;
     std::istringstream stream(keys);
@@ -102,7 +78,7 @@ std::set<std::string> partsBySymbol(const Trigger& trigger) {
     if (trigger.isCode) {
         const auto code = trigger.keys.substr(trigger.keys.rfind('+') + 1);
         parts.erase(code);
-        parts.insert(lowered(symbolInPlace(code)));
+        parts.insert(lowered(symbolInPlace(static_cast<std::uint32_t>(std::atoi(code.c_str())))));
     }
     return parts;
 }
