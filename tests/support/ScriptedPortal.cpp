@@ -1,13 +1,35 @@
 #include "tests/support/ScriptedPortal.h"
 
 #include <QDBusArgument>
+#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QList>
 
 #include <stdexcept>
 #include <utility>
 
 namespace orlune::test {
+
+/// One shortcut of a BindShortcuts call, and of its answer.
+struct ScriptedShortcut {
+    QString id;
+    QVariantMap properties;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const ScriptedShortcut& shortcut) {
+    argument.beginStructure();
+    argument << shortcut.id << shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, ScriptedShortcut& shortcut) {
+    argument.beginStructure();
+    argument >> shortcut.id >> shortcut.properties;
+    argument.endStructure();
+    return argument; // NOLINT(bugprone-return-const-ref-from-parameter): as QtDBus wants it
+}
 
 namespace {
 
@@ -18,6 +40,10 @@ const QString connectionName = QStringLiteral("scripted-portal");
 QVariantMap optionsOf(const QDBusMessage& message) {
     const auto arguments = message.arguments();
     return arguments.isEmpty() ? QVariantMap() : qdbus_cast<QVariantMap>(arguments.constLast());
+}
+
+QList<ScriptedShortcut> shortcutsOf(const QDBusMessage& message) {
+    return qdbus_cast<QList<ScriptedShortcut>>(message.arguments().at(1));
 }
 
 QString handle(const char* kind, const QDBusMessage& message, const QString& token) {
@@ -32,6 +58,8 @@ QString handle(const char* kind, const QDBusMessage& message, const QString& tok
 ScriptedPortal::ScriptedPortal(const std::string& busAddress, std::uint32_t version)
     : bus_(QDBusConnection::connectToBus(QString::fromStdString(busAddress), connectionName)),
       version_(version) {
+    qDBusRegisterMetaType<ScriptedShortcut>();
+    qDBusRegisterMetaType<QList<ScriptedShortcut>>();
     if (!bus_.registerVirtualObject(root, this, QDBusConnection::SubPath)
         || !bus_.registerService(service)) {
         throw std::runtime_error("the scripted portal is not on the bus");
@@ -49,6 +77,14 @@ void ScriptedPortal::closeSession() {
         session_, QStringLiteral("org.freedesktop.portal.Session"), QStringLiteral("Closed"));
     closed << QVariantMap();
     bus_.send(closed);
+}
+
+void ScriptedPortal::report(const QString& signal, const QString& shortcut) {
+    auto report = QDBusMessage::createSignal(
+        root, QStringLiteral("org.freedesktop.portal.GlobalShortcuts"), signal);
+    report << QVariant::fromValue(QDBusObjectPath(session_)) << shortcut << qulonglong(0)
+           << QVariantMap();
+    bus_.send(report);
 }
 
 bool ScriptedPortal::handleMessage(const QDBusMessage& message,
@@ -75,6 +111,13 @@ bool ScriptedPortal::handleMessage(const QDBusMessage& message,
         const auto value = options.value(QLatin1String(option));
         if (value.isValid()) {
             call += std::string(" ") + option + '=' + value.toString().toStdString();
+        }
+    }
+    if (member == "BindShortcuts") {
+        for (const auto& shortcut : shortcutsOf(message)) {
+            const auto keys = shortcut.properties.value(QStringLiteral("preferred_trigger"));
+            call += ' ' + shortcut.id.toStdString()
+                    + (keys.isValid() ? '=' + keys.toString().toStdString() : "");
         }
     }
     calls_.push_back(std::move(call));
@@ -112,6 +155,9 @@ void ScriptedPortal::answerRequest(const QDBusMessage& message) {
     }
     if (answer == Answer::granted && method == "Start" && !token_.empty()) {
         results.insert(QStringLiteral("restore_token"), QString::fromStdString(token_));
+    }
+    if (answer != Answer::refused && method == "BindShortcuts") {
+        results.insert(QStringLiteral("shortcuts"), QVariant::fromValue(shortcutsOf(message)));
     }
     auto response = QDBusMessage::createSignal(
         path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));

@@ -36,9 +36,11 @@ class ScriptedPortal final : public QDBusVirtualObject {
     /// What a granted Start returns to recognise the consent by.
     void setToken(std::string token) { token_ = std::move(token); }
     void closeSession();
+    /// Reports a shortcut: "Activated" or "Deactivated".
+    void report(const QString& signal, const QString& shortcut);
 
     /// All calls since the last question, in order, with the options that matter:
-    /// "SelectDevices restore_token=abc".
+    /// "SelectDevices restore_token=abc", "BindShortcuts dictate=F9 cancel".
     std::vector<std::string> takeCalls() { return std::exchange(calls_, {}); }
     const std::vector<std::string>& calls() const { return calls_; }
 

@@ -25,6 +25,8 @@ class ShortcutSource {
 
     /// For the log and the report of `orlune doctor`, such as "sway".
     virtual std::string name() const = 0;
+    /// The desktop has turned out not to offer this. May change when the desktop's service starts.
+    virtual bool isMissing() const { return false; }
     /// Starts to report, replacing the observer before.
     virtual void setObserver(Observer observer) = 0;
     /// Watches this shortcut instead of the one before. Opens no dialog: where the desktop wants

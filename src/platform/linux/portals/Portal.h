@@ -19,7 +19,8 @@ class QDBusServiceWatcher;
 
 namespace orlune {
 
-/// How a request ended. `results` are empty unless it was granted.
+/// How a request ended. `results` are meant for `granted`, but some portals
+/// also send them with `ended`.
 struct PortalResponse {
     enum class Code {
         granted = 0,
