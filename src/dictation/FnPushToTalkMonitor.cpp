@@ -8,8 +8,6 @@
 
 namespace orlune {
 
-namespace {} // namespace
-
 void toggleDictation(AppState& state) {
     using Case = AppState::Phase::Case;
     switch (state.phase().get().kind()) {
@@ -143,7 +141,7 @@ void FnPushToTalkMonitor::handleKeyUp(const KeyEvent& event) {
         return;
     }
     shortcutIsDown_ = false;
-    if (state->activationMode() == ActivationMode::holdToSpeak) {
+    if (listensWhileHeld(*state)) {
         state->endDictation();
     }
 }
@@ -162,12 +160,17 @@ bool FnPushToTalkMonitor::matches(const KeyEvent& event, const AppState& state) 
            && DictationShortcut::Modifiers::from(event.modifierFlags) == shortcut.modifiers;
 }
 
+/// Where the desktop does not report the release, a press would never end: it toggles there.
+bool FnPushToTalkMonitor::listensWhileHeld(const AppState& state) const {
+    return state.activationMode() == ActivationMode::holdToSpeak && keyEvents_.reportsReleases();
+}
+
 void FnPushToTalkMonitor::transition(bool held, AppState& state) {
     if (held == shortcutIsDown_) {
         return;
     }
     shortcutIsDown_ = held;
-    if (state.activationMode() == ActivationMode::holdToSpeak) {
+    if (listensWhileHeld(state)) {
         if (held) {
             state.beginDictation();
         } else {

@@ -39,6 +39,7 @@ class FnPushToTalkMonitor : public std::enable_shared_from_this<FnPushToTalkMoni
     void handleKeyUp(const KeyEvent& event);
     bool consumes(const KeyEvent& event) const;
     static bool matches(const KeyEvent& event, const AppState& state);
+    bool listensWhileHeld(const AppState& state) const;
     void transition(bool held, AppState& state);
 
     KeyEvents& keyEvents_;

@@ -47,6 +47,11 @@ ActivationModeCard::ActivationModeCard(ActivationMode mode, std::function<void()
 
 ActivationModeCard::~ActivationModeCard() = default;
 
+void ActivationModeCard::setHint(const QString& hint) {
+    setToolTip(hint);
+    setAccessibleDescription(hint);
+}
+
 void ActivationModeCard::showSelection() {
     mark_->setName(isChecked() ? QStringLiteral("checkmark.circle.fill")
                                : QStringLiteral("circle"));

@@ -28,6 +28,8 @@ class ActivationModeCard final : public QRadioButton {
     ActivationModeCard(ActivationMode mode, std::function<void()> action);
     ~ActivationModeCard() override;
 
+    /// A remark on hover and for screen readers, such as why the mode works differently here.
+    void setHint(const QString& hint);
     void setSelected(bool isSelected) { setChecked(isSelected); }
 
     QSize sizeHint() const override;

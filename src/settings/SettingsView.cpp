@@ -58,11 +58,17 @@ QWidget* footer() {
     return ui::padded(label, {.horizontal = 4});
 }
 
+QString noReleasesHint() {
+    return QStringLiteral("This desktop doesn't report when this shortcut is released: press it "
+                          "again to finish. With a key such as F9, without modifiers, holding "
+                          "works.");
+}
+
 } // namespace
 
 SettingsView::SettingsView(std::shared_ptr<AppState> state, const Platform& platform)
-    : state_(std::move(state)), keychain_(platform.secretItems), permissions_(*this, platform),
-      observation_(*this, [this] { refresh(); }) {
+    : state_(std::move(state)), keyEvents_(platform.keyEventMonitors), keychain_(platform.secretItems),
+      permissions_(*this, platform), observation_(*this, [this] { refresh(); }) {
     setFixedSize(contentSize);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -211,6 +217,9 @@ void SettingsView::discardEntry() {
 void SettingsView::refresh() {
     for (std::size_t index = 0; index < cards_.size(); ++index) {
         cards_[index]->setSelected(state_->activationMode() == allActivationModes.at(index));
+        const bool isHold = allActivationModes.at(index) == ActivationMode::holdToSpeak;
+        cards_[index]->setHint(isHold && !keyEvents_.reportsReleases() ? noReleasesHint()
+                                                                       : QString());
     }
     recorder_->setShortcut(state_->shortcut());
     isEnabled_->setChecked(state_->isEnabled());

@@ -50,6 +50,7 @@ class SettingsView final : public QWidget {
     void refreshKey();
 
     const std::shared_ptr<AppState> state_;
+    KeyEvents& keyEvents_;
     const KeychainStore keychain_;
     PermissionStatus permissions_;
 

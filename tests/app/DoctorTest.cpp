@@ -62,6 +62,11 @@ TEST(DoctorTest, judgesDesktops) {
     facts.display->isXwayland = true;
     EXPECT_EQ(troubles(checkDesktop(facts)), "seeing the shortcut: warning; pasting: warning; ");
     facts.wayland.emplace();
+    facts.hasPortalShortcut = false;
+    EXPECT_EQ(troubles(checkDesktop(facts)), "seeing the shortcut: warning; pasting: warning; ");
+    facts.hasPortalShortcut = true;
+    EXPECT_EQ(troubles(checkDesktop(facts)), "pasting: warning; ");
+    facts.hasPortalShortcut.reset();
     facts.hasGlobalAccel = true;
     facts.hasPortal = true;
     EXPECT_EQ(troubles(checkDesktop(facts)), "pasting: warning; ") << "not allowed yet";

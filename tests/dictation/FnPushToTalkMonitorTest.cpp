@@ -192,6 +192,14 @@ INSTANTIATE_TEST_SUITE_P(
                {flags(none), "failure"}}}),
     [](const auto& row) { return row.param.name; });
 
+TEST(FnPushToTalkMonitorTest, holdingBecomesTappingWhereNoReleaseIsReported) {
+    Watched dictation(fnAlone, hold);
+    dictation.platform.keyEventMonitors.hasReleases = false;
+    EXPECT_EQ(dictation.elsewhere(flags(fn)), "listening");
+    EXPECT_EQ(dictation.elsewhere(flags(none)), "listening");
+    EXPECT_EQ(dictation.elsewhere(flags(fn)), "processing");
+}
+
 struct Press {
     ActivationMode mode;
     std::string phase;

@@ -56,6 +56,13 @@ TEST_F(SettingsWindowTest, aCardChoosesTheMode) {
     EXPECT_EQ(card->role(), QAccessible::RadioButton);
     EXPECT_EQ(card->text(QAccessible::Name), "Tap to toggle. Press once to start, once to finish");
     EXPECT_TRUE(card->state().checked);
+
+    EXPECT_EQ(button("Hold to speak")->toolTip(), "");
+    dictation.platform.keyEventMonitors.hasReleases = false; // as for other shortcuts on GNOME
+    dictation.state().setShortcut({49, {DictationShortcut::Modifiers::control}});
+    settle();
+    EXPECT_TRUE(button("Hold to speak")->toolTip().contains("press it again to finish"));
+    EXPECT_EQ(button("Tap to toggle")->toolTip(), "");
 }
 
 TEST_F(SettingsWindowTest, switchesAreThoseOfTheState) {

@@ -7,6 +7,7 @@
 #include "app/doctor/NetworkCheck.h"
 #include "app/doctor/Report.h"
 #include "app/doctor/SoundCheck.h"
+#include "platform/linux/portals/GlobalShortcuts.h"
 #include "platform/linux/portals/RemoteDesktopInjector.h"
 #include "platform/linux/secrets/SecretServiceItems.h"
 #include "platform/linux/session/SessionBus.h"
@@ -27,6 +28,23 @@ constexpr std::chrono::seconds networkLimit{5};
 
 constexpr SessionBus::Address trayWatcher{"org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
                                           "org.kde.StatusNotifierWatcher"};
+
+constexpr SessionBus::Address portalShortcuts{"org.freedesktop.portal.Desktop",
+                                              "/org/freedesktop/portal/desktop",
+                                              "org.freedesktop.portal.GlobalShortcuts"};
+
+/// Whether the program would use the portal's shortcuts, and has bound one there.
+std::optional<bool> portalShortcut(const Environment& environment, const DesktopFacts& desktop,
+                                   SessionBus* bus) {
+    const bool isUsed =
+        desktop.wayland && desktop.hasPortal && !desktop.hasSway
+        && !environment.contains("KDE_SESSION_VERSION")
+        && (!desktop.wayland->hasVirtualKeyboard || desktop.wayland->hasHyprlandShortcuts);
+    if (!isUsed || !bus || bus->number(portalShortcuts, "version").value_or(0) == 0) {
+        return std::nullopt;
+    }
+    return std::filesystem::exists(stateFolder(environment) / GlobalShortcuts::boundFile);
+}
 
 Findings examine() {
     const auto environment = processEnvironment();
@@ -52,6 +70,7 @@ Findings examine() {
                              && answers("org.kde.kglobalaccel", "/kglobalaccel");
     desktop.hasPortal =
         answers("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");
+    desktop.hasPortalShortcut = portalShortcut(environment, desktop, bus.get());
     desktop.isPastingAllowed =
         std::filesystem::exists(stateFolder(environment) / RemoteDesktopInjector::tokenFile);
     desktop.hasTrayHost =

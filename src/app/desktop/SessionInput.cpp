@@ -5,6 +5,7 @@
 #include "platform/linux/paste/InjectedPaste.h"
 #include "platform/linux/paste/QtPasteboard.h"
 #include "platform/linux/paste/XTestKeyPoster.h"
+#include "platform/linux/portals/GlobalShortcuts.h"
 #include "platform/linux/portals/Portal.h"
 #include "platform/linux/portals/RemoteDesktopInjector.h"
 #include "platform/linux/portals/TokenStore.h"
@@ -28,9 +29,11 @@ struct SessionInput::Parts {
     std::unique_ptr<WaylandConnection> wayland;
     std::unique_ptr<Portal> portal;
     std::unique_ptr<TokenStore> tokens;
+    std::unique_ptr<TokenStore> boundShortcuts;
     std::unique_ptr<ShortcutSource> source;
     std::unique_ptr<KeyInjector> injector;
-    /// Whether the injected keys combine with the modifiers that the user holds.
+    /// Whether the injected keys combine with the modifiers that the user holds. A virtual keyboard
+    /// has its own.
     bool sharesModifiers = false;
     std::unique_ptr<DataControlPasteboard> dataControl;
     std::unique_ptr<QtPasteboard> clipboard;
@@ -55,7 +58,12 @@ void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration
         injector = VirtualKeyboard::open(*wayland);
         dataControl = DataControlPasteboard::open(*wayland);
     }
-    if (!injector && (portal = Portal::open())) {
+    // Hyprland, where the portal is needed only for the shortcut.
+    const bool hasPortalShortcuts = wayland && wayland->offers(hyprlandShortcuts, 1);
+    if (!injector || hasPortalShortcuts) {
+        portal = Portal::open();
+    }
+    if (!injector && portal) {
         tokens = std::make_unique<TokenStore>(stateFolder(processEnvironment()),
                                               RemoteDesktopInjector::tokenFile);
         injector = std::make_unique<RemoteDesktopInjector>(*portal, *tokens);
@@ -64,8 +72,18 @@ void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration
     source = SwayBindings::open(swaySocket(), configuration.fnKey);
     // From version 6 on, Plasma also shows X clients these keys, with press and release of
     // modifiers, for which its service then reports only the release.
-    if (!source && qgetenv("KDE_SESSION_VERSION") == "5") {
+    const auto plasma = qgetenv("KDE_SESSION_VERSION");
+    if (!source && plasma == "5") {
         source = KGlobalAccel::open(QDBusConnection::sessionBus(), configuration.fnKey);
+    }
+    if (!source && plasma.isEmpty() && portal) {
+        boundShortcuts = std::make_unique<TokenStore>(stateFolder(processEnvironment()),
+                                                      GlobalShortcuts::boundFile);
+        source = std::make_unique<GlobalShortcuts>(
+            *portal, *boundShortcuts,
+            GlobalShortcuts::Surroundings{
+                .functionKey = configuration.fnKey,
+                .desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString()});
     }
 }
 
@@ -91,11 +109,11 @@ void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration
     const auto chord = configuration.pastesWithControlV ? InjectedPaste::Chord::controlV
                                                         : InjectedPaste::Chord::shiftInsert;
     posting = std::make_unique<InjectedPaste>(
-        *injector, InjectedPaste::Surroundings{
-                       .chord = chord,
-                       .ownPrimarySelection = [this] { return ownPrimarySelection(); },
-                       // A virtual keyboard has its own modifiers, separate from the user's.
-                       .isShortcutHeld = [] { return false; }});
+        *injector,
+        InjectedPaste::Surroundings{
+            .chord = chord,
+            .ownPrimarySelection = [this] { return ownPrimarySelection(); },
+            .isShortcutHeld = [this] { return sharesModifiers && keys->areKeysHeld(); }});
 }
 
 void SessionInput::Parts::log(const Logger& logger) const {

@@ -53,6 +53,15 @@ Finding keyObservation(const DesktopFacts& facts) {
         return {name, State::ok,
                 "in every program, by KGlobalAccel; Fn is \"" + facts.functionKeyName + "\""};
     }
+    if (facts.hasPortalShortcut.value_or(false)) {
+        return {name, State::ok, "in every program, by the GlobalShortcuts portal"};
+    }
+    if (facts.hasPortalShortcut) {
+        return {
+            name, State::warning, "not before you allow it",
+            "Choose a key without modifiers, such as F9: this desktop loses the release of "
+            "others. Then open Accessibility in the settings of Orlune: the desktop asks once."};
+    }
     if (isWayland(facts)) {
         return {name, State::warning, "only while an X11 window has the keyboard",
                 "Bind a shortcut of your desktop to \"orlune toggle\", which works everywhere, or "

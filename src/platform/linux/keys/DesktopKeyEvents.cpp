@@ -78,12 +78,12 @@ void DesktopKeyEvents::watchEscape(bool isWanted) {
 }
 
 bool DesktopKeyEvents::reportsReleases() {
-    return !surroundings_.source || surroundings_.source->reportsReleases();
+    return !source() || source()->reportsReleases();
 }
 
 std::string DesktopKeyEvents::reasonForUnavailability() {
-    if (surroundings_.source) {
-        return surroundings_.source->reasonForUnavailability();
+    if (source()) {
+        return source()->reasonForUnavailability();
     }
     return connect() ? watch_->reasonForUnavailability() : noDisplayReason;
 }
@@ -92,6 +92,11 @@ std::string DesktopKeyEvents::functionKeyStandIn() {
     const bool hasStandIn =
         connect() && functionKey_ && !isFunctionKey(surroundings_.functionKeyName);
     return hasStandIn ? keyInWords(surroundings_.functionKeyName) : std::string();
+}
+
+ShortcutSource* DesktopKeyEvents::source() const {
+    auto* const source = surroundings_.source;
+    return source && !source->isMissing() ? source : nullptr;
 }
 
 bool DesktopKeyEvents::connect() {
@@ -162,7 +167,7 @@ void DesktopKeyEvents::tell(const KeyEdges::Edge& edge) {
     const auto& [keycode, event] = edge;
     if (!surroundings_.ownWindowHasKeyboard()) {
         answers_.erase(keycode);
-        if (!surroundings_.source && watch_->reasonForUnavailability().empty()) {
+        if (!source() && watch_->reasonForUnavailability().empty()) {
             global_.offer(event);
         }
         return;

@@ -75,6 +75,8 @@ class DesktopKeyEvents final : public KeyEvents {
         bool isPressReceived = false;
     };
 
+    /// None where raw keys are what there is.
+    ShortcutSource* source() const;
     bool connect();
     void resolveRoles();
     void receive(const RawKeyWatch::Key& key);

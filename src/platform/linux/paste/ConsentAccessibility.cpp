@@ -20,7 +20,7 @@ bool ConsentAccessibility::isProcessTrustedWithOptions(bool prompt) {
         if (prompt_) {
             prompt_(reason);
         }
-        isAskingForShortcut_ = source_ && !source_->reasonForUnavailability().empty();
+        isAskingForShortcut_ = !reasonOfSource().empty();
         if (isAskingForShortcut_) {
             source_->requestAccess();
         } else {
@@ -31,12 +31,17 @@ bool ConsentAccessibility::isProcessTrustedWithOptions(bool prompt) {
 }
 
 std::string ConsentAccessibility::reasonForDistrust() {
-    const auto reason = source_ ? source_->reasonForUnavailability() : std::string();
+    const auto reason = reasonOfSource();
     return reason.empty() ? injector_.reasonForUnavailability() : reason;
 }
 
+/// Where the source is missing, the user has bound a command to a key of the desktop.
+std::string ConsentAccessibility::reasonOfSource() const {
+    return source_ && !source_->isMissing() ? source_->reasonForUnavailability() : std::string();
+}
+
 void ConsentAccessibility::sourceChanged() {
-    if (isAskingForShortcut_ && source_->reasonForUnavailability().empty()) {
+    if (isAskingForShortcut_ && reasonOfSource().empty()) {
         isAskingForShortcut_ = false;
         if (!injector_.reasonForUnavailability().empty()) {
             injector_.requestAccess();

@@ -29,6 +29,8 @@ class ConsentAccessibility final : public Accessibility {
     void sourceChanged();
 
   private:
+    std::string reasonOfSource() const;
+
     ShortcutSource* source_;
     KeyInjector& injector_;
     Prompt prompt_;

@@ -2,6 +2,7 @@
 
 #include <systemd/sd-bus.h>
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -102,18 +103,26 @@ void SessionBus::tell(const Address& address, const char* method) {
     }
 }
 
-std::optional<bool> SessionBus::flag(const Address& address, const char* property) {
+bool SessionBus::readProperty(const Address& address, const char* property, char type,
+                              void* value) {
     const auto message = methodCall(bus_, address, "org.freedesktop.DBus.Properties", "Get");
     if (!message || sd_bus_message_append(message.get(), "ss", address.interface, property) < 0) {
-        return std::nullopt;
+        return false;
     }
     Error error;
     const auto reply = answerTo(bus_, message.get(), error);
+    const std::array contents{type, '\0'};
+    return reply && sd_bus_message_read(reply.get(), "v", contents.data(), value) >= 0;
+}
+
+std::optional<bool> SessionBus::flag(const Address& address, const char* property) {
     int isSet = 0; // D-Bus passes booleans as int
-    if (!reply || sd_bus_message_read(reply.get(), "v", "b", &isSet) < 0) {
-        return std::nullopt;
-    }
-    return isSet != 0;
+    return readProperty(address, property, 'b', &isSet) ? std::optional(isSet != 0) : std::nullopt;
+}
+
+std::optional<std::uint32_t> SessionBus::number(const Address& address, const char* property) {
+    std::uint32_t number = 0;
+    return readProperty(address, property, 'u', &number) ? std::optional(number) : std::nullopt;
 }
 
 } // namespace orlune

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,9 +49,13 @@ class SessionBus {
     void tell(const Address& address, const char* method);
     /// A boolean property; none when no program answers.
     std::optional<bool> flag(const Address& address, const char* property);
+    /// The same for a number.
+    std::optional<std::uint32_t> number(const Address& address, const char* property);
 
   private:
     explicit SessionBus(sd_bus* bus) : bus_(bus) {}
+    /// Reads into `value` what `type` says, in the letters of D-Bus.
+    bool readProperty(const Address& address, const char* property, char type, void* value);
 
     sd_bus* bus_;
 };

@@ -18,6 +18,9 @@ struct wl_seat;
 
 namespace orlune {
 
+/// The interface of Hyprland's own shortcuts, which its portal reports.
+inline constexpr auto hyprlandShortcuts = "hyprland_global_shortcuts_manager_v1";
+
 class WaylandConnection {
   public:
     /// Null when no compositor answers within two seconds. An empty name means the WAYLAND_DISPLAY

@@ -12,7 +12,8 @@ std::optional<WaylandFacts> WaylandFacts::read() {
         return std::nullopt;
     }
     return WaylandFacts{.hasVirtualKeyboard = VirtualKeyboard::open(*connection) != nullptr,
-                        .hasDataControl = DataControlPasteboard::open(*connection) != nullptr};
+                        .hasDataControl = DataControlPasteboard::open(*connection) != nullptr,
+                        .hasHyprlandShortcuts = connection->offers(hyprlandShortcuts, 1)};
 }
 
 } // namespace orlune

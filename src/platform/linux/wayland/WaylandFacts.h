@@ -9,6 +9,7 @@ namespace orlune {
 struct WaylandFacts {
     bool hasVirtualKeyboard = false;
     bool hasDataControl = false;
+    bool hasHyprlandShortcuts = false; ///< its portal reports shortcuts
 
     /// None when no compositor answers.
     static std::optional<WaylandFacts> read();
