@@ -104,6 +104,28 @@ function(orlune_check_links name)
     endforeach()
 endfunction()
 
+# orlune_wayland_protocols(<name> <XML files...>)
+# A library of protocols as C, written by wayland-scanner, for the client's side. Headers are called
+# <file>-client-protocol.h.
+function(orlune_wayland_protocols name)
+    find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
+    set(sources "")
+    foreach(xml IN LISTS ARGN)
+        cmake_path(GET xml STEM protocol)
+        set(header ${CMAKE_CURRENT_BINARY_DIR}/${protocol}-client-protocol.h)
+        set(code ${CMAKE_CURRENT_BINARY_DIR}/${protocol}-protocol.c)
+        add_custom_command(OUTPUT ${header} DEPENDS ${xml} VERBATIM
+            COMMAND ${WAYLAND_SCANNER} client-header ${xml} ${header})
+        add_custom_command(OUTPUT ${code} DEPENDS ${xml} VERBATIM
+            COMMAND ${WAYLAND_SCANNER} private-code ${xml} ${code})
+        list(APPEND sources ${header} ${code})
+    endforeach()
+    add_library(${name} STATIC ${sources})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(${name} SYSTEM INTERFACE ${CMAKE_CURRENT_BINARY_DIR})
+    target_link_libraries(${name} PUBLIC PkgConfig::Wayland)
+endfunction()
+
 # orlune_test(<name> [VIEWS] SOURCES <files...> LINK <targets...>)
 # VIEWS: with an application that draws in memory.
 function(orlune_test name)

@@ -8,7 +8,7 @@
 #include "platform/memory/MemoryLog.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/RunningOrlune.h"
-#include "tests/desktop/wayland/Hands.h"
+#include "tests/desktop/wayland/UserKeyboard.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,23 +16,13 @@
 namespace orlune {
 namespace {
 
+namespace key = desktop::key;
+
 using desktop::RunningOrlune;
 using desktop::waitUntil;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using Modifiers = DictationShortcut::Modifiers;
-
-// The kernel's codes.
-namespace key {
-constexpr desktop::Hands::KeyCode escape = 1;
-constexpr desktop::Hands::KeyCode leftControl = 29;
-constexpr desktop::Hands::KeyCode a = 30;
-constexpr desktop::Hands::KeyCode leftShift = 42;
-constexpr desktop::Hands::KeyCode leftAlt = 56;
-constexpr desktop::Hands::KeyCode space = 57;
-constexpr desktop::Hands::KeyCode rightControl = 97;
-constexpr desktop::Hands::KeyCode insert = 110;
-} // namespace key
 
 bool isSway() {
     return std::getenv("SWAYSOCK") != nullptr;
@@ -73,7 +63,7 @@ class Window {
 
 class WaylandSession : public testing::Test {
   protected:
-    desktop::Hands hands;
+    std::unique_ptr<desktop::UserKeyboard> hands = desktop::UserKeyboard::open();
 };
 
 TEST_F(WaylandSession, BothSelectionsCarryTheWholeTextToANativeWindow) {
@@ -91,7 +81,7 @@ TEST_F(WaylandSession, BothSelectionsCarryTheWholeTextToANativeWindow) {
         EXPECT_TRUE(desktop::run({"sh", "-c", std::string("wl-paste -n ") + selection}) == text);
     }
     const Window window;
-    hands.tap({key::leftShift, key::insert});
+    hands->tap({key::leftShift, key::insert});
     EXPECT_TRUE(window.receives(text)) << window.text().size();
 
     // Another program copies; the other selection stays ours.
@@ -147,11 +137,11 @@ TEST_F(WaylandDictation, TapToToggleReviewsAndInserts) {
     const Window window;
     start();
     for (int dictation = 1; dictation <= 2; ++dictation) {
-        hands.tap({key::rightControl});
+        hands->tap({key::rightControl});
         ASSERT_TRUE(reaches("listening"));
-        hands.tap({key::rightControl});
+        hands->tap({key::rightControl});
         ASSERT_TRUE(reaches("reviewing"));
-        hands.tap({key::rightControl});
+        hands->tap({key::rightControl});
         const std::string text = RunningOrlune::understoodWords;
         EXPECT_TRUE(window.receives(dictation == 1 ? text : text + text))
             << window.text() << orlune_.program().standardError();
@@ -165,21 +155,21 @@ TEST_F(WaylandDictation, HoldToSpeakListensWhileTheKeyIsDown) {
     const Window window;
     start();
     for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
-        hands.press(code);
+        hands->press(code);
     }
     ASSERT_TRUE(reaches("listening"));
     for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
-        hands.release(code);
+        hands->release(code);
     }
     ASSERT_TRUE(reaches("reviewing"));
     EXPECT_THAT(window.text(), IsEmpty());
     for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
-        hands.press(code);
+        hands->press(code);
     }
     // In sway the paste has its own modifiers; elsewhere it waits until these are released.
     if (!isSway()) {
         for (const auto code : {key::leftControl, key::leftAlt, key::space}) {
-            hands.release(code);
+            hands->release(code);
         }
     }
     EXPECT_TRUE(window.receives(RunningOrlune::understoodWords)) << window.text();
@@ -188,15 +178,15 @@ TEST_F(WaylandDictation, HoldToSpeakListensWhileTheKeyIsDown) {
 TEST_F(WaylandDictation, EscapeIsTakenOnlyDuringADictation) {
     const Window window;
     start();
-    hands.tap({key::escape});
+    hands->tap({key::escape});
     // A text field does not show it.
     const std::string escape = isSway() ? "\x1b" : "";
     EXPECT_TRUE(window.receives(escape));
-    hands.tap({key::rightControl});
+    hands->tap({key::rightControl});
     ASSERT_TRUE(reaches("listening"));
-    hands.tap({key::escape});
+    hands->tap({key::escape});
     EXPECT_TRUE(reaches("idle"));
-    hands.tap({key::a});
+    hands->tap({key::a});
     EXPECT_TRUE(window.receives(escape + "a")) << window.text();
 }
 
@@ -207,14 +197,14 @@ TEST_F(SwayDictation, TheShortcutOutlivesAReloadAndALostRelease) {
     start();
     desktop::run({"swaymsg", "reload"});
     awaitLog("The shortcut is bound", 2);
-    hands.tap({key::rightControl});
+    hands->tap({key::rightControl});
     ASSERT_TRUE(reaches("listening"));
     // Another key while the shortcut is down: sway does not report its release.
-    hands.press(key::rightControl);
-    hands.tap({key::a});
-    hands.release(key::rightControl);
+    hands->press(key::rightControl);
+    hands->tap({key::a});
+    hands->release(key::rightControl);
     ASSERT_TRUE(reaches("reviewing"));
-    hands.tap({key::rightControl});
+    hands->tap({key::rightControl});
     EXPECT_TRUE(waitUntil(
         [&] { return window.text().find(RunningOrlune::understoodWords) != std::string::npos; }));
 }
