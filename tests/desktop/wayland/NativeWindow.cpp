@@ -2,8 +2,6 @@
 
 #include "tests/desktop/Desktop.h"
 
-#include <QStandardPaths>
-
 #include <stdexcept>
 
 namespace orlune::desktop {
@@ -33,19 +31,6 @@ QStringList command(Toolkit toolkit) {
 }
 
 } // namespace
-
-std::string NativeWindow::reasonForAbsence(Toolkit toolkit) {
-    if (command(toolkit).constFirst().isEmpty()) {
-        return "built without libgtk-4-dev";
-    }
-    if (toolkit == Toolkit::terminal) {
-        const auto program = terminal().constFirst();
-        if (QStandardPaths::findExecutable(program).isEmpty()) {
-            return program.toStdString() + " is not installed";
-        }
-    }
-    return "";
-}
 
 NativeWindow::NativeWindow(Toolkit toolkit) {
     const auto words = command(toolkit);

@@ -16,9 +16,6 @@ class NativeWindow {
         terminal, ///< GNOME's and sway's is foot, Plasma's is Konsole
     };
 
-    /// Why there can be no such window here; empty when there can.
-    static std::string reasonForAbsence(Toolkit toolkit);
-
     /// Opens it and waits until it has the keyboard. Throws std::runtime_error when it never does.
     explicit NativeWindow(Toolkit toolkit);
     ~NativeWindow();

@@ -1,6 +1,6 @@
 // The keyboard of the user of a Wayland session, by the kernel's key codes
-// (linux/input-event-codes.h). Only tests and their tools use it: it goes by means that no program
-// of a user's should. Keep one open for the whole session, because some compositors take the seat's
+// (linux/input-event-codes.h). Only for tests and their tools: it uses interfaces that no program
+// should use. Keep one open for the whole session, because some compositors take the seat's
 // keyboard away when it closes, and lose keys when it comes back. Main thread.
 #pragma once
 
@@ -14,16 +14,16 @@ class UserKeyboard {
   public:
     using Key = std::uint16_t;
 
-    /// By what this session's compositor offers; throws std::runtime_error when it offers nothing.
+    /// Uses what this compositor offers; throws std::runtime_error when it offers nothing.
     static std::unique_ptr<UserKeyboard> open();
-    /// Every key must be up.
+    /// Every key must have been released.
     virtual ~UserKeyboard() = default;
 
-    /// The key is on its way when it returns. Throws std::runtime_error when the compositor
+    /// The key has been sent when it returns. Throws std::runtime_error when the compositor
     /// refuses.
     void press(Key key);
     void release(Key key);
-    /// One after the other, and up again in the opposite order.
+    /// Presses them in this order, and releases them in the reverse order.
     void tap(const std::vector<Key>& keys);
 
   protected:

@@ -8,6 +8,7 @@
 #include "platform/memory/MemoryLog.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/RunningOrlune.h"
+#include "tests/desktop/wayland/NativeWindow.h"
 #include "tests/desktop/wayland/UserKeyboard.h"
 
 #include <gmock/gmock.h>
@@ -145,6 +146,25 @@ TEST_F(WaylandDictation, TapToToggleReviewsAndInserts) {
         const std::string text = RunningOrlune::understoodWords;
         EXPECT_TRUE(window.receives(dictation == 1 ? text : text + text))
             << window.text() << orlune_.program().standardError();
+        EXPECT_TRUE(reaches("idle"));
+    }
+}
+
+/// Each toolkit pastes another of the two selections.
+TEST_F(WaylandDictation, GoesIntoEveryKindOfWindow) {
+    using Toolkit = desktop::NativeWindow::Toolkit;
+    start();
+    for (const auto toolkit : {Toolkit::gtk, Toolkit::qt, Toolkit::terminal}) {
+        desktop::NativeWindow window(toolkit);
+        hands->tap({key::rightControl});
+        ASSERT_TRUE(reaches("listening"));
+        hands->tap({key::rightControl});
+        ASSERT_TRUE(reaches("reviewing"));
+        EXPECT_TRUE(window.hasKeyboard());
+        EXPECT_EQ(window.text(), "");
+        hands->tap({key::rightControl});
+        EXPECT_TRUE(window.receives(RunningOrlune::understoodWords)) << window.text();
+        EXPECT_TRUE(window.hasKeyboard());
         EXPECT_TRUE(reaches("idle"));
     }
 }
