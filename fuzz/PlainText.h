@@ -15,7 +15,7 @@ inline bool isOneCleanLine(const std::string& text) {
     const auto size = static_cast<std::int32_t>(text.size());
     for (std::int32_t at = 0; at < size;) {
         UChar32 character = 0;
-        U8_NEXT(bytes, at, size, character);
+        U8_NEXT(bytes, at, size, character); // NOLINT(bugprone-inc-dec-in-conditions)
         if (character < 0 || u_charType(character) == U_CONTROL_CHAR) {
             return false;
         }
