@@ -67,8 +67,9 @@ QString noReleasesHint() {
 } // namespace
 
 SettingsView::SettingsView(std::shared_ptr<AppState> state, const Platform& platform)
-    : state_(std::move(state)), keyEvents_(platform.keyEventMonitors), keychain_(platform.secretItems),
-      permissions_(*this, platform), observation_(*this, [this] { refresh(); }) {
+    : state_(std::move(state)), keyEvents_(platform.keyEventMonitors),
+      keychain_(platform.secretItems), permissions_(*this, platform),
+      observation_(*this, [this] { refresh(); }) {
     setFixedSize(contentSize);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

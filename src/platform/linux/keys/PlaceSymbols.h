@@ -1,6 +1,6 @@
-// The symbols of an American keyboard, by the positions of its keys. Desktops that bind symbols look
-// for the key with that symbol on the user's layout, where a letter may be in another position. A
-// pure function, usable on any thread.
+// The symbols of an American keyboard, by the positions of its keys. Desktops that bind symbols
+// look for the key with that symbol on the user's layout, where a letter may be in another
+// position. A pure function, usable on any thread.
 #pragma once
 
 #include <cstdint>
