@@ -20,7 +20,10 @@ RepeatedPresses::Edges RepeatedPresses::reportPress(Time now) {
     case State::up:
         state_ = State::down;
         pressedAt_ = now;
-        deadline_ = repeats_ ? std::optional(now + delay_ + longestInterval) : std::nullopt;
+        deadline_.reset();
+        if (const auto delay = repeats_ ? std::optional(delay_) : longestDelay_) {
+            deadline_ = now + *delay + longestInterval;
+        }
         return {Edge::press};
     case State::down:
         state_ = State::doubtful;

@@ -19,6 +19,10 @@ class RepeatedPresses {
     /// may be late.
     static constexpr Time longestInterval{300};
 
+    RepeatedPresses() = default;
+    /// For a desktop that reports no releases: without repeats for this time the key has come up.
+    explicit RepeatedPresses(Time longestDelay) : longestDelay_(longestDelay) {}
+
     Edges reportPress(Time now);
     Edges reportRelease();
     /// When to call `expire`, unless something is reported before.
@@ -44,6 +48,7 @@ class RepeatedPresses {
     /// From a press to its first repeat: GNOME's default, until one was seen.
     Time delay_{500};
     bool repeats_ = false; ///< known once a series was seen
+    std::optional<Time> longestDelay_;
 };
 
 } // namespace orlune

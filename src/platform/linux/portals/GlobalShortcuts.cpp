@@ -108,7 +108,7 @@ void GlobalShortcuts::watch(const KeyCombination& shortcut) {
     const auto released = edges_.setShortcut(shortcut);
     // Deferred, because it must not be reported within this call.
     QMetaObject::invokeMethod(this, [this, released] { report(released); }, Qt::QueuedConnection);
-    trigger_ = portalTriggerFor(shortcut, surroundings_.functionKey);
+    trigger_ = namedShortcutFor(shortcut, surroundings_.functionKey);
     isRetryLeft_ = true;
     close();
     begin();
@@ -166,7 +166,7 @@ void GlobalShortcuts::bind(Way way) {
         shortcuts.prepend(
             {dictate,
              {{description, QStringLiteral("Dictate")},
-              {QStringLiteral("preferred_trigger"), QString::fromStdString(trigger_->text)}}});
+              {QStringLiteral("preferred_trigger"), QString::fromStdString(portalTrigger(*trigger_))}}});
     }
     // Without a limit, a dialog may stay open.
     const auto limit = way == Way::silently
@@ -238,7 +238,7 @@ void GlobalShortcuts::close() {
 }
 
 std::string GlobalShortcuts::record() const {
-    return surroundings_.desktop + ' ' + trigger_->text;
+    return surroundings_.desktop + ' ' + portalTrigger(*trigger_);
 }
 
 bool GlobalShortcuts::isOurs(const QDBusObjectPath& session) const {

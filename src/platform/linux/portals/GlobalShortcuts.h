@@ -6,11 +6,11 @@
 // running.
 #pragma once
 
+#include "platform/linux/keys/NamedShortcut.h"
 #include "platform/linux/keys/RepeatedPresses.h"
 #include "platform/linux/keys/ShortcutEdges.h"
 #include "platform/linux/keys/ShortcutSource.h"
 #include "platform/linux/portals/Portal.h"
-#include "platform/linux/portals/PortalTrigger.h"
 #include "platform/linux/portals/TokenStore.h"
 
 #include <QElapsedTimer>
@@ -94,7 +94,7 @@ class GlobalShortcuts final : public QObject, public ShortcutSource {
     bool isWatching_ = false;
     bool isEscapeWanted_ = false;
     bool isRetryLeft_ = true;
-    std::optional<PortalTrigger> trigger_;
+    std::optional<NamedShortcut> trigger_;
     ShortcutEdges edges_;
     RepeatedPresses presses_;
     QElapsedTimer clock_;

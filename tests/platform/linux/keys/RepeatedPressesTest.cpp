@@ -25,6 +25,8 @@ struct Case {
 
 class Player {
   public:
+    explicit Player(RepeatedPresses presses = {}) : presses_(presses) {}
+
     void play(const std::vector<Report>& reports, int until) {
         for (const auto& report : reports) {
             passTime(report.at);
@@ -102,6 +104,14 @@ TEST(RepeatedPressesTest, aSeriesTeachesWhenARepeatIsMissing) {
     EXPECT_EQ(player.takeEdges(), "+3000 -4300") << "tapped, and the release is lost";
     player.play(held(11000, 1000, 1), 20000);
     EXPECT_EQ(player.takeEdges(), "+11000 -12300") << "the delay of this desktop";
+}
+
+TEST(RepeatedPressesTest, withoutAnyReleaseATapIsOverAfterTheLongestDelay) {
+    Player player(RepeatedPresses(Time(1500)));
+    player.play({{'+', 0}, {'+', 2000}}, 4000);
+    EXPECT_EQ(player.takeEdges(), "+0 -1800 +2000 -3800");
+    player.play(held(5000, 500, 3), 7000);
+    EXPECT_EQ(player.takeEdges(), "+5000 -5860");
 }
 
 TEST(RepeatedPressesTest, aBurstOfLateRepeatsTeachesNothing) {

@@ -26,32 +26,6 @@ constexpr std::uint16_t space = 49;
 constexpr KeyCombination controlOptionSpace{
     .virtualKey = space, .modifiers = ModifierFlags::control | ModifierFlags::option};
 
-TEST(PortalTriggerTest, shortcutsAreWrittenAsThePortalWantsThem) {
-    const struct {
-        KeyCombination shortcut;
-        std::string text; ///< empty when it cannot be written
-        bool isModifierOnly = false;
-    } rows[] = {
-        {{.virtualKey = f9}, "F9"},
-        {controlOptionSpace, "CTRL+ALT+space"},
-        {{.virtualKey = 40, .modifiers = ModifierFlags::shift | ModifierFlags::command},
-         "SHIFT+LOGO+k"},
-        {{.virtualKey = space, .modifiers = ModifierFlags::function}, "CTRL+space"},
-        {{.virtualKey = {}, .modifiers = ModifierFlags::function}, "Control_R", true},
-        {{.virtualKey = {}, .modifiers = ModifierFlags::option}, "Alt_L", true},
-        {{.virtualKey = {}, .modifiers = ModifierFlags::option | ModifierFlags::shift}, ""},
-    };
-    for (const auto& [shortcut, text, isModifierOnly] : rows) {
-        const auto trigger = portalTriggerFor(shortcut, "Control_R");
-        EXPECT_EQ(trigger ? trigger->text : "", text);
-        EXPECT_EQ(trigger && trigger->isModifierOnly, isModifierOnly) << text;
-    }
-    EXPECT_FALSE(portalTriggerFor({.virtualKey = {}, .modifiers = ModifierFlags::function}, ""));
-    EXPECT_EQ(
-        portalTriggerFor({.virtualKey = {}, .modifiers = ModifierFlags::function}, "F8")->text,
-        "F8");
-}
-
 struct GlobalShortcutsTest : Test {
     void start(const std::string& bound, std::uint32_t version = 1) {
         tokens.set(bound);
