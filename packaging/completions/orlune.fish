@@ -1,6 +1,7 @@
 complete -c orlune -f
 
 set -l first '__fish_is_nth_token 1'
+complete -c orlune -n $first -a press -d 'The same, for a key that repeats'
 complete -c orlune -n $first -a toggle -d 'Start a dictation, finish it, confirm it'
 complete -c orlune -n $first -a start -d 'Start a dictation'
 complete -c orlune -n $first -a stop -d 'End the recording'

@@ -140,6 +140,9 @@ std::optional<std::string> OrluneApp::perform(RemoteRequest request) {
     case RemoteRequest::toggle:
         toggleDictation(*state_);
         break;
+    case RemoteRequest::press:
+        press_.run();
+        break;
     case RemoteRequest::start:
         state_->beginDictation();
         break;

@@ -5,6 +5,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppWindows.h"
+#include "app/PressCommand.h"
 #include "app/commands/CommandLine.h"
 #include "app/desktop/TerminationSignals.h"
 #include "app/remote/RemoteControl.h"
@@ -52,6 +53,7 @@ class OrluneApp {
     const TerminationSignals& signals_;
     RemoteControl remote_;
     std::shared_ptr<AppState> state_;
+    PressCommand press_{[this] { toggleDictation(*state_); }};
     std::optional<AppWindows> windows_;
     std::optional<AppDelegate> delegate_;
     std::optional<StatusItem> statusItem_;

@@ -1,6 +1,7 @@
 #include "app/desktop/SessionInput.h"
 
 #include "platform/linux/keys/DesktopKeyEvents.h"
+#include "platform/linux/keys/FirstShortcutSource.h"
 #include "platform/linux/paste/ConsentAccessibility.h"
 #include "platform/linux/paste/InjectedPaste.h"
 #include "platform/linux/paste/QtPasteboard.h"
@@ -9,6 +10,7 @@
 #include "platform/linux/portals/Portal.h"
 #include "platform/linux/portals/RemoteDesktopInjector.h"
 #include "platform/linux/portals/TokenStore.h"
+#include "platform/linux/shortcuts/GnomeCustomShortcut.h"
 #include "platform/linux/shortcuts/KGlobalAccel.h"
 #include "platform/linux/shortcuts/SwayBindings.h"
 #include "platform/linux/storage/ConfigurationFolder.h"
@@ -84,6 +86,9 @@ void SessionInput::Parts::findWayland(const PlatformConfiguration& configuration
             GlobalShortcuts::Surroundings{
                 .functionKey = configuration.fnKey,
                 .desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString()});
+        if (auto custom = GnomeCustomShortcut::open(configuration.fnKey)) {
+            source = std::make_unique<FirstShortcutSource>(std::move(source), std::move(custom));
+        }
     }
 }
 

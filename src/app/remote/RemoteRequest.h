@@ -9,7 +9,18 @@
 
 namespace orlune {
 
-enum class RemoteRequest { toggle, start, stop, confirm, cancel, recover, show, settings, quit };
+enum class RemoteRequest {
+    toggle,
+    press,
+    start,
+    stop,
+    confirm,
+    cancel,
+    recover,
+    show,
+    settings,
+    quit
+};
 
 struct RemoteRequestText {
     RemoteRequest request;
@@ -20,6 +31,8 @@ struct RemoteRequestText {
 inline constexpr std::array remoteRequests{
     RemoteRequestText{RemoteRequest::toggle, "toggle",
                       "start a dictation, finish it, confirm it: whatever comes next"},
+    RemoteRequestText{RemoteRequest::press, "press",
+                      "the same for a key of the desktop, whose repeats do not count"},
     RemoteRequestText{RemoteRequest::start, "start", "start a dictation, or confirm a review"},
     RemoteRequestText{RemoteRequest::stop, "stop", "stop listening and take what was said"},
     RemoteRequestText{RemoteRequest::confirm, "confirm", "insert the prompt under review"},

@@ -35,11 +35,15 @@ class GnomeDictation : public testing::Test {
   protected:
     void SetUp() override {
         const auto toggle =
-            addShortcut("dictate", "<Ctrl><Alt>d", std::string(ORLUNE_PROGRAM) + " toggle");
+            addShortcut("dictate", "<Ctrl><Alt>d", std::string(ORLUNE_PROGRAM) + " press");
         const auto mark = folder_.path() / "bound";
         const auto touch = addShortcut("mark", "<Ctrl><Alt>a", "touch " + mark.string());
         run({"gsettings", "set", schema, "custom-keybindings",
              "['" + toggle + "', '" + touch + "']"});
+        // The program has a configuration of its own, but this part of it is the desktop's.
+        std::filesystem::create_directory_symlink(
+            std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "dconf",
+            orlune.settings().parent_path() / "dconf");
         ASSERT_TRUE(waitUntil([&] {
             hands->tap({key::leftControl, key::leftAlt, key::a});
             return std::filesystem::exists(mark);

@@ -70,7 +70,9 @@ void RepeatedPresses::reset() {
 }
 
 bool RepeatedPresses::isFirstRepeat() const {
-    return std::chrono::abs(pressedAgainAt_ - pressedAt_ - delay_) <= tolerance;
+    // Where there are no releases, a second press at this moment is likelier than a key that comes
+    // up right after its first repeat.
+    return !longestDelay_ && std::chrono::abs(pressedAgainAt_ - pressedAt_ - delay_) <= tolerance;
 }
 
 } // namespace orlune

@@ -112,6 +112,8 @@ TEST(RepeatedPressesTest, withoutAnyReleaseATapIsOverAfterTheLongestDelay) {
     EXPECT_EQ(player.takeEdges(), "+0 -1800 +2000 -3800");
     player.play(held(5000, 500, 3), 7000);
     EXPECT_EQ(player.takeEdges(), "+5000 -5860");
+    player.play({{'+', 10000}, {'+', 10500}}, 20000);
+    EXPECT_EQ(player.takeEdges(), "+10000 -10800 +10800 -11300") << "two presses";
 }
 
 TEST(RepeatedPressesTest, aBurstOfLateRepeatsTeachesNothing) {
