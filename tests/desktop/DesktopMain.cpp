@@ -44,7 +44,11 @@ int main(int argc, char** argv) {
         runInSession(std::move(gtestArguments), argc - 1, argv + 1);
         return EXIT_FAILURE;
     }
-    QGuiApplication application(argc, argv);
+    // The test itself is an X client in every session, and no program that it starts is made one.
+    const auto chosen = qgetenv("QT_QPA_PLATFORM");
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    const QGuiApplication application(argc, argv);
+    chosen.isEmpty() ? qunsetenv("QT_QPA_PLATFORM") : qputenv("QT_QPA_PLATFORM", chosen);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }
