@@ -2,7 +2,7 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusInterface>
+#include <QDBusMessage>
 #include <QDBusReply>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
@@ -34,10 +34,10 @@ QImage pictureByKWin() {
     }
     QFile pixels;
     const bool isOpen = pixels.open(ends[0], QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-    QDBusInterface screen(kwin, "/org/kde/KWin/ScreenShot2", kwin, QDBusConnection::sessionBus());
-    const QDBusReply<QVariantMap> reply =
-        screen.call("CaptureActiveScreen", QVariantMap(),
-                    QVariant::fromValue(QDBusUnixFileDescriptor(ends[1])));
+    auto call = QDBusMessage::createMethodCall(kwin, "/org/kde/KWin/ScreenShot2", kwin,
+                                               "CaptureActiveScreen");
+    call << QVariantMap() << QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]));
+    const QDBusReply<QVariantMap> reply = QDBusConnection::sessionBus().call(call);
     ::close(ends[1]); // KWin has its own now, and closes it behind the last pixel
     if (!isOpen || !reply.isValid()) {
         fail(reply.error().message());
@@ -69,9 +69,10 @@ QImage pictureByShell() {
     if (!bus.registerService(shellClient)) {
         fail("somebody else takes pictures");
     }
-    QDBusInterface screen(shell, "/org/gnome/Shell/Screenshot", shell, bus);
-    const QDBusReply<bool> reply = screen.call("Screenshot", /*include_cursor=*/false,
-                                               /*flash=*/false, folder.filePath("screen.png"));
+    auto call =
+        QDBusMessage::createMethodCall(shell, "/org/gnome/Shell/Screenshot", shell, "Screenshot");
+    call << /*include_cursor=*/false << /*flash=*/false << folder.filePath("screen.png");
+    const QDBusReply<bool> reply = bus.call(call);
     bus.unregisterService(shellClient);
     if (!reply.isValid() || !reply.value()) {
         fail(reply.error().message());

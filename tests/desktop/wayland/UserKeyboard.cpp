@@ -5,9 +5,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusInterface>
+#include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusReply>
 
 #include <fake-input-client-protocol.h>
 #include <stdexcept>
@@ -54,32 +53,39 @@ class MutterRemoteDesktop final : public UserKeyboard {
     static constexpr auto service = "org.gnome.Mutter.RemoteDesktop";
 
     MutterRemoteDesktop() {
-        QDBusInterface root(service, "/org/gnome/Mutter/RemoteDesktop", service,
-                            QDBusConnection::sessionBus());
-        const QDBusReply<QDBusObjectPath> path = root.call("CreateSession");
-        if (!path.isValid()) {
-            throw std::runtime_error(path.error().message().toStdString());
-        }
-        session_ = std::make_unique<QDBusInterface>(service, path.value().path(),
-                                                    QString(service) + ".Session",
-                                                    QDBusConnection::sessionBus());
-        call("Start");
+        const auto answer = call("/org/gnome/Mutter/RemoteDesktop", service, "CreateSession", {});
+        session_ = answer.arguments().constFirst().value<QDBusObjectPath>().path();
+        callSession("Start");
         // The device comes with its first key, which programs may miss.
         tap({key::leftShift});
     }
-    ~MutterRemoteDesktop() override { session_->call("Stop"); }
+    ~MutterRemoteDesktop() override {
+        QDBusConnection::sessionBus().call(
+            QDBusMessage::createMethodCall(service, session_, sessionInterface, "Stop"));
+    }
 
   private:
-    template <class... Arguments>
-    void call(const char* method, const Arguments&... arguments) {
-        const auto answer = session_->call(method, arguments...);
-        if (answer.type() == QDBusMessage::ErrorMessage) {
+    static constexpr auto sessionInterface = "org.gnome.Mutter.RemoteDesktop.Session";
+
+    // Qt 6.4 leaks what QDBusInterface learns about an interface.
+    static QDBusMessage call(const QString& path, const char* interface, const char* method,
+                             const QVariantList& arguments) {
+        auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+        message.setArguments(arguments);
+        auto answer = QDBusConnection::sessionBus().call(message);
+        if (answer.type() != QDBusMessage::ReplyMessage) {
             throw std::runtime_error(answer.errorMessage().toStdString());
         }
+        return answer;
     }
-    void send(Key key, bool isDown) override { call("NotifyKeyboardKeycode", uint{key}, isDown); }
+    void callSession(const char* method, const QVariantList& arguments = {}) const {
+        call(session_, sessionInterface, method, arguments);
+    }
+    void send(Key key, bool isDown) override {
+        callSession("NotifyKeyboardKeycode", {uint{key}, isDown});
+    }
 
-    std::unique_ptr<QDBusInterface> session_;
+    QString session_;
 };
 
 /// sway and its family.

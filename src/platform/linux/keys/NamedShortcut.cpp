@@ -34,10 +34,15 @@ std::optional<ModifierFlags> flagOf(const std::string& symbol) {
 std::optional<NamedShortcut> namedShortcutFor(const KeyCombination& shortcut,
                                               const std::string& functionKey) {
     const bool hasFunction = contains(shortcut.modifiers, ModifierFlags::function);
-    const auto standIn = hasFunction ? flagOf(functionKey) : std::nullopt;
+    bool isStandInAModifier = false;
+    auto standIn = ModifierFlags::none;
+    if (const auto flag = flagOf(functionKey); flag && hasFunction) {
+        isStandInAModifier = true;
+        standIn = *flag;
+    }
     if (!shortcut.virtualKey) {
         if (shortcut.modifiers == ModifierFlags::function && !functionKey.empty()) {
-            return NamedShortcut{.key = functionKey, .isModifierOnly = standIn.has_value()};
+            return NamedShortcut{.key = functionKey, .isModifierOnly = isStandInAModifier};
         }
         for (const auto& modifier : modifiers) {
             if (shortcut.modifiers == modifier.flag) {
@@ -48,13 +53,10 @@ std::optional<NamedShortcut> namedShortcutFor(const KeyCombination& shortcut,
     }
     const auto keycode = keycodeForVirtualKey(*shortcut.virtualKey);
     const auto key = keycode ? symbolInPlace(*keycode) : std::string();
-    const bool lacksStandIn =
-        hasFunction && standIn.value_or(ModifierFlags::none) == ModifierFlags::none;
-    if (key.empty() || lacksStandIn) {
+    if (key.empty() || (hasFunction && standIn == ModifierFlags::none)) {
         return std::nullopt;
     }
-    return NamedShortcut{.modifiers = (shortcut.modifiers & ~ModifierFlags::function)
-                                      | standIn.value_or(ModifierFlags::none),
+    return NamedShortcut{.modifiers = (shortcut.modifiers & ~ModifierFlags::function) | standIn,
                          .key = key};
 }
 
