@@ -40,6 +40,8 @@ class GnomeDictation : public testing::Test {
         const auto touch = addShortcut("mark", "<Ctrl><Alt>a", "touch " + mark.string());
         run({"gsettings", "set", schema, "custom-keybindings",
              "['" + toggle + "', '" + touch + "']"});
+        // On a loaded machine the time between press and release must not become repeats.
+        run({"gsettings", "set", "org.gnome.desktop.peripherals.keyboard", "repeat", "false"});
         // The program has a configuration of its own, but this part of it is the desktop's.
         std::filesystem::create_directory_symlink(
             std::filesystem::path(std::getenv("XDG_CONFIG_HOME")) / "dconf",
