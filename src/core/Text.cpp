@@ -1,53 +1,41 @@
 #include "core/Text.h"
 
 #include <unicode/uchar.h>
+#include <unicode/utf8.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 namespace orlune {
 namespace {
 
-// No whitespace lies beyond U+FFFF, so characters of four bytes do not matter here.
-constexpr std::size_t longestWhitespace = 3;
+constexpr std::size_t longestCharacter = 4; // bytes
 
-// Whether the bytes are the UTF-8 form of one whitespace or newline character, and nothing else.
-bool isWhitespaceOrNewlineInUtf8(std::string_view bytes) {
-    const auto byte = [&](std::size_t index) {
-        return static_cast<char32_t>(static_cast<unsigned char>(bytes[index]));
-    };
-    const auto isTrailing = [&](std::size_t index) { return (byte(index) & 0xC0) == 0x80; };
-    const auto bits = [&](std::size_t index) { return byte(index) & 0x3F; };
-    char32_t character = 0;
-    switch (bytes.size()) {
-    case 1:
-        return byte(0) < 0x80 && isWhitespaceOrNewline(byte(0));
-    case 2:
-        character = (byte(0) & 0x1F) << 6 | bits(1);
-        return byte(0) >> 5 == 0x06 && isTrailing(1) && character >= 0x80
-               && isWhitespaceOrNewline(character);
-    default:
-        character = (byte(0) & 0x0F) << 12 | bits(1) << 6 | bits(2);
-        return byte(0) >> 4 == 0x0E && isTrailing(1) && isTrailing(2) && character >= 0x800
-               && isWhitespaceOrNewline(character);
-    }
+const std::uint8_t* bytesOf(std::string_view text) {
+    return reinterpret_cast<const std::uint8_t*>(text.data());
 }
 
 std::size_t whitespaceAtStart(std::string_view text) {
-    for (std::size_t length = 1; length <= longestWhitespace && length <= text.size(); ++length) {
-        if (isWhitespaceOrNewlineInUtf8(text.substr(0, length))) {
-            return length;
-        }
+    std::size_t length = 0;
+    UChar32 character = U_SENTINEL; // as for bytes that are not valid UTF-8
+    if (!text.empty()) {
+        U8_NEXT(bytesOf(text), length, text.size(), character);
     }
-    return 0;
+    return isWhitespaceOrNewline(static_cast<char32_t>(character)) ? length : 0;
 }
 
 std::size_t whitespaceAtEnd(std::string_view text) {
-    for (std::size_t length = 1; length <= longestWhitespace && length <= text.size(); ++length) {
-        if (isWhitespaceOrNewlineInUtf8(text.substr(text.size() - length))) {
-            return length;
-        }
+    // ICU's index is too narrow for a text of any length.
+    const auto tail = text.substr(text.size() - std::min(text.size(), longestCharacter));
+    auto start = static_cast<std::int32_t>(tail.size());
+    UChar32 character = U_SENTINEL;
+    if (!tail.empty()) {
+        U8_PREV(bytesOf(tail), 0, start, character);
     }
-    return 0;
+    return isWhitespaceOrNewline(static_cast<char32_t>(character))
+               ? tail.size() - static_cast<std::size_t>(start)
+               : 0;
 }
 
 } // namespace
