@@ -162,13 +162,31 @@ class Terminal {
     std::size_t widest_ = 0;
 };
 
-TEST(DictateCommandOnADesktop, RedrawsOneLineOfATerminalAndLeavesItClean) {
-    const TemporaryFolder folder;
+/// The path of a spoken sentence in this folder.
+std::string spokenSentence(const TemporaryFolder& folder) {
     const std::string file = folder.path() / "speech.wav";
     desktop::run({"flite", "-voice", "slt", "-t",
                   "The weather is nice today and we should go for a walk.", "-o", file});
+    return file;
+}
+
+TEST(DictateCommandOnADesktop, IsCancelledByControlC) {
+    const TemporaryFolder folder;
     Terminal terminal;
-    OwnProgram program({ORLUNE_PROGRAM, "dictate", "--local", "--input", file},
+    OwnProgram program({ORLUNE_PROGRAM, "dictate", "--local", "--input", spokenSentence(folder)},
+                       terminal.programsEnd());
+    ASSERT_TRUE(desktop::waitUntil([&] {
+        return terminal.received().find("Listening ") != std::string::npos;
+    })) << terminal.received();
+    terminal.type("\x03"); // for every process of the terminal
+    EXPECT_EQ(program.exitCode(), 130);
+    EXPECT_THAT(terminal.screen(), testing::Contains("Cancelled"));
+}
+
+TEST(DictateCommandOnADesktop, RedrawsOneLineOfATerminalAndLeavesItClean) {
+    const TemporaryFolder folder;
+    Terminal terminal;
+    OwnProgram program({ORLUNE_PROGRAM, "dictate", "--local", "--input", spokenSentence(folder)},
                        terminal.programsEnd());
     ASSERT_TRUE(desktop::waitUntil([&] {
         return terminal.received().find("Enter takes it") != std::string::npos;

@@ -7,6 +7,7 @@
 #include "app/commands/TerminalView.h"
 #include "app/desktop/Display.h"
 #include "app/desktop/LinuxDesktop.h"
+#include "app/desktop/TerminationSignals.h"
 #include "dictation/AppState.h"
 #include "platform/SecureWipe.h"
 #include "platform/audio/WaveFileAudioEngine.h"
@@ -20,12 +21,10 @@
 #include <boost/asio/post.hpp>
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <stdexcept>
 #include <sys/ioctl.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace orlune {
@@ -48,23 +47,6 @@ class LogAboveView final : public Log {
     Log& log_;
     TerminalView& view_;
 };
-
-sigset_t cancellingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&signals, signal);
-    }
-    return signals;
-}
-
-/// The cancelling signals, as a descriptor. Must be called before any other thread starts, so that
-/// no thread receives the signals.
-int interruptDescriptor() {
-    const auto signals = cancellingSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signalfd(-1, &signals, SFD_CLOEXEC);
-}
 
 int terminalColumns() {
     constexpr int usual = 80;
@@ -102,22 +84,9 @@ void addLocalKey(MemorySecretItems& secrets) {
                                   SecretAccessibility::afterFirstUnlockThisDeviceOnly));
 }
 
-/// Lets the signals end the process at once, while their descriptor is not read.
-class SignalsEndTheProgram {
-  public:
-    SignalsEndTheProgram() { pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr); }
-    ~SignalsEndTheProgram() { pthread_sigmask(SIG_BLOCK, &signals_, nullptr); }
-    SignalsEndTheProgram(const SignalsEndTheProgram&) = delete;
-    SignalsEndTheProgram& operator=(const SignalsEndTheProgram&) = delete;
-
-  private:
-    const sigset_t signals_ = cancellingSignals();
-};
-
 /// Opens a locked keyring first and waits for its prompt without limit. Throws when the prompt was
 /// dismissed, because it would appear again. A missing key is reported by the dictation itself.
 void openKeyring(SecretItems& keyring, TerminalView& view) {
-    const SignalsEndTheProgram whileWaiting;
     auto match = keyring.copyMatching(KeychainStore::query(SecretKey::deepgramAPIKey));
     if (match.data) {
         wipe(*match.data);
@@ -130,7 +99,7 @@ void openKeyring(SecretItems& keyring, TerminalView& view) {
     }
 }
 
-int dictate(const DictateOptions& options, int interrupts) {
+int dictate(const DictateOptions& options) {
     const bool isTerminal = isatty(STDERR_FILENO) != 0;
     TerminalView view(STDERR_FILENO, isTerminal, terminalColumns());
     JournalLog journal;
@@ -149,10 +118,13 @@ int dictate(const DictateOptions& options, int interrupts) {
         replacements.keyEventPosting = &standardOutput;
     }
 
+    // Caught only after a keyring's prompt: while that waits, they end the process at once.
+    std::optional<TerminationSignals> signals;
     LocalServiceProcess localService;
     MemorySecretItems localSecrets;
     std::optional<SecretServiceItems> keyring;
     if (options.isLocal) {
+        signals.emplace();
         replacements.speechEndpoint = localService.start();
         addLocalKey(localSecrets);
         replacements.secretItems = &localSecrets;
@@ -176,13 +148,13 @@ int dictate(const DictateOptions& options, int interrupts) {
 
     if (keyring) {
         openKeyring(*keyring, view);
+        signals.emplace();
     }
     LinuxDesktop desktop(std::move(replacements),
                          [&view](const std::string& reason) { view.print(reason + "\n"); });
     const auto& platform = desktop.platform();
 
     TerminalDictation::Options terminal;
-    terminal.interrupts = interrupts;
     terminal.inputIsTerminal = isatty(STDIN_FILENO) != 0;
     // With a file, its end is the end of the recording. The end of standard input then means
     // nothing, unless it is a terminal.
@@ -194,7 +166,7 @@ int dictate(const DictateOptions& options, int interrupts) {
     }
 
     const auto state = AppState::make(platform);
-    TerminalDictation dictation(state, platform.mainActor, view, terminal);
+    TerminalDictation dictation(state, platform.mainActor, view, *signals, terminal);
     onInputEnd = [&dictation, main = platform.mainActor.executor()] {
         boost::asio::post(main, [&dictation] { dictation.requestEnd(); });
     };
@@ -209,9 +181,8 @@ int dictate(const DictateOptions& options, int interrupts) {
 
 int runDictateCommand(const DictateOptions& options, int& argumentCount, char** arguments) {
     try {
-        const int interrupts = interruptDescriptor();
         const auto application = makeApplication(options.insertsText, argumentCount, arguments);
-        return dictate(options, interrupts);
+        return dictate(options);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "orlune: %s\n", error.what());
         return exitFailed;

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace orlune {
 
@@ -53,6 +54,8 @@ std::string LocalServiceProcess::start() {
     }
     process_.setProcessChannelMode(QProcess::SeparateChannels);
     process_.setStandardErrorFile(QProcess::nullDevice());
+    // Ctrl-C in the terminal cancels the dictation, whose last message the service still receives.
+    process_.setChildProcessModifier([] { ::setsid(); });
     process_.start(program, {QStringLiteral("--port"), QStringLiteral("0"),
                              QStringLiteral("--exit-with-parent")});
     const auto deadline = std::chrono::steady_clock::now() + startLimit;

@@ -8,7 +8,6 @@
 #include <array>
 #include <chrono>
 #include <string_view>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace orlune {
@@ -24,23 +23,18 @@ constexpr auto meterInterval = 80ms;
 } // namespace
 
 TerminalDictation::TerminalDictation(std::shared_ptr<AppState> state, MainActor& mainActor,
-                                     TerminalView& view, const Options& options)
+                                     TerminalView& view, const TerminationSignals& signals,
+                                     const Options& options)
     : state_(std::move(state)), mainActor_(mainActor), view_(view), options_(options),
-      exitCode_(exitFailed) {
+      exitCode_(exitFailed), signalNotifier_(signals.descriptor(), QSocketNotifier::Read) {
     meterTimer_.setSingleShot(true);
     QObject::connect(&meterTimer_, &QTimer::timeout, [this] { refresh(); });
     quietTimer_.setSingleShot(true);
     QObject::connect(&quietTimer_, &QTimer::timeout, [this] { state_->endDictation(); });
-    if (options_.interrupts >= 0) {
-        interruptNotifier_ =
-            std::make_unique<QSocketNotifier>(options_.interrupts, QSocketNotifier::Read);
-        QObject::connect(interruptNotifier_.get(), &QSocketNotifier::activated, [this] {
-            signalfd_siginfo signal{};
-            if (::read(options_.interrupts, &signal, sizeof signal) == sizeof signal) {
-                cancel();
-            }
-        });
-    }
+    QObject::connect(&signalNotifier_, &QSocketNotifier::activated, [this, &signals] {
+        signals.take();
+        cancel();
+    });
     if (options_.input >= 0) {
         inputNotifier_ = std::make_unique<QSocketNotifier>(options_.input, QSocketNotifier::Read);
         QObject::connect(inputNotifier_.get(), &QSocketNotifier::activated,

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/commands/TerminalView.h"
+#include "app/desktop/TerminationSignals.h"
 #include "dictation/AppState.h"
 #include "platform/concurrency/MainActor.h"
 
@@ -20,8 +21,6 @@ class TerminalDictation {
     struct Options {
         /// Lines on this descriptor end the recording and confirm the check; -1 for none.
         int input = -1;
-        /// A signalfd: each signal cancels; -1 for none.
-        int interrupts = -1;
         bool inputIsTerminal = false;
         bool confirmsAtOnce = false;
         /// How long the transcript must be unchanged before a requested end takes effect. A
@@ -31,8 +30,9 @@ class TerminalDictation {
         bool staysUntilIdle = false;
     };
 
+    /// Each of the signals cancels.
     TerminalDictation(std::shared_ptr<AppState> state, MainActor& mainActor, TerminalView& view,
-                      const Options& options);
+                      const TerminationSignals& signals, const Options& options);
 
     /// Returns the exit code.
     int run();
@@ -64,7 +64,7 @@ class TerminalDictation {
     QTimer meterTimer_;
     QTimer quietTimer_;
     std::unique_ptr<QSocketNotifier> inputNotifier_;
-    std::unique_ptr<QSocketNotifier> interruptNotifier_;
+    QSocketNotifier signalNotifier_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     Subscription stateSubscription_;
     Subscription levelSubscription_;

@@ -1,6 +1,6 @@
-// SIGTERM, SIGINT and SIGHUP as a descriptor for a loop. Installed on the main thread before other
-// threads start; only one may exist at a time. The signals are caught, not blocked, so that
-// programs started by this one receive theirs as usual.
+// SIGTERM, SIGINT and SIGHUP as a descriptor for a loop. Used on the main thread; only one may
+// exist at a time. The signals are caught, not blocked, so that programs started by this one
+// receive theirs as usual.
 #pragma once
 
 #include "platform/linux/runtime/FileDescriptor.h"
