@@ -66,10 +66,6 @@ OverlayWindowController::OverlayWindowController(std::shared_ptr<AppState> state
 
 OverlayWindowController::~OverlayWindowController() = default;
 
-const QWidget& OverlayWindowController::panel() const {
-    return *panel_;
-}
-
 void OverlayWindowController::receive(const AppState::Phase& phase) {
     if (phase.is(AppState::Phase::Case::idle)) {
         hide();

@@ -14,8 +14,6 @@
 #include <memory>
 #include <optional>
 
-class QWidget;
-
 namespace orlune {
 
 class OverlayPanel;
@@ -24,8 +22,6 @@ class OverlayWindowController final : public QObject {
   public:
     OverlayWindowController(std::shared_ptr<AppState> state, const Platform& platform);
     ~OverlayWindowController() override;
-
-    const QWidget& panel() const;
 
   private:
     void receive(const AppState::Phase& phase);

@@ -5,6 +5,7 @@
 #include "overlay/OverlayWindowController.h"
 #include "tests/support/DictationHarness.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QTest>
 
@@ -63,37 +64,38 @@ TEST(PanelOriginTest, restsAboveTheUsableAreaOfTheScreenUnderThePointer) {
 
 class OverlayPanelTest : public testing::Test {
   protected:
+    void SetUp() override { ASSERT_TRUE(panel); }
+
     /// Runs queued work, and the resulting movement to its end.
     void settle() {
         dictation.platform.runUntilIdle();
-        const auto& panel = controller.panel();
         const bool isIdle = dictation.state().phase().get().is(AppState::Phase::Case::idle);
         EXPECT_TRUE(QTest::qWaitFor([&] {
-            return isIdle ? !panel.isVisible()
-                          : panel.windowOpacity() == 1 && panel.pos() == restingPlace();
+            return isIdle ? !panel->isVisible()
+                          : panel->windowOpacity() == 1 && panel->pos() == restingPlace();
         }));
     }
 
     QPoint restingPlace() {
-        const auto origin = panelOrigin(dictation.platform.screens, controller.panel().size(), 0);
+        const auto origin = panelOrigin(dictation.platform.screens, panel->size(), 0);
         return QPointF(origin->x, origin->y).toPoint();
     }
 
     DictationHarness dictation;
     OverlayWindowController controller{dictation.state().shared_from_this(),
                                        dictation.platform.bundle()};
+    QWidget* const panel = QApplication::topLevelWidgets().value(0); // the only window
 };
 
 TEST_F(OverlayPanelTest, followsADictation) {
-    const auto& panel = controller.panel();
     dictation.platform.runUntilIdle();
-    EXPECT_FALSE(panel.isVisible());
+    EXPECT_FALSE(panel->isVisible());
 
     dictation.begin();
-    EXPECT_EQ(panel.size(), QSize(262, 82));
-    EXPECT_EQ(panel.pos(), restingPlace() + QPoint(0, 5)) << "settles from below";
+    EXPECT_EQ(panel->size(), QSize(262, 82));
+    EXPECT_EQ(panel->pos(), restingPlace() + QPoint(0, 5)) << "settles from below";
     settle();
-    EXPECT_EQ(panel.pos(), QPoint((1280 - 262) / 2, 770 - 28 - 82));
+    EXPECT_EQ(panel->pos(), QPoint((1280 - 262) / 2, 770 - 28 - 82));
 
     dictation.end();
     dictation.result("Rename the button", /*isFinal=*/true);
@@ -101,17 +103,17 @@ TEST_F(OverlayPanelTest, followsADictation) {
     dictation.platform.advance(std::chrono::milliseconds(20));
     ASSERT_EQ(dictation.phase(), "reviewing Rename the button.");
     settle();
-    EXPECT_EQ(panel.size(), QSize(492, 390));
-    EXPECT_EQ(panel.pos(), QPoint((1280 - 492) / 2, 770 - 28 - 390));
+    EXPECT_EQ(panel->size(), QSize(492, 390));
+    EXPECT_EQ(panel->pos(), QPoint((1280 - 492) / 2, 770 - 28 - 390));
 
     dictation.confirm();
     ASSERT_EQ(dictation.phase(), "success");
     settle();
-    EXPECT_EQ(panel.size(), QSize(262, 82));
+    EXPECT_EQ(panel->size(), QSize(262, 82));
     dictation.platform.advance(std::chrono::seconds(2));
     ASSERT_EQ(dictation.phase(), "idle");
     settle();
-    EXPECT_FALSE(panel.isVisible());
+    EXPECT_FALSE(panel->isVisible());
 }
 
 TEST_F(OverlayPanelTest, keepsALongTranscriptApartFromTheEdge) {
@@ -119,7 +121,7 @@ TEST_F(OverlayPanelTest, keepsALongTranscriptApartFromTheEdge) {
     const std::string words = "a transcript that is far too long for the one line of the capsule";
     dictation.dictate(words);
     settle();
-    for (const auto* text : controller.panel().findChildren<QLabel*>()) {
+    for (const auto* text : panel->findChildren<QLabel*>()) {
         if (text->text().toStdString() == words) {
             EXPECT_EQ(text->width(), 238 - 2 * 13 - 42 - 11 - 11 - 2);
             return;
@@ -130,28 +132,27 @@ TEST_F(OverlayPanelTest, keepsALongTranscriptApartFromTheEdge) {
 
 TEST_F(OverlayPanelTest, takesNeitherFocusNorClicks) {
     dictation.begin();
-    const auto flags = controller.panel().windowFlags();
+    const auto flags = panel->windowFlags();
     EXPECT_TRUE(flags.testFlag(Qt::WindowTransparentForInput));
     EXPECT_TRUE(flags.testFlag(Qt::WindowDoesNotAcceptFocus));
-    EXPECT_TRUE(controller.panel().testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(panel->testAttribute(Qt::WA_ShowWithoutActivating));
 }
 
 TEST_F(OverlayPanelTest, followsTheCompositor) {
     dictation.begin();
-    auto& panel = controller.panel();
     auto& server = dictation.platform.windowFacilities;
-    const auto corner = [&panel] {
-        return panel.window()->grab().toImage().pixelColor(0, 0).rgba();
+    const auto corner = [this] {
+        return panel->window()->grab().toImage().pixelColor(0, 0).rgba();
     };
-    EXPECT_TRUE(panel.mask().isEmpty());
+    EXPECT_TRUE(panel->mask().isEmpty());
     EXPECT_EQ(server.blurred.size(), 1U);
     server.compositing.set(false);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !panel.mask().isEmpty(); }));
-    EXPECT_TRUE(panel.isVisible());
-    EXPECT_FALSE(panel.mask().contains(QPoint(0, 0))) << "the corners are cut off";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !panel->mask().isEmpty(); }));
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_FALSE(panel->mask().contains(QPoint(0, 0))) << "the corners are cut off";
     EXPECT_EQ(corner(), GlassCapsule::opaqueGlass().rgba()) << "dark under what fades";
     server.compositing.set(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return panel.mask().isEmpty(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panel->mask().isEmpty(); }));
     EXPECT_LT(qAlpha(corner()), 64) << "no more than the shadow";
 }
 

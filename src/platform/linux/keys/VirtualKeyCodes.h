@@ -11,9 +11,6 @@ namespace orlune {
 /// The kernel counts keys from 0, X from 8.
 constexpr std::uint16_t keycodeOffset = 8;
 
-/// KEY_FN as X would number it. Over 255, so X itself never reports it.
-constexpr std::uint16_t functionKeycode = 464 + keycodeOffset;
-
 /// The key in this place; none for codes no keyboard of ours has.
 std::optional<std::uint16_t> keycodeForVirtualKey(std::uint16_t virtualKey);
 

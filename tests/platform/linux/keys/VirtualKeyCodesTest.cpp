@@ -29,7 +29,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Place{"rightSuper", 54, 134}, Place{"rightControl", 62, 105},
                     Place{"rightAlt", 61, 108}, Place{"F1", 122, 67}, Place{"F12", 111, 96},
                     Place{"Insert", 114, 118}, Place{"up", 126, 111}, Place{"keypad7", 89, 79},
-                    Place{"keypadEnter", 76, 104}, Place{"Fn", 63, functionKeycode}),
+                    Place{"keypadEnter", 76, 104}, Place{"Fn", 63, 464 + keycodeOffset}),
     [](const auto& row) { return row.param.name; });
 
 TEST(VirtualKeyCodesTableTest, EveryKeyComesBackFromItsKeycode) {
