@@ -43,7 +43,6 @@ class OwnProgram {
         return output_ += process_.readAllStandardOutput().toStdString();
     }
     std::string standardError() { return error_ += process_.readAllStandardError().toStdString(); }
-    qint64 processID() const { return process_.processId(); }
 
     /// What other users of the machine can see of the running program: its command line, and its
     /// environment for its own user.

@@ -24,7 +24,6 @@ class MemoryAudioConverter::Converter final : public AudioConverter {
         : owner_(owner), inputPerOutput_(inputPerOutput) {}
 
     bool convert(AudioPCMBuffer& output, const Input& input) override {
-        ++owner_.conversionCount;
         output.setFrameLength(0);
         auto status = InputStatus::noDataNow;
         while (const auto* buffer = input(status)) {

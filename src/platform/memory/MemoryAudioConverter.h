@@ -17,8 +17,6 @@ class MemoryAudioConverter {
     bool failsConversions = false;
     /// How many converters were made.
     int madeCount = 0;
-    /// How many conversions were requested.
-    int conversionCount = 0;
 
   private:
     class Converter;

@@ -18,9 +18,6 @@ KeyEventMonitor MemoryKeyEvents::addLocalMonitor(KeyEventMask mask, LocalHandler
 
 KeyEventMonitor MemoryKeyEvents::add(KeyMonitorList& list, std::string_view kind, KeyEventMask mask,
                                      LocalHandler handler) {
-    if (refusesMonitors) {
-        return {};
-    }
     const auto name =
         "watch " + std::string(kind) + " " + std::to_string(static_cast<std::uint64_t>(mask));
     log_->push_back(name);

@@ -19,7 +19,7 @@ class MemoryKeyEvents final : public KeyEvents {
                                                    GlobalHandler handler) override;
     [[nodiscard]] KeyEventMonitor addLocalMonitor(KeyEventMask mask, LocalHandler handler) override;
     void watch(const KeyCombination& shortcut) override { watched = shortcut; }
-    void watchEscape(bool isWanted) override { watchesEscape = isWanted; }
+    void watchEscape(bool /*isWanted*/) override {}
     bool reportsReleases() override { return hasReleases; }
     std::string reasonForUnavailability() override { return reason; }
     std::string functionKeyStandIn() override { return standIn; }
@@ -33,15 +33,12 @@ class MemoryKeyEvents final : public KeyEvents {
 
     // The last argument of `watch`.
     KeyCombination watched;
-    bool watchesEscape = false;
     /// The answer of `reportsReleases`.
     bool hasReleases = true;
     /// While not empty, other programs' keys are not seen.
     std::string reason;
     /// The answer of `functionKeyStandIn`.
     std::string standIn;
-    /// While true, no monitor is installed and no handle returned.
-    bool refusesMonitors = false;
 
   private:
     KeyEventMonitor add(KeyMonitorList& list, std::string_view kind, KeyEventMask mask,
