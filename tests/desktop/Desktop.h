@@ -78,13 +78,19 @@ inline constexpr Keyboard::Keycode control = 37;
 inline constexpr Keyboard::Keycode a = 38;
 inline constexpr Keyboard::Keycode k = 45;
 inline constexpr Keyboard::Keycode shift = 50;
+inline constexpr Keyboard::Keycode v = 55;
 inline constexpr Keyboard::Keycode alt = 64;
 inline constexpr Keyboard::Keycode space = 65;
+inline constexpr Keyboard::Keycode capsLock = 66;
 inline constexpr Keyboard::Keycode f4 = 70;
-inline constexpr Keyboard::Keycode fn = 105; // right Control stands in for Fn
+inline constexpr Keyboard::Keycode rightControl = 105;
+inline constexpr Keyboard::Keycode fn = rightControl; // its stand-in
+inline constexpr Keyboard::Keycode rightAlt = 108;
 inline constexpr Keyboard::Keycode left = 113;
 inline constexpr Keyboard::Keycode right = 114;
+inline constexpr Keyboard::Keycode insert = 118;
 inline constexpr Keyboard::Keycode super = 133;
+inline constexpr Keyboard::Keycode rightSuper = 134;
 } // namespace keycode
 
 /// The class of the window that has the keyboard focus; empty when there is none.

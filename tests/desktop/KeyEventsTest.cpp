@@ -29,17 +29,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-namespace keycode {
-constexpr Keyboard::Keycode escape = 9;
-constexpr Keyboard::Keycode leftControl = 37;
-constexpr Keyboard::Keycode a = 38;
-constexpr Keyboard::Keycode leftShift = 50;
-constexpr Keyboard::Keycode leftAlt = 64;
-constexpr Keyboard::Keycode space = 65;
-constexpr Keyboard::Keycode capsLock = 66;
-constexpr Keyboard::Keycode rightControl = 105;
-constexpr Keyboard::Keycode rightSuper = 134;
-} // namespace keycode
+namespace keycode = desktop::keycode;
 
 constexpr auto everything =
     KeyEventMask::flagsChanged | KeyEventMask::keyDown | KeyEventMask::keyUp;
@@ -79,8 +69,8 @@ class KeyEventsDesktopTest : public testing::Test {
 TEST_F(KeyEventsDesktopTest, ArriveByThemselvesWhileAnotherProgramHasTheKeyboard) {
     KeyRecorder program("Editor");
     keyboard.press(keycode::rightControl);
-    keyboard.press(keycode::leftShift);
-    keyboard.release(keycode::leftShift);
+    keyboard.press(keycode::shift);
+    keyboard.release(keycode::shift);
     keyboard.release(keycode::rightControl);
     EXPECT_TRUE(waitFor("flags 63"));
     EXPECT_THAT(seen, ElementsAre("flags 63 fn", "flags 56 shift+fn", "flags 56 fn", "flags 63"));
@@ -88,11 +78,11 @@ TEST_F(KeyEventsDesktopTest, ArriveByThemselvesWhileAnotherProgramHasTheKeyboard
 }
 
 TEST_F(KeyEventsDesktopTest, KeepTheOrderOfTheKeysWhenModifiersAreReleasedFirst) {
-    keyboard.press(keycode::leftControl);
-    keyboard.press(keycode::leftAlt);
+    keyboard.press(keycode::control);
+    keyboard.press(keycode::alt);
     keyboard.press(keycode::space);
-    keyboard.release(keycode::leftAlt);
-    keyboard.release(keycode::leftControl);
+    keyboard.release(keycode::alt);
+    keyboard.release(keycode::control);
     keyboard.release(keycode::space);
     EXPECT_THAT(seenSoFar(),
                 ElementsAre("flags 59 control", "flags 58 control+option", "down 49 control+option",
@@ -216,10 +206,10 @@ TEST_F(KeyEventsDesktopTest, ALockReleasesAllKeysAndReportsNone) {
     keyEvents.setLocked(true);
     EXPECT_THAT(seen, ElementsAre("flags 63 fn", "flags 63"));
     tap(keycode::a);
-    keyboard.press(keycode::leftShift);
+    keyboard.press(keycode::shift);
     EXPECT_EQ(seenSoFar().size(), 2U) << "a password is nobody's business";
     keyEvents.setLocked(false);
-    keyboard.release(keycode::leftShift);
+    keyboard.release(keycode::shift);
     keyboard.release(keycode::rightControl);
     EXPECT_EQ(seenSoFar().size(), 2U);
     tap(keycode::a);

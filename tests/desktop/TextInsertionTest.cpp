@@ -30,16 +30,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-namespace keycode {
-constexpr Keyboard::Keycode leftControl = 37;
-constexpr Keyboard::Keycode leftShift = 50;
-constexpr Keyboard::Keycode v = 55;
-constexpr Keyboard::Keycode leftAlt = 64;
-constexpr Keyboard::Keycode rightControl = 105;
-constexpr Keyboard::Keycode rightAlt = 108;
-constexpr Keyboard::Keycode insert = 118;
-constexpr Keyboard::Keycode leftSuper = 133;
-} // namespace keycode
+namespace keycode = desktop::keycode;
 
 constexpr std::uint16_t virtualReturn = 36;
 constexpr std::uint16_t virtualEscape = 53;
@@ -224,12 +215,12 @@ INSTANTIATE_TEST_SUITE_P(
     , PasteTest,
     testing::Values(
         Situation{.name = "withNothingHeld"},
-        Situation{.name = "withShiftHeld", .held = {keycode::leftShift}},
-        Situation{.name = "withControlHeld", .held = {keycode::leftControl}},
-        Situation{.name = "withAltHeld", .held = {keycode::leftAlt}},
-        Situation{.name = "withSuperHeld", .held = {keycode::leftSuper}},
+        Situation{.name = "withShiftHeld", .held = {keycode::shift}},
+        Situation{.name = "withControlHeld", .held = {keycode::control}},
+        Situation{.name = "withAltHeld", .held = {keycode::alt}},
+        Situation{.name = "withSuperHeld", .held = {keycode::super}},
         Situation{.name = "withControlAltAndShiftHeld",
-                  .held = {keycode::rightControl, keycode::leftAlt, keycode::leftShift}},
+                  .held = {keycode::rightControl, keycode::alt, keycode::shift}},
         Situation{.name = "withAltGrHeld", .layout = {"de"}, .held = {keycode::rightAlt}},
         Situation{.name = "onDvorak", .layout = {"us", "-variant", "dvorak"}},
         Situation{.name = "onCyrillicAsSecondLayout", .layout = {"us,ru"}, .activeLayout = 1},
@@ -358,7 +349,7 @@ TEST_F(TextInsertionDesktopTest, ThreePastesInABurstArriveThreeTimes) {
 TEST_F(TextInsertionDesktopTest, APosterThatGoesBetweenDownAndUpLeavesNoKeyDown) {
     poster->post(EventTapLocation::hidEventTap,
                  {.virtualKey = virtualV, .isKeyDown = true, .flags = ModifierFlags::command});
-    EXPECT_THAT(keyboard.down(), ElementsAre(keycode::leftControl, keycode::v));
+    EXPECT_THAT(keyboard.down(), ElementsAre(keycode::control, keycode::v));
     poster.reset();
     EXPECT_THAT(keyboard.down(), IsEmpty());
 }
@@ -416,22 +407,22 @@ TEST_F(ChordTest, IsWhatPastesInTheWindow) {
 }
 
 TEST_F(ChordTest, ComesAfterTheUsersShiftWhichIsReportedAndNotPressedAgain) {
-    EXPECT_THAT(chordWith({keycode::leftShift}),
+    EXPECT_THAT(chordWith({keycode::shift}),
                 ElementsAre("up 50", "down 37", "down 55", "up 55", "up 37"));
     EXPECT_THAT(events, ElementsAre("will post", "released 50", "did post"));
 }
 
 TEST_F(ChordTest, PressesAnewAKeyThatTheUserStillHolds) {
-    EXPECT_THAT(chordWith({keycode::v, keycode::leftControl}),
+    EXPECT_THAT(chordWith({keycode::v, keycode::control}),
                 ElementsAre("up 37", "up 55", "down 37", "down 55", "up 55", "up 37"));
     EXPECT_THAT(keyboard.down(), IsEmpty());
 }
 
 TEST_F(ChordTest, NeverLetsAltBeTappedAlone) {
-    EXPECT_THAT(chordWith({keycode::leftAlt}),
+    EXPECT_THAT(chordWith({keycode::alt}),
                 ElementsAre("down 37", "up 64", "up 37", "down 37", "down 55", "up 55", "up 37"));
-    keyboard.release(keycode::leftAlt);
-    EXPECT_THAT(chordWith({keycode::leftAlt}, "kitty"),
+    keyboard.release(keycode::alt);
+    EXPECT_THAT(chordWith({keycode::alt}, "kitty"),
                 ElementsAre("down 37", "up 64", "up 37", "down 50", "down 118", "up 118", "up 50"));
 }
 

@@ -104,7 +104,6 @@ TEST_F(WholeDictation, ArrivesInATerminal) {
 }
 
 TEST_F(WholeDictation, ArrivesInATextField) {
-    constexpr Keyboard::Keycode enter = 36;
     Program field({"zenity", "--entry"});
     ASSERT_TRUE(waitUntil(desktop::zenityHasKeyboard));
 
@@ -113,8 +112,8 @@ TEST_F(WholeDictation, ArrivesInATextField) {
     EXPECT_EQ(end(*program), 0) << program->standardError();
     expectShownAndMeasured(*program);
     Keyboard keyboard;
-    keyboard.press(enter);
-    keyboard.release(enter);
+    keyboard.press(desktop::keycode::enter);
+    keyboard.release(desktop::keycode::enter);
     EXPECT_THAT(field.output(),
                 AllOf(HasSubstr("The weather is nice today"), HasSubstr(lastWords)));
 }
