@@ -1,6 +1,7 @@
 // Any bytes from the service are ignored or give a transcript that is trimmed UTF-8, through the
 // whole client: a fuzzed message, then one that must still be understood.
 #include "core/Text.h"
+#include "fuzz/Fuzzing.h"
 #include "platform/concurrency/Task.h"
 #include "platform/memory/ManualClock.h"
 #include "platform/memory/MemoryWebSocket.h"
@@ -9,7 +10,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,11 +18,7 @@ namespace {
 
 using namespace orlune;
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 void run(TurnQueue& queue, Awaitable<void> operation) {
     Task::start(queue.executor(), [moved = std::move(operation)]() mutable -> Awaitable<void> {

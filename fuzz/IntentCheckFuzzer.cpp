@@ -1,22 +1,18 @@
 // Any bytes give an intent check whose texts are consistent.
 #include "core/IntentCheck.h"
 #include "core/Text.h"
+#include "fuzz/Fuzzing.h"
 
 #include <unicode/unistr.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 bool isUtf8(const std::string& text) {
     std::string again;

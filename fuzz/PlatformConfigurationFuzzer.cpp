@@ -1,21 +1,16 @@
 // Any file and environment give a usable endpoint, key and terminals. The input is the file, the
 // endpoint, the key and the terminals, separated by NUL.
+#include "fuzz/Fuzzing.h"
 #include "platform/linux/storage/PlatformConfiguration.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 void checkEndpoint(const std::string& endpoint) {
     const bool isSecure = endpoint.starts_with("wss://");
@@ -33,16 +28,10 @@ void checkEndpoint(const std::string& endpoint) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view rest(reinterpret_cast<const char*>(data), size);
-    const auto next = [&rest] {
-        const auto end = std::min(rest.find('\0'), rest.size());
-        const auto part = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        return std::string(part);
-    };
-    const auto file = next();
+    const std::string file(orlune::fuzz::takeField(rest));
     orlune::Environment environment;
     for (const char* name : {"ORLUNE_ENDPOINT", "ORLUNE_FN_KEY", "ORLUNE_TERMINALS"}) {
-        environment[name] = next();
+        environment[name] = std::string(orlune::fuzz::takeField(rest));
     }
     const auto configuration = orlune::PlatformConfiguration::parse(file, environment);
     checkEndpoint(configuration.endpoint);

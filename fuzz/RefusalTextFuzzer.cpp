@@ -1,12 +1,12 @@
 // Any refusal gives one line of bounded length that does not repeat the key. The input is the
 // reason, the `dg-error` header and the key, separated by NUL, and the body.
+#include "fuzz/Fuzzing.h"
 #include "fuzz/PlainText.h"
 #include "platform/network/RefusalText.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -15,11 +15,7 @@ namespace {
 constexpr std::size_t lengthLimit = 1000;
 constexpr std::size_t shortestSecret = 4;
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 /// A key is letters and digits; the text's own words do not leak it.
 bool isKey(std::string_view text) {
@@ -35,15 +31,9 @@ bool isKey(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view rest(reinterpret_cast<const char*>(data), size);
-    const auto next = [&rest] {
-        const auto end = std::min(rest.find('\0'), rest.size());
-        const auto part = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        return part;
-    };
-    const auto reason = next();
-    const auto errorHeader = next();
-    const std::string key(next());
+    const auto reason = orlune::fuzz::takeField(rest);
+    const auto errorHeader = orlune::fuzz::takeField(rest);
+    const std::string key(orlune::fuzz::takeField(rest));
     orlune::WebSocketRequest request;
     request.headers = {{"Authorization", "Token " + key}};
     request.refusalReason.member = "err_msg";

@@ -2,22 +2,14 @@
 // line or is refused.
 #include "app/remote/RemoteRequest.h"
 #include "app/remote/Status.h"
+#include "fuzz/Fuzzing.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
-namespace {
-
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
-} // namespace
+using orlune::fuzz::expect;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);

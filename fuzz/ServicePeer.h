@@ -2,6 +2,7 @@
 // the client's own transport that reads them. One thread; no state is kept between inputs.
 #pragma once
 
+#include "fuzz/Fuzzing.h"
 #include "platform/WebSocket.h"
 #include "platform/network/BeastTransport.h"
 
@@ -16,7 +17,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -24,12 +24,6 @@
 #include <string_view>
 
 namespace orlune::fuzz {
-
-inline void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 class ServicePeer {
   public:

@@ -1,5 +1,6 @@
 // Any settings file is either damaged or survives being written again; any text can be stored or is
 // refused.
+#include "fuzz/Fuzzing.h"
 #include "platform/linux/storage/DefaultsFormat.h"
 
 #include <boost/json/object.hpp>
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -16,11 +16,7 @@ namespace {
 
 namespace json = boost::json;
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 /// The parser may misread the last bit of numbers with many digits.
 bool isNear(double left, double right) {

@@ -1,9 +1,9 @@
 // Any bytes are refused with a reason or play to their end as whole buffers.
+#include "fuzz/Fuzzing.h"
 #include "platform/audio/WaveFileAudioEngine.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <future>
 #include <string>
 #include <sys/mman.h>
@@ -13,11 +13,7 @@ namespace {
 
 constexpr std::uint32_t bufferSize = 4096;
 
-void expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
+using orlune::fuzz::expect;
 
 } // namespace
 
