@@ -4,6 +4,7 @@
 
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
+#include <boost/json/parse.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -112,6 +113,15 @@ std::string errorMessage(std::string_view description, std::string_view offendin
                                {"description", description},
                                {"message", offendingText}};
     return compactJson(message);
+}
+
+std::optional<std::string> messageType(const std::string& text) {
+    boost::system::error_code error;
+    const auto value = json::parse(text, error);
+    const auto* object = error ? nullptr : value.if_object();
+    const auto* type = object == nullptr ? nullptr : object->if_contains("type");
+    return type != nullptr && type->is_string() ? std::optional<std::string>(type->get_string())
+                                                : std::nullopt;
 }
 
 } // namespace orlune::localservice

@@ -1,11 +1,12 @@
 #pragma once
 
-// The messages of the live transcription service, as text ready to be sent.
-// Free functions on values, safe on any thread; they cannot fail. All times are in seconds of
-// audio.
+// The messages of the live transcription service, as text ready to be sent, and the kind of a
+// client's message. Free functions on values, safe on any thread; they cannot fail. All times are
+// in seconds of audio.
 
 #include "localservice/Recogniser.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,5 +35,8 @@ std::string speechStartedMessage(double timestamp);
 std::string metadataMessage(const StreamSummary& summary, std::string_view requestID);
 /// The answer to an unknown text message; the stream goes on.
 std::string errorMessage(std::string_view description, std::string_view offendingText);
+
+/// The "type" of a client's message; none when it is not a JSON object with one.
+std::optional<std::string> messageType(const std::string& text);
 
 } // namespace orlune::localservice

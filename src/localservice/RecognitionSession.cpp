@@ -1,9 +1,10 @@
 #include "localservice/RecognitionSession.h"
 
+#include "localservice/Messages.h"
+
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <boost/json/parse.hpp>
 
 namespace orlune::localservice {
 namespace {
@@ -22,15 +23,6 @@ constexpr std::string_view noRecogniserReason = "The recogniser could not be sta
 constexpr std::size_t bytesPerJob =
     32000; // a second of audio: the longest wait of one client for another
 constexpr std::size_t mostQueuedBytes = 4U << 20U; // two minutes; TCP slows a faster client down
-
-/// The "type" of a text message, or an empty text when it has none.
-std::string typeOf(const std::string& text) {
-    boost::system::error_code error;
-    const auto value = boost::json::parse(text, error);
-    const auto* object = error ? nullptr : value.if_object();
-    const auto* type = object == nullptr ? nullptr : object->if_contains("type");
-    return type != nullptr && type->is_string() ? std::string(type->get_string()) : std::string();
-}
 
 } // namespace
 
@@ -69,7 +61,7 @@ void RecognitionSession::sortText(std::string text) {
     if (closing_) {
         return;
     }
-    const auto type = typeOf(text);
+    const auto type = messageType(text);
     if (type == "CloseStream") {
         closing_ = true;
         audioLimit_.cancel();

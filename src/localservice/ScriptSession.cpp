@@ -1,10 +1,11 @@
 #include "localservice/ScriptSession.h"
 
+#include "localservice/Messages.h"
+
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <boost/json/parse.hpp>
 
 #include <algorithm>
 
@@ -14,15 +15,6 @@ namespace {
 namespace asio = boost::asio;
 
 constexpr double bytesPerSecond = 32000; // 16-bit samples at 16 kHz
-
-/// The "type" of a JSON message, the whole text of any other.
-std::string typeOf(const std::string& text) {
-    boost::system::error_code error;
-    const auto value = boost::json::parse(text, error);
-    const auto* object = error ? nullptr : value.if_object();
-    const auto* type = object == nullptr ? nullptr : object->if_contains("type");
-    return type != nullptr && type->is_string() ? std::string(type->get_string()) : text;
-}
 
 } // namespace
 
@@ -48,7 +40,7 @@ asio::awaitable<void> ScriptSession::readClient() {
             break;
         }
         if (incoming->isText) {
-            textTypes_.insert(typeOf(incoming->payload));
+            textTypes_.insert(messageType(incoming->payload).value_or(incoming->payload));
             textTypes_.insert("*");
         } else {
             audioBytes_ += incoming->payload.size();
