@@ -16,7 +16,7 @@
 #include <QTimer>
 #include <QWindow>
 
-#include <cstdio>
+#include <stdexcept>
 
 namespace orlune {
 
@@ -180,40 +180,33 @@ std::optional<std::string> OrluneApp::perform(RemoteRequest request) {
 }
 
 int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments) {
-    try {
-        const TerminationSignals signals;
-        // The cheap check comes first; of two launches at the same moment, the name decides.
-        if (const auto exitCode = options.isInBackground ? std::nullopt : reopenRunningInstance()) {
-            return *exitCode;
-        }
-        if (chooseX()) {
-            if (const auto problem = displayProblem()) {
-                std::fprintf(stderr,
-                             "orlune: Orlune needs a display, and %s. Start it inside a graphical "
-                             "session; in a Wayland session, Xwayland has to be installed.\n",
-                             problem->c_str());
-                return exitFailed;
-            }
-        }
-        // The meter's frames have a few kilobytes. Writing them to the X server costs less than
-        // waiting, before each frame, until the server has read the last one from shared memory.
-        qputenv(noSharedPictures, "1");
-        QApplication application(argumentCount, arguments);
-        qunsetenv(noSharedPictures); // must not be inherited by other programs
-        nameApplication();
-        QApplication::setWindowIcon(applicationIcon());
-        QApplication::setQuitOnLastWindowClosed(false);
-        // The user decides whether it starts at login; the session manager must not restart it
-        // because it ran at logout.
-        QObject::connect(&application, &QGuiApplication::saveStateRequest,
-                         [](QSessionManager& session) {
-                             session.setRestartHint(QSessionManager::RestartNever);
-                         });
-        return OrluneApp(options, signals).run();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "orlune: %s\n", error.what());
-        return exitFailed;
+    const TerminationSignals signals;
+    // The cheap check comes first; of two launches at the same moment, the name decides.
+    if (const auto exitCode = options.isInBackground ? std::nullopt : reopenRunningInstance()) {
+        return *exitCode;
     }
+    if (chooseX()) {
+        if (const auto problem = displayProblem()) {
+            throw std::runtime_error(
+                "Orlune needs a display, and " + *problem
+                + ". Start it inside a graphical session; in a Wayland session, Xwayland has to be "
+                  "installed.");
+        }
+    }
+    // The meter's frames have a few kilobytes. Writing them to the X server costs less than
+    // waiting, before each frame, until the server has read the last one from shared memory.
+    qputenv(noSharedPictures, "1");
+    QApplication application(argumentCount, arguments);
+    qunsetenv(noSharedPictures); // must not be inherited by other programs
+    nameApplication();
+    QApplication::setWindowIcon(applicationIcon());
+    QApplication::setQuitOnLastWindowClosed(false);
+    // The user decides whether it starts at login; the session manager must not restart it
+    // because it ran at logout.
+    QObject::connect(
+        &application, &QGuiApplication::saveStateRequest,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
+    return OrluneApp(options, signals).run();
 }
 
 } // namespace orlune

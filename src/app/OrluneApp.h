@@ -18,8 +18,8 @@
 namespace orlune {
 
 /// Creates the application object, so it must be called once, before anything else on the main
-/// thread. Returns the exit code; errors are on standard error. If an instance is already running,
-/// brings it to the front instead.
+/// thread. Returns the exit code; throws std::exception with a text for the user. If an instance is
+/// already running, brings it to the front instead.
 int runOrluneApp(const LaunchOptions& options, int& argumentCount, char** arguments);
 
 class OrluneApp {

@@ -11,6 +11,7 @@
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -71,6 +72,11 @@ int main(int argumentCount, char** arguments) {
     // and writes no file either, which would need more.
     const rlimit noCoreDump{1, 1};
     setrlimit(RLIMIT_CORE, &noCoreDump);
-    const auto command = orlune::parseCommandLine({arguments + 1, arguments + argumentCount});
-    return std::visit(orlune::CommandRunner(argumentCount, arguments), command);
+    try {
+        const auto command = orlune::parseCommandLine({arguments + 1, arguments + argumentCount});
+        return std::visit(orlune::CommandRunner(argumentCount, arguments), command);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "orlune: %s\n", error.what());
+        return orlune::exitFailed;
+    }
 }

@@ -21,7 +21,6 @@
 #include <boost/asio/post.hpp>
 
 #include <chrono>
-#include <cstdio>
 #include <optional>
 #include <stdexcept>
 #include <sys/ioctl.h>
@@ -180,13 +179,8 @@ int dictate(const DictateOptions& options) {
 } // namespace
 
 int runDictateCommand(const DictateOptions& options, int& argumentCount, char** arguments) {
-    try {
-        const auto application = makeApplication(options.insertsText, argumentCount, arguments);
-        return dictate(options);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "orlune: %s\n", error.what());
-        return exitFailed;
-    }
+    const auto application = makeApplication(options.insertsText, argumentCount, arguments);
+    return dictate(options);
 }
 
 } // namespace orlune

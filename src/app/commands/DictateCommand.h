@@ -6,7 +6,7 @@
 namespace orlune {
 
 /// Creates the application object, so it must be called once, before anything else on the main
-/// thread. Returns the exit code; errors are on standard error.
+/// thread. Returns the exit code; throws std::exception with a text for the user.
 int runDictateCommand(const DictateOptions& options, int& argumentCount, char** arguments);
 
 } // namespace orlune
