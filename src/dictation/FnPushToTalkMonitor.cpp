@@ -4,8 +4,6 @@
 #include "platform/VirtualKey.h"
 #include "platform/concurrency/Task.h"
 
-#include <cstdint>
-
 namespace orlune {
 
 void toggleDictation(AppState& state) {

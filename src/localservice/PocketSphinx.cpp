@@ -1,6 +1,5 @@
 #include "localservice/PocketSphinx.h"
 
-#include <algorithm>
 #include <cassert>
 
 // 5.1 includes sphinxbase and hides most of it.

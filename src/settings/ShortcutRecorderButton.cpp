@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 
 #include <algorithm>
-#include <utility>
 
 namespace orlune {
 

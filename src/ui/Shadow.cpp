@@ -3,7 +3,6 @@
 #include <QPaintDevice>
 #include <QPainter>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>

@@ -1,7 +1,6 @@
 #include "platform/memory/MemoryAudioConverter.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace orlune {
 

@@ -17,7 +17,6 @@
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
 
-#include <optional>
 #include <type_traits>
 #include <utility>
 

@@ -9,9 +9,7 @@
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
-#include <openssl/evp.h>
 
-#include <algorithm>
 #include <chrono>
 #include <netinet/tcp.h>
 #include <optional>

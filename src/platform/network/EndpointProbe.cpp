@@ -6,7 +6,6 @@
 #include <boost/asio/io_context.hpp>
 
 #include <optional>
-#include <utility>
 
 namespace orlune {
 

@@ -7,7 +7,6 @@
 
 #include <systemd/sd-journal.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <sys/stat.h>

@@ -5,7 +5,6 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>

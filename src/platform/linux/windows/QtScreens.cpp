@@ -7,8 +7,6 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include <algorithm>
-
 namespace orlune {
 
 namespace {

@@ -4,7 +4,6 @@
 #include "platform/linux/x11/KeyboardLayout.h"
 #include "platform/linux/x11/XConnection.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
 #include <memory>

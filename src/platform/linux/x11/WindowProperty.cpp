@@ -4,8 +4,6 @@
 
 #include <X11/Xlib.h>
 
-#include <memory>
-
 namespace orlune {
 
 std::optional<unsigned long> propertyItem(Display* display, Window window, const char* name,
