@@ -33,7 +33,7 @@ constexpr auto intentCheckKey = "intentCheckEnabled";
 
 ActivationMode storedActivationMode(const UserDefaults& defaults) {
     const auto stored = defaults.string(activationModeKey);
-    return stored == "holdToSpeak" ? ActivationMode::holdToSpeak : ActivationMode::tapToToggle;
+    return activationModeFromRawValue(stored.value_or("")).value_or(ActivationMode::tapToToggle);
 }
 
 DictationShortcut storedShortcut(const UserDefaults& defaults) {

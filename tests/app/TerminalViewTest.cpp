@@ -44,7 +44,7 @@ std::string written(bool redraws, const std::vector<TerminalFrame>& frames) {
         for (const auto& frame : frames) {
             view.show(frame);
         }
-        view.print("Goal\n");
+        view.print("Goal\u009B 2J\x1b[2J é\n");
     }
     close(ends[1]);
     std::string text(4096, '\0');
@@ -63,9 +63,9 @@ TEST(TerminalViewTest, redrawsInPlaceOnATerminalAndWritesPlainLinesElsewhere) {
         {Case::processing, "Finishing", 0, "fix it"},
     };
     EXPECT_EQ(written(/*redraws=*/false, frames),
-              "Connecting securely\nListening\n  fix\n  fix it\nFinishing\nGoal\n");
+              "Connecting securely\nListening\n  fix\n  fix it\nFinishing\nGoal  2J [2J é\n");
     EXPECT_EQ(written(/*redraws=*/true, {frames[0], frames[0], frames[5]}),
-              "\r\x1b[2KConnecting securely\r\x1b[2KFinishing  fix it\r\x1b[2KGoal\n");
+              "\r\x1b[2KConnecting securely\r\x1b[2KFinishing  fix it\r\x1b[2KGoal  2J [2J é\n");
 }
 
 } // namespace

@@ -51,10 +51,20 @@ std::string lastCharacters(std::string_view text, int characters) {
 }
 
 /// Recognised text is not trusted: characters that would move the cursor become blanks.
-std::string withoutControls(std::string text) {
+/// Also without those from U+0080 to U+009F, which terminals obey as well.
+std::string withoutControls(std::string text, bool keepsLines = false) {
     std::ranges::replace_if(
-        text, [](char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; },
+        text,
+        [&](char byte) {
+            return (static_cast<unsigned char>(byte) < 0x20 && !(keepsLines && byte == '\n'))
+                   || byte == 0x7F;
+        },
         ' ');
+    for (auto at = text.find('\xC2'); at != std::string::npos; at = text.find('\xC2', at + 1)) {
+        if (at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0) {
+            text.replace(at, 2, " ");
+        }
+    }
     return text;
 }
 
@@ -117,7 +127,7 @@ void TerminalView::print(std::string_view lines) {
         write(eraseLine);
         shown_.clear();
     }
-    write(lines);
+    write(withoutControls(std::string(lines), /*keepsLines=*/true));
 }
 
 void TerminalView::finish() {

@@ -163,10 +163,10 @@ void GlobalShortcuts::bind(Way way) {
     QList<PortalShortcut> shortcuts{
         {cancel, {{description, QStringLiteral("Cancel the dictation")}}}};
     if (way != Way::forgetting) {
-        shortcuts.prepend(
-            {dictate,
-             {{description, QStringLiteral("Dictate")},
-              {QStringLiteral("preferred_trigger"), QString::fromStdString(portalTrigger(*trigger_))}}});
+        shortcuts.prepend({dictate,
+                           {{description, QStringLiteral("Dictate")},
+                            {QStringLiteral("preferred_trigger"),
+                             QString::fromStdString(portalTrigger(*trigger_))}}});
     }
     // Without a limit, a dialog may stay open.
     const auto limit = way == Way::silently

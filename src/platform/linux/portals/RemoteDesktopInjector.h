@@ -49,8 +49,6 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     void findOut();
     bool remembers() const;
     void open(Way way);
-    void selectKeyboard();
-    void start();
     void finish(const PortalResponse& response);
     void fail(std::string reason);
     void failForNow(std::string reason);
