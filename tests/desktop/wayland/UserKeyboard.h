@@ -43,6 +43,7 @@ inline constexpr UserKeyboard::Key v = 47;
 inline constexpr UserKeyboard::Key leftAlt = 56;
 inline constexpr UserKeyboard::Key space = 57;
 inline constexpr UserKeyboard::Key f9 = 67;
+inline constexpr UserKeyboard::Key f10 = 68;
 inline constexpr UserKeyboard::Key rightControl = 97;
 inline constexpr UserKeyboard::Key insert = 110;
 } // namespace key

@@ -158,8 +158,13 @@ void RemoteDesktopInjector::finish(const PortalResponse& response) {
     switch (response.code) {
     case Code::granted:
         break;
-    case Code::refused:
     case Code::timedOut:
+        if (!std::exchange(hasTimedOut_, true)) {
+            failForNow("the desktop portal did not answer in time");
+            return;
+        }
+        [[fallthrough]];
+    case Code::refused:
         if (way_ == Way::silently) {
             tokens_.forget();
             fail(forgotten);
@@ -175,6 +180,7 @@ void RemoteDesktopInjector::finish(const PortalResponse& response) {
     isOpening_ = false;
     isOpen_ = true;
     retryCount_ = 0;
+    hasTimedOut_ = false;
     reason_.clear();
     const auto token = response.results.value(QStringLiteral("restore_token")).toString();
     if (!remembers()) {

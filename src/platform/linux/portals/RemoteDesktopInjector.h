@@ -20,8 +20,8 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
   public:
     /// Stores the consent, in the program's state folder.
     static constexpr auto tokenFile = "remote-desktop-token";
-    /// The time limit of a session that should need no dialog. A portal that opens a dialog anyway
-    /// has lost the consent.
+    /// The time limit of a session that should need no dialog. A portal that exceeds it twice in a
+    /// row opens one, and so has lost the consent; once may be a loaded machine.
     static constexpr std::chrono::seconds silentLimit{3};
 
     /// At the start of a session the desktop may not be able to show its dialog yet. It is asked
@@ -70,6 +70,7 @@ class RemoteDesktopInjector final : public QObject, public KeyInjector {
     /// The portal failed, not the user's will: the next dictation tries again.
     bool isRetryDue_ = false;
     std::size_t retryCount_ = 0;
+    bool hasTimedOut_ = false; ///< the last silent session did
     bool isOpening_ = false;
     bool isOpen_ = false;
     std::unique_ptr<PortalSession> session_;
