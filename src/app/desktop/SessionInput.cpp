@@ -47,6 +47,7 @@ struct SessionInput::Parts {
     void useXTest(const PlatformConfiguration& configuration, TrustPrompt trustPrompt);
     void useInjector(const PlatformConfiguration& configuration, TrustPrompt trustPrompt);
     bool ownPrimarySelection() const;
+    InjectedPaste::HeldKeys heldKeys() const;
     void log(const Logger& logger) const;
 };
 
@@ -115,10 +116,24 @@ void SessionInput::Parts::useInjector(const PlatformConfiguration& configuration
                                                         : InjectedPaste::Chord::shiftInsert;
     posting = std::make_unique<InjectedPaste>(
         *injector,
-        InjectedPaste::Surroundings{
-            .chord = chord,
-            .ownPrimarySelection = [this] { return ownPrimarySelection(); },
-            .isShortcutHeld = [this] { return sharesModifiers && keys->areKeysHeld(); }});
+        InjectedPaste::Surroundings{.chord = chord,
+                                    .ownPrimarySelection = [this] { return ownPrimarySelection(); },
+                                    .heldKeys = [this] { return heldKeys(); }});
+}
+
+InjectedPaste::HeldKeys SessionInput::Parts::heldKeys() const {
+    using HeldKeys = InjectedPaste::HeldKeys;
+    if (!sharesModifiers) {
+        return HeldKeys::none;
+    }
+    // Without a source, a command that the user bound to a key may have confirmed, except in
+    // Plasma, whose X clients see the keys.
+    const bool seesReleases = source ? !source->isMissing() && source->reportsReleases()
+                                     : qEnvironmentVariableIsSet("KDE_SESSION_VERSION");
+    if (!seesReleases) {
+        return HeldKeys::unknown;
+    }
+    return keys->areKeysHeld() ? HeldKeys::some : HeldKeys::none;
 }
 
 void SessionInput::Parts::log(const Logger& logger) const {

@@ -68,12 +68,12 @@ bool InjectedPaste::post(EventTapLocation /*location*/, const KeyboardEvent& eve
     if (surroundings_.chord == Chord::shiftInsert && !surroundings_.ownPrimarySelection()) {
         return false;
     }
-    if (!surroundings_.isShortcutHeld()) {
+    waitingSince_ = std::chrono::steady_clock::now();
+    if (!mustWait()) {
         pressChord();
         return step_ == Step::down;
     }
     step_ = Step::waitingForKeys;
-    waitingSince_ = std::chrono::steady_clock::now();
     wakeAfter(heldKeysInterval);
     return true;
 }
@@ -83,10 +83,22 @@ void InjectedPaste::timerEvent(QTimerEvent* /*event*/) {
         releaseChord();
         return;
     }
-    const bool isTooLong = std::chrono::steady_clock::now() - waitingSince_ > heldKeysLimit;
-    if (isTooLong || !surroundings_.isShortcutHeld()) {
+    if (!mustWait()) {
         pressChord();
     }
+}
+
+bool InjectedPaste::mustWait() const {
+    const auto waited = std::chrono::steady_clock::now() - waitingSince_;
+    switch (surroundings_.heldKeys()) {
+    case HeldKeys::none:
+        return false;
+    case HeldKeys::some:
+        return waited <= heldKeysLimit;
+    case HeldKeys::unknown:
+        break;
+    }
+    return waited <= tapDuration;
 }
 
 void InjectedPaste::wakeAfter(std::chrono::milliseconds duration) {

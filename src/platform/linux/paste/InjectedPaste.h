@@ -22,18 +22,21 @@ class InjectedPaste final : public QObject, public KeyEventPosting {
     /// How long the paste waits for the user to let go of the shortcut. Modifiers that are still
     /// held would become part of the chord.
     static constexpr std::chrono::milliseconds heldKeysLimit{1000};
+    /// The same where the desktop does not report the release: a tap is over by then.
+    static constexpr std::chrono::milliseconds tapDuration{250};
 
     enum class Chord {
         shiftInsert, ///< terminals paste the primary selection with it, others the clipboard
         controlV,    ///< for users whose programs do not paste with Insert
     };
+    enum class HeldKeys { none, some, unknown };
     struct Surroundings {
         Chord chord = Chord::shiftInsert;
         /// Offers the clipboard's text as the primary selection too. False when that is refused;
         /// Shift-Insert is not posted then, because terminals would paste another text.
         std::function<bool()> ownPrimarySelection;
         /// Whether the user holds keys that would change the chord.
-        std::function<bool()> isShortcutHeld;
+        std::function<HeldKeys()> heldKeys;
     };
 
     /// The injector outlives this object.
@@ -60,6 +63,7 @@ class InjectedPaste final : public QObject, public KeyEventPosting {
     enum class Step { idle, waitingForKeys, down };
 
     void wakeAfter(std::chrono::milliseconds duration);
+    bool mustWait() const;
     void pressChord();
     void releaseChord();
 

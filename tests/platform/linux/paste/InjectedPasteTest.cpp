@@ -14,6 +14,7 @@ namespace orlune {
 namespace {
 
 using testing::Test;
+using HeldKeys = InjectedPaste::HeldKeys;
 
 struct RecordingInjector final : KeyInjector {
     std::string name() const override { return "recording"; }
@@ -44,7 +45,7 @@ struct InjectedPasteTest : Test {
             injector,
             InjectedPaste::Surroundings{.chord = chord,
                                         .ownPrimarySelection = [this] { return ownsPrimary; },
-                                        .isShortcutHeld = [this] { return isHeld; }});
+                                        .heldKeys = [this] { return held; }});
     }
     bool postCommandV() const {
         const auto source = paste->createSource(EventSourceState::hidSystemState);
@@ -60,7 +61,7 @@ struct InjectedPasteTest : Test {
     }
 
     bool ownsPrimary = true;
-    bool isHeld = false;
+    HeldKeys held = HeldKeys::none;
     RecordingInjector injector;
     std::unique_ptr<InjectedPaste> paste;
 };
@@ -96,16 +97,22 @@ TEST_F(InjectedPasteTest, nothingIsPostedThatWouldPasteAnotherText) {
 
 TEST_F(InjectedPasteTest, theShortcutHasToComeUpFirstWithinABound) {
     make();
-    isHeld = true;
+    held = HeldKeys::some;
     EXPECT_TRUE(postCommandV());
     EXPECT_FALSE(postCommandV()); // one is under way
     QTest::qWait(30);
     EXPECT_EQ(injector.log, "");
-    isHeld = false;
+    held = HeldKeys::none;
     expectSoon("+42 +110 -110 -42 ");
     injector.log.clear();
-    isHeld = true;
+    held = HeldKeys::some;
     EXPECT_TRUE(postCommandV());
+    expectSoon("+42 +110 -110 -42 ");
+    // Nobody tells when the keys come up.
+    injector.log.clear();
+    held = HeldKeys::unknown;
+    EXPECT_TRUE(postCommandV());
+    EXPECT_EQ(injector.log, "");
     expectSoon("+42 +110 -110 -42 ");
 }
 
