@@ -130,6 +130,9 @@ TEST_F(WholeDictation, SaysWhyWhenTheServiceCannotBeTrusted) {
 TEST_F(WholeDictation, IsCancelledByAnInterrupt) {
     const auto program = listening({});
     ASSERT_THAT(desktop::recordings(), Not(testing::IsEmpty()));
+    // A connection that is not open yet is dropped instead of closed.
+    speaker_.speak();
+    ASSERT_TRUE(program->says(firstWords)) << program->standardError();
     program->signal(SIGINT);
     ASSERT_TRUE(program->says("\nCancelled\n")) << program->standardError();
     EXPECT_TRUE(waitUntil([] { return desktop::recordings().empty(); }))
