@@ -21,6 +21,7 @@ std::string plainLine(std::string_view text) {
     while (!text.empty()) {
         UChar32 character = 0;
         std::size_t length = 0;
+        // ICU's macro, not ours: NOLINTNEXTLINE(bugprone-inc-dec-in-conditions)
         U8_NEXT(reinterpret_cast<const std::uint8_t*>(text.data()), length, text.size(), character);
         if (character < 0) {
             length = 1; // ICU may have skipped more
