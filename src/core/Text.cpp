@@ -20,6 +20,7 @@ std::size_t whitespaceAtStart(std::string_view text) {
     std::size_t length = 0;
     UChar32 character = U_SENTINEL; // as for bytes that are not valid UTF-8
     if (!text.empty()) {
+        // ICU's macro, not ours: NOLINTNEXTLINE(bugprone-inc-dec-in-conditions)
         U8_NEXT(bytesOf(text), length, text.size(), character);
     }
     return isWhitespaceOrNewline(static_cast<char32_t>(character)) ? length : 0;
@@ -31,6 +32,7 @@ std::size_t whitespaceAtEnd(std::string_view text) {
     auto start = static_cast<std::int32_t>(tail.size());
     UChar32 character = U_SENTINEL;
     if (!tail.empty()) {
+        // ICU's macro, not ours: NOLINTNEXTLINE(bugprone-inc-dec-in-conditions)
         U8_PREV(bytesOf(tail), 0, start, character);
     }
     return isWhitespaceOrNewline(static_cast<char32_t>(character))
