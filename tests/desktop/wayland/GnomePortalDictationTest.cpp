@@ -37,12 +37,13 @@ class GnomePortalDictation : public testing::Test {
     }
     static void allowTheShortcut() {
         const std::string schema = "org.gnome.settings-daemon.global-shortcuts";
+        const std::string shortcuts =
+            "[('dictate', {'description': <'Dictate'>, 'shortcuts': <['F9']>}), "
+            "('cancel', {'description': <'Cancel the dictation'>, 'shortcuts': <['F10']>})]";
         run({"gsettings", "set", schema, "applications", "['app.orlune.Orlune']"});
         run({"gsettings", "set",
              schema + ".application:/org/gnome/settings-daemon/global-shortcuts/app.orlune.Orlune/",
-             "shortcuts",
-             "[('dictate', {'description': <'Dictate'>, 'shortcuts': <['F9']>}), "
-             "('cancel', {'description': <'Cancel the dictation'>, 'shortcuts': <['F10']>})]"});
+             "shortcuts", shortcuts});
         std::filesystem::create_directories(state);
         test::write(state / "global-shortcuts", "GNOME F9");
     }
